@@ -1,0 +1,58 @@
+#pragma once
+// frmLevyDeskMain: the one main window, its menu tree and the start and exit sequences.
+
+#include <QMainWindow>
+#include <QString>
+
+class QMdiArea;
+class QMenu;
+class QAction;
+
+class frmLevyDeskMain : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit frmLevyDeskMain(QWidget* parent = nullptr);
+    ~frmLevyDeskMain() override;
+
+    // The start sequence on that database file. On failure the message is shown, no backup
+    // will be offered, the window closes itself and false is returned.
+    bool start(const QString& databasePath);
+
+    QMdiArea* mdiArea() const { return m_mdi; }
+    // Title of the window as it stands with the open database: the tax year, the office, and
+    // the version.
+    void refreshCaption();
+    // "major.minor.revision".
+    static QString versionText();
+
+    // Runs a menu command by its item name, as a click on it. False when there is no such
+    // item or it is disabled or hidden.
+    bool runMenuCommand(const QString& itemName);
+    QAction* menuItem(const QString& itemName) const;
+
+    // Shows a screen in the client area (non-modal) or runs it modally, centred in the
+    // client area. A non-modal screen that is open already is brought to the front.
+    void showScreen(QWidget* screen, bool modal);
+    // The open screen of that name, or nullptr.
+    QWidget* openScreen(const QString& screenName) const;
+    // Closes every open screen but those named, without questions.
+    void closeScreensExcept(const QStringList& keep);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildMenus();
+    void openFromMenu(const QString& itemName);
+
+    QMdiArea* m_mdi = nullptr;
+    QWidget* m_logo = nullptr;
+    bool m_exitDone = false;
+};
+
+// The main window of the run, or nullptr before it exists.
+frmLevyDeskMain* mainWindow();
+
+// Closes a screen: its client-area window, or the dialog it is.
+void CloseScreen(QWidget* screen);

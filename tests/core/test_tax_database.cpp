@@ -1,0 +1,389 @@
+// The schema as the program creates it, opening files, typed fields, and reading a bill as it
+// now stands through its adjustment and address chains.
+
+#include "core/tax_database.h"
+#include "support/test_support.h"
+
+#include <QFile>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTest>
+
+namespace {
+
+QSet<QString> columnsOf(QSqlDatabase db, const QString& table) {
+    QSet<QString> out;
+    const QSqlRecord r = db.record(table);
+    for (int i = 0; i < r.count(); ++i)
+        out.insert(r.fieldName(i));
+    return out;
+}
+
+int countColumns(const QString& table, TaxDatabase::ColumnType type) {
+    int n = 0;
+    for (const auto& c : TaxDatabase::table(table)->columns)
+        n += c.type == type;
+    return n;
+}
+
+QVariant scalar(QSqlDatabase db, const QString& sql) {
+    QSqlQuery q(db);
+    if (!q.exec(sql) || !q.next())
+        return QVariant();
+    return q.value(0);
+}
+
+// A bill with the columns the chains touch; the rest stay Null.
+void insertBill(const TempTaxDatabase& t, const QString& billNo, const QString& adjFlag,
+                const QString& addrFlag) {
+    QVERIFY(
+        t.exec(QStringLiteral(
+                   "INSERT INTO TCMaster (District, Ward, Control, BillNo, Name, Addr1, City, "
+                   "County, School, AdjFlag, CAddrFlag, CPayFlag) VALUES ('27', '1', '000123', "
+                   "'%1', 'SMITH JOHN', '12 ELM ST', 'LITITZ', 1000000, 25000000, '%2', '%3', ' ')")
+                   .arg(billNo, adjFlag, addrFlag)));
+}
+
+void insertAdjustment(const TempTaxDatabase& t, const QString& billNo, int adjNo, qint64 county,
+                      const QString& name, const QString& kind = QStringLiteral("A")) {
+    QVERIFY(t.exec(
+        QStringLiteral(
+            "INSERT INTO TCAdjust (Control, BillNo, AdjNo, Name, Addr1, City, County, School, "
+            "AdjFlag, AdjDate) VALUES ('000123', '%1', %2, '%3', '12 ELM ST', 'LITITZ', %4, "
+            "20000000, '%5', '2013-05-01')")
+            .arg(billNo)
+            .arg(adjNo)
+            .arg(name)
+            .arg(county)
+            .arg(kind)));
+}
+
+void insertAddress(const TempTaxDatabase& t, const QString& billNo, int addrId,
+                   const QString& addr1) {
+    QVERIFY(t.exec(
+        QStringLiteral("INSERT INTO TCAddress (Control, BillNo, AddrID, Name, Addr1, City, ADate) "
+                       "VALUES ('000123', '%1', %2, 'SMITH JOHN', '%3', 'MANHEIM', '2013-06-01')")
+            .arg(billNo)
+            .arg(addrId)
+            .arg(addr1)));
+}
+
+} // namespace
+
+class TestTaxDatabase : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void schemaIsCreatedWithEveryTable();
+    void amountColumnsAreExactAndComplete();
+    void voidAndDistributionTablesCarryTheReceiptColumns();
+    void numberTablesAndVersion();
+    void openRefusesMissingAndForeignFiles();
+    void validityCheck();
+    void typedFields();
+    void paddedBillNumbersCompareAsText();
+    void readsTheMasterRowAlone();
+    void adjustmentChainLatestWins();
+    void addressChainOverlaysAfterAdjustment();
+    void exonerationIsReported();
+    void incompleteChainsAreRefusedWithTheirMessages();
+};
+
+void TestTaxDatabase::schemaIsCreatedWithEveryTable() {
+    TempTaxDatabase t;
+    QSqlDatabase db = t.db();
+    for (const auto& def : TaxDatabase::schema()) {
+        const QSet<QString> present = columnsOf(db, def.name);
+        QVERIFY2(!present.isEmpty(), qPrintable(def.name));
+        QCOMPARE(present.size(), int(def.columns.size()));
+        for (const auto& c : def.columns)
+            QVERIFY2(present.contains(c.name), qPrintable(def.name + "." + c.name));
+    }
+    // Tables the screens rely on, by the names they use.
+    for (const char* name : {"TCMaster",
+                             "PCMaster",
+                             "TCReceipt",
+                             "PCReceipt",
+                             "TCVoidReceipt",
+                             "PCVoidReceipt",
+                             "TCDistribution",
+                             "TCVoidDistribution",
+                             "PCDistribution",
+                             "PCVoidDistribution",
+                             "TCRefund",
+                             "PCRefund",
+                             "TCAdjust",
+                             "PCAdjust",
+                             "TCAddress",
+                             "PCAddress",
+                             "TCAdds",
+                             "PCAdds",
+                             "TCLateBillAddress",
+                             "PCLateBillAddress",
+                             "TCReceiptNum",
+                             "PCReceiptNum",
+                             "TCBillNum",
+                             "PCBillNum",
+                             "Millfile",
+                             "tbl_County",
+                             "tbl_District",
+                             "tbl_Twpboro",
+                             "tbl_States",
+                             "tbl_ZipCodes",
+                             "tbl_LandUse",
+                             "tbl_Printers",
+                             "tbl_DisbDates",
+                             "Spectax",
+                             "Specpay",
+                             "tbl_Settings"})
+        QVERIFY2(TaxDatabase::table(QString::fromLatin1(name)), name);
+    // Searched keys are indexed.
+    QVERIFY(
+        scalar(db,
+               "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND tbl_name = 'TCMaster' "
+               "AND sql LIKE '%(BillNo)%'")
+            .toInt() == 1);
+    QVERIFY(
+        scalar(db,
+               "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND tbl_name = 'TCReceipt' "
+               "AND sql LIKE '%(Recnum)%'")
+            .toInt() == 1);
+}
+
+void TestTaxDatabase::amountColumnsAreExactAndComplete() {
+    using T = TaxDatabase::ColumnType;
+    // 27 amounts, 6 installment columns, 2 exclusions and 3 exclusion amounts.
+    QCOMPARE(countColumns("TCMaster", T::Money), 27 + 6 + 5);
+    QCOMPARE(countColumns("PCMaster", T::Money), 18);
+    // The void copies 35 money columns of a real estate receipt and 20 of a per capita one.
+    QCOMPARE(countColumns("TCReceipt", T::Money), 35);
+    QCOMPARE(countColumns("PCReceipt", T::Money), 20);
+    QCOMPARE(TaxDatabase::columnType("Millfile", "tolerance"), T::Money);
+    QCOMPARE(TaxDatabase::columnType("Specpay", "Amount"), T::Money);
+    QCOMPARE(TaxDatabase::columnType("Millfile", "SMR"), T::Real);
+    QCOMPARE(TaxDatabase::columnType("TCMaster", "AssLand"), T::Integer);
+    QCOMPARE(TaxDatabase::columnType("TCReceipt", "RDate"), T::Date);
+    QCOMPARE(TaxDatabase::columnType("TCMaster", "BillNo"), T::Text);
+
+    // Money is stored as ten-thousandths, so sums in SQL stay exact.
+    TempTaxDatabase t;
+    for (int i = 0; i < 10; ++i)
+        QVERIFY(t.exec(QStringLiteral("INSERT INTO TCReceipt (Recnum, County) VALUES ('r%1', %2)")
+                           .arg(i)
+                           .arg(MoneyValue(*Money::parse(u"0.10")).toLongLong())));
+    QCOMPARE(MoneyField(scalar(t.db(), "SELECT sum(County) FROM TCReceipt")),
+             Money::fromDollars(1));
+}
+
+void TestTaxDatabase::voidAndDistributionTablesCarryTheReceiptColumns() {
+    TempTaxDatabase t;
+    const QSet<QString> receipt = columnsOf(t.db(), "TCReceipt");
+    const QSet<QString> voided = columnsOf(t.db(), "TCVoidReceipt");
+    QVERIFY(voided.contains(receipt));
+    for (const char* c : {"RCDisbNum", "RTDisbNum", "RSDisbNum", "VDate", "Reason", "SysDate"})
+        QVERIFY2(voided.contains(QString::fromLatin1(c)), c);
+    QVERIFY(columnsOf(t.db(), "PCVoidReceipt").contains(columnsOf(t.db(), "PCReceipt")));
+    QCOMPARE(columnsOf(t.db(), "TCDistribution"), columnsOf(t.db(), "TCVoidDistribution"));
+    QCOMPARE(columnsOf(t.db(), "PCDistribution"), columnsOf(t.db(), "PCVoidDistribution"));
+    QVERIFY(!columnsOf(t.db(), "PCDistribution").contains("Map3"));
+}
+
+void TestTaxDatabase::numberTablesAndVersion() {
+    TempTaxDatabase t;
+    for (const char* sql :
+         {"SELECT ReceiptNum FROM TCReceiptNum", "SELECT ReceiptNum FROM PCReceiptNum",
+          "SELECT BillNum FROM TCBillNum", "SELECT BillNum FROM PCBillNum"}) {
+        QCOMPARE(scalar(t.db(), sql).toInt(), 1);
+        QCOMPARE(scalar(t.db(), QString::fromLatin1(sql).replace("SELECT ",
+                                                                 "SELECT count(*) FROM (SELECT ") +
+                                    ")")
+                     .toInt(),
+                 1);
+    }
+    QCOMPARE(scalar(t.db(), "PRAGMA user_version").toInt(), TaxDatabase::SchemaVersion);
+    QCOMPARE(scalar(t.db(), "PRAGMA journal_mode").toString(), QStringLiteral("delete"));
+}
+
+void TestTaxDatabase::openRefusesMissingAndForeignFiles() {
+    TempTaxDatabase t;
+    QString error;
+    const QString missing = t.folder() + "/nothing.sqlite";
+    QVERIFY(!TaxDatabase::open(missing, "probe", &error).isValid());
+    QVERIFY(!error.isEmpty());
+    QVERIFY2(!QFile::exists(missing), "opening must not create a file");
+
+    const QString garbage = t.folder() + "/garbage.sqlite";
+    QFile f(garbage);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(QByteArray(4096, 'x'));
+    f.close();
+    error.clear();
+    QVERIFY(!TaxDatabase::open(garbage, "probe", &error).isValid());
+    QVERIFY(!error.isEmpty());
+    QVERIFY(!QSqlDatabase::contains("probe"));
+
+    QSqlDatabase again = TaxDatabase::open(t.path(), "probe", &error);
+    QVERIFY(again.isOpen());
+    again = QSqlDatabase();
+    TaxDatabase::close("probe");
+}
+
+void TestTaxDatabase::validityCheck() {
+    TempTaxDatabase t;
+    QString why;
+    QVERIFY(TaxDatabase::isValidTaxDatabase(t.path(), &why));
+    QVERIFY(!TaxDatabase::isValidTaxDatabase(t.folder() + "/none.sqlite", &why));
+
+    // A sound SQLite file that is some other database.
+    const QString other = t.folder() + "/other.sqlite";
+    {
+        TempTaxDatabase scratch;
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "other");
+        db.setDatabaseName(other);
+        QVERIFY(db.open());
+        QSqlQuery(db).exec("CREATE TABLE Foo (x)");
+        db.close();
+    }
+    QSqlDatabase::removeDatabase("other");
+    why.clear();
+    QVERIFY(!TaxDatabase::isValidTaxDatabase(other, &why));
+    QVERIFY(why.contains("missing"));
+
+    // One table dropped from a tax database.
+    QVERIFY(t.exec("DROP TABLE Specpay"));
+    QVERIFY(!TaxDatabase::isValidTaxDatabase(t.path(), &why));
+    QVERIFY(why.contains("Specpay"));
+}
+
+void TestTaxDatabase::typedFields() {
+    QCOMPARE(MoneyField(QVariant()), Money());
+    QCOMPARE(MoneyField(QVariant(qlonglong(12345600))), *Money::parse(u"1234.56"));
+    QCOMPARE(MoneyValue(*Money::parse(u"-2.50")).toLongLong(), -25000LL);
+    QCOMPARE(DateField(QVariant("2013-04-30")), QDate(2013, 4, 30));
+    QVERIFY(!DateField(QVariant()).isValid());
+    QVERIFY(DateValue(QDate()).isNull());
+    QCOMPARE(DateValue(QDate(2013, 1, 2)).toString(), QStringLiteral("2013-01-02"));
+    QCOMPARE(FlagField(QVariant()), QStringLiteral(" "));
+    QCOMPARE(FlagField(QVariant(QString())), QStringLiteral(" "));
+    QCOMPARE(FlagField(QVariant("D")), QStringLiteral("D"));
+}
+
+void TestTaxDatabase::paddedBillNumbersCompareAsText() {
+    TempTaxDatabase t;
+    insertBill(t, "    1", " ", " ");
+    insertBill(t, "   10", " ", " ");
+    insertBill(t, "A0001", " ", " ");
+    QCOMPARE(ReadBillAsItStands(t.db(), Duplicate::RealEstate, "1").status,
+             BillNow::Status::NotFound);
+    QVERIFY(ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    1").found());
+    QSqlQuery q(t.db());
+    QVERIFY(q.exec("SELECT BillNo FROM TCMaster ORDER BY BillNo"));
+    QStringList order;
+    while (q.next())
+        order << q.value(0).toString();
+    QCOMPARE(order, (QStringList{"    1", "   10", "A0001"}));
+    QCOMPARE(scalar(t.db(), "SELECT count(*) FROM TCMaster WHERE BillNo < 'A'").toInt(), 2);
+}
+
+void TestTaxDatabase::readsTheMasterRowAlone() {
+    TempTaxDatabase t;
+    insertBill(t, "    7", " ", " ");
+    const BillNow bill = ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    7");
+    QVERIFY(bill.found());
+    QCOMPARE(bill.text("Name"), QStringLiteral("SMITH JOHN"));
+    QCOMPARE(bill.money("County"), Money::fromDollars(100));
+    QCOMPARE(bill.adjNo, 0);
+    QCOMPARE(bill.addrId, 0);
+    QVERIFY(CheckBillIntegrity(bill));
+}
+
+void TestTaxDatabase::adjustmentChainLatestWins() {
+    TempTaxDatabase t;
+    insertBill(t, "    7", "A", " ");
+    // Inserted out of order: the highest number is the one in force.
+    insertAdjustment(t, "    7", 2, 3000000, "SMITH JOHN & MARY");
+    insertAdjustment(t, "    7", 1, 2000000, "SMITH J");
+    const BillNow bill = ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    7");
+    QVERIFY(bill.found());
+    QCOMPARE(bill.adjNo, 2);
+    QCOMPARE(bill.adjustmentKind, QStringLiteral("A"));
+    QCOMPARE(bill.text("Name"), QStringLiteral("SMITH JOHN & MARY"));
+    QCOMPARE(bill.money("County"), Money::fromDollars(300));
+    QCOMPARE(bill.money("School"), Money::fromDollars(2000));
+    // The master's own flag stays: the adjustment's flag says what kind it was.
+    QCOMPARE(bill.text("AdjFlag"), QStringLiteral("A"));
+    // The master row itself is never changed by reading.
+    QCOMPARE(MoneyField(scalar(t.db(), "SELECT County FROM TCMaster")), Money::fromDollars(100));
+}
+
+void TestTaxDatabase::addressChainOverlaysAfterAdjustment() {
+    TempTaxDatabase t;
+    insertBill(t, "   12", "A", "A");
+    insertAdjustment(t, "   12", 1, 2000000, "SMITH JOHN");
+    insertAddress(t, "   12", 1, "1 OLD RD");
+    insertAddress(t, "   12", 2, "99 NEW RD");
+    const BillNow bill = ReadBillAsItStands(t.db(), Duplicate::RealEstate, "   12");
+    QVERIFY(bill.found());
+    QCOMPARE(bill.addrId, 2);
+    QCOMPARE(bill.text("Addr1"), QStringLiteral("99 NEW RD"));
+    QCOMPARE(bill.text("City"), QStringLiteral("MANHEIM"));
+    QCOMPARE(bill.money("County"), Money::fromDollars(200));
+
+    // Per capita reads its own tables.
+    QVERIFY(t.exec("INSERT INTO PCMaster (BillNo, Name, Addr2, AdjFlag, CAddrFlag) VALUES ('    "
+                   "3', 'DOE JANE', "
+                   "'5 MAIN ST', ' ', 'A')"));
+    QVERIFY(t.exec("INSERT INTO PCAddress (BillNo, AddrID, Name, Addr2) VALUES ('    3', 1, 'DOE "
+                   "JANE', '6 MAIN ST')"));
+    const BillNow person = ReadBillAsItStands(t.db(), Duplicate::PerCapita, "    3");
+    QVERIFY(person.found());
+    QCOMPARE(person.text("Addr2"), QStringLiteral("6 MAIN ST"));
+}
+
+void TestTaxDatabase::exonerationIsReported() {
+    TempTaxDatabase t;
+    insertBill(t, "    9", "A", " ");
+    insertAdjustment(t, "    9", 1, 0, "SMITH JOHN", "X");
+    const BillNow bill = ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    9");
+    QCOMPARE(bill.adjustmentKind, QStringLiteral("X"));
+    QCOMPARE(bill.money("County"), Money());
+}
+
+void TestTaxDatabase::incompleteChainsAreRefusedWithTheirMessages() {
+    TempTaxDatabase t;
+    insertBill(t, "    4", "A", " ");
+    insertBill(t, "    5", " ", "A");
+    insertBill(t, "    6", "A", "A");
+    insertAdjustment(t, "    6", 1, 2000000, "SMITH");
+    MessageScript script;
+
+    const BillNow adj = ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    4");
+    QCOMPARE(adj.status, BillNow::Status::IncompleteAdjustment);
+    QVERIFY(!CheckBillIntegrity(adj));
+
+    const BillNow addr = ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    5");
+    QCOMPARE(addr.status, BillNow::Status::IncompleteAddress);
+    QVERIFY(!CheckBillIntegrity(addr));
+
+    // A whole adjustment chain does not excuse a broken address chain.
+    QCOMPARE(ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    6").status,
+             BillNow::Status::IncompleteAddress);
+
+    QCOMPARE(script.titles(),
+             (QStringList{"Database Integrity Error", "Database Integrity Error"}));
+    QCOMPARE(script.texts().at(0),
+             QStringLiteral(
+                 "The system has detected an incomplete adjustment transaction. Please got to the "
+                 "UTILITIES menu and run the VERIFY DATA INTEGRITY option to correct this issue."));
+    QCOMPARE(
+        script.texts().at(1),
+        QStringLiteral(
+            "The system has detected an incomplete address change transaction. Please got to "
+            "the UTILITIES menu and run the VERIFY DATA INTEGRITY option to correct this issue."));
+
+    // A missing bill shows nothing here: the screens give their own message.
+    QVERIFY(!CheckBillIntegrity(ReadBillAsItStands(t.db(), Duplicate::RealEstate, "99999")));
+    QCOMPARE(script.titles().size(), 2);
+}
+
+QTEST_GUILESS_MAIN(TestTaxDatabase)
+#include "test_tax_database.moc"
