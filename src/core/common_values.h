@@ -30,7 +30,8 @@ inline QString PadFormat(Money value, const char* pattern) {
 // pattern's places. Independent of the machine's locale.
 QString FormatNumber(double value, QStringView pattern);
 
-// A percentage without a bare point: 5 under "#0.##%" is "5%".
+// A percentage number as text without a bare point: 5 under "#0.##%" is "5%", 2.5 is
+// "2.5%". The value is the percentage itself, not a fraction of one.
 QString FormatPercent(double value, QStringView pattern);
 
 // Every single quote doubled.
