@@ -1,0 +1,40 @@
+#include "rates/field_leave.h"
+
+#include <QFocusEvent>
+#include <QLineEdit>
+#include <QWidget>
+
+void FieldLeave::onLeave(QWidget* field, std::function<void()> action) {
+    m_actions.insert(field, std::move(action));
+    field->installEventFilter(this);
+}
+
+bool FieldLeave::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::FocusOut || m_running)
+        return false;
+    const auto reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
+        return false;
+    auto it = m_actions.find(watched);
+    if (it == m_actions.end())
+        return false;
+    m_running = true;
+    const std::function<void()> action = it.value();
+    action();
+    m_running = false;
+    // When the action sent the focus back to the field, the field has it again: it must not
+    // also take the leave as its own.
+    auto* widget = qobject_cast<QWidget*>(watched);
+    return widget && widget->hasFocus();
+}
+
+void UpperCaseTyping(QLineEdit* field) {
+    QObject::connect(field, &QLineEdit::textEdited, field, [field](const QString& text) {
+        const QString upper = text.toUpper();
+        if (upper == text)
+            return;
+        const int cursor = field->cursorPosition();
+        field->setText(upper);
+        field->setCursorPosition(cursor);
+    });
+}

@@ -1,0 +1,60 @@
+#pragma once
+// frmMaintainMillagesCounty: the county's rates on the county row of Millfile (District '00',
+// Ward '0'), held in the columns that on a municipal row are the school's.
+
+#include <QSqlDatabase>
+#include <QString>
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+// What the county screen writes: its rates and the name of its special tax, on the county
+// row of that tax year.
+struct CountyMillages {
+    QString taxYear;
+    double smr = 0;  // real-estate millage
+    double s1mr = 0; // special millage
+    QString s1TaxName;
+    double sd = 0; // real-estate discount, percent
+    double sp = 0; // real-estate penalty, percent
+    double smo = 0;
+    double spc = 0;
+    double pcsd = 0;
+    double pcsp = 0;
+};
+
+// One transaction, one update. A database without the row changes nothing and succeeds.
+bool SaveCountyMillages(QSqlDatabase db, const CountyMillages& values, QString* error = nullptr);
+
+class frmMaintainMillagesCounty : public QWidget {
+    Q_OBJECT
+public:
+    explicit frmMaintainMillagesCounty(QWidget* parent = nullptr);
+
+    QLabel* lblCountyName = nullptr;
+    QLineEdit* txtCMR = nullptr;
+    QLineEdit* txtC1MR = nullptr;
+    QLineEdit* txtC1TaxName = nullptr;
+    QLineEdit* txtCD = nullptr;
+    QLineEdit* txtCP = nullptr;
+    QLineEdit* txtCMO = nullptr;
+    QLineEdit* txtCPC = nullptr;
+    QLineEdit* txtPCCD = nullptr;
+    QLineEdit* txtPCCP = nullptr;
+    QPushButton* cmdAccept = nullptr;
+    QPushButton* cmdClearScreen = nullptr;
+    QPushButton* cmdReset = nullptr;
+    QPushButton* cmdPrintScreen = nullptr;
+    QPushButton* cmdExit = nullptr;
+
+    // Fills the screen from the county row.
+    void loadFromTable();
+
+private:
+    void accept();
+    void clearScreen();
+
+    QString m_taxYear;
+};

@@ -1,0 +1,293 @@
+#include "rates/millage_common.h"
+
+#include "core/common_values.h"
+#include "core/main_window.h"
+#include "core/messages.h"
+#include "core/tax_database.h"
+#include "rates/millage_dates.h"
+
+#include <QButtonGroup>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+#include <memory>
+
+namespace {
+
+const char* const DateColumns[7] = {"MailDate", "DiscDate", "FaceDate1", "FaceDate2",
+                                    "PenDate",  "LastDate", "TaxDate"};
+
+} // namespace
+
+const std::array<const char*, 7> EarlyDateMessages = {
+    "Early Billing Mail Date Must Be A Valid Date",
+    "Early Billing Discount Date Must Be A Valid Date",
+    "Early Billing First Face Date Must Be A Valid Date",
+    "Early Billing Last Face Date Must Be A Valid Date",
+    "Early Billing Penalty Date Must Be A Valid Date",
+    "Early Billing Last Tax Date Must Be A Valid Date",
+    "Early Billing Tax Claim Date Must Be A Valid Date"};
+const std::array<const char*, 7> LateDateMessages = {
+    "Late Billing Mail Date Must Be A Valid Date",
+    "Late Billing Discount Date Must Be A Valid Date",
+    "Late Billing First Face Date Must Be A Valid Date",
+    "Late Billing Last Face Date Must Be A Valid Date",
+    "Late Billing Penalty Date Must Be A Valid Date",
+    "Late Billing Last Tax Date Must Be A Valid Date",
+    "Late Billing Tax Claim Date Must Be A Valid Date"};
+const std::array<const char*, 7> SchoolDateMessages = {
+    "Mail Date Must Be A Valid Date",       "Discount Date Must Be A Valid Date",
+    "First Face Date Must Be A Valid Date", "Last Face Date Must Be A Valid Date",
+    "Penalty Date Must Be A Valid Date",    "Last Tax Date Must Be A Valid Date",
+    "Tax Claim Date Must Be A Valid Date"};
+
+std::optional<double> ParseRate(QStringView typed) {
+    const QStringView s = typed.trimmed();
+    qsizetype i = 0;
+    if (i < s.size() && (s[i] == u'+' || s[i] == u'-'))
+        ++i;
+    int digits = 0;
+    bool point = false;
+    for (; i < s.size(); ++i) {
+        if (s[i] >= u'0' && s[i] <= u'9')
+            ++digits;
+        else if (s[i] == u'.' && !point)
+            point = true;
+        else
+            return std::nullopt;
+    }
+    if (digits == 0)
+        return std::nullopt;
+    bool ok = false;
+    const double value = s.toString().toDouble(&ok); // QString::toDouble uses the C locale
+    if (!ok)
+        return std::nullopt;
+    return value;
+}
+
+QString RateText(const QVariant& stored) {
+    if (!stored.isValid() || stored.isNull())
+        return QStringLiteral("0");
+    bool ok = false;
+    const double value = stored.toDouble(&ok);
+    if (!ok)
+        return QStringLiteral("0");
+    // Fifteen significant digits give back exactly what was typed into a double.
+    QString text = FormatNumber(value, u"0.##############");
+    if (text.endsWith(u'.'))
+        text.chop(1);
+    return text;
+}
+
+QString AmountText(const QVariant& stored) {
+    QString text = MoneyField(stored).format(u"0.####");
+    if (text.endsWith(u'.'))
+        text.chop(1);
+    return text;
+}
+
+QString StoredDateText(const QVariant& stored) {
+    return FormatDate(DateField(stored));
+}
+
+QLineEdit* NamedField(QWidget* parent, const char* name, int maxLength) {
+    auto* field = new QLineEdit(parent);
+    field->setObjectName(QString::fromLatin1(name));
+    if (maxLength > 0)
+        field->setMaxLength(maxLength);
+    return field;
+}
+
+QLabel* NamedLabel(QWidget* parent, const char* name, const QString& text) {
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(QString::fromLatin1(name));
+    return label;
+}
+
+QPushButton* NamedButton(QWidget* parent, const char* name, const QString& caption,
+                         bool takesFocus) {
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(QString::fromLatin1(name));
+    button->setAutoDefault(false);
+    if (!takesFocus)
+        button->setFocusPolicy(Qt::NoFocus);
+    return button;
+}
+
+bool CheckNumberFields(const std::vector<NumberCheck>& checks) {
+    for (const NumberCheck& c : checks)
+        if (c.field->text().trimmed().isEmpty())
+            c.field->setText(QStringLiteral("0"));
+    for (const NumberCheck& c : checks) {
+        const bool numeric = c.amount ? Money::parse(c.field->text()).has_value()
+                                      : ParseRate(c.field->text()).has_value();
+        if (!numeric) {
+            MsgBox(QString::fromLatin1(c.message), QString::fromLatin1(EnterRatesTitle),
+                   MsgButtons::Ok, MsgIcon::Exclamation);
+            c.field->setFocus();
+            return false;
+        }
+    }
+    return true;
+}
+
+double RateOf(const QLineEdit* field) {
+    return ParseRate(field->text()).value_or(0.0);
+}
+
+Money AmountOf(const QLineEdit* field) {
+    return Money::parse(field->text()).value_or(Money());
+}
+
+void DateGroupFields::build(QWidget* parent, QFormLayout* form, const QString& prefix) {
+    static const char* const labels[7] = {
+        "Mail Date:",        "Last Day Of Discount:", "First Day Of Face:",
+        "Last Day Of Face:", "First Day Of Penalty:", "Last Day To Pay:",
+        "Tax Claim Date:"};
+    QLineEdit** members[7] = {&txtMailDate, &txtDiscDate, &txtFaceDate1, &txtFaceDate2,
+                              &txtPenDate,  &txtLastDate, &txtTaxDate};
+    for (int i = 0; i < 7; ++i) {
+        auto* field = new QLineEdit(parent);
+        field->setObjectName(QStringLiteral("txt") + prefix + QLatin1String(DateColumns[i]));
+        field->setMaxLength(10);
+        *members[i] = field;
+        form->addRow(QString::fromLatin1(labels[i]), field);
+    }
+}
+
+std::array<QLineEdit*, 7> DateGroupFields::fields() const {
+    return {txtMailDate, txtDiscDate, txtFaceDate1, txtFaceDate2,
+            txtPenDate,  txtLastDate, txtTaxDate};
+}
+
+void DateGroupFields::show(const std::function<QVariant(const QString&)>& column,
+                           const QString& prefix) {
+    const auto all = fields();
+    for (int i = 0; i < 7; ++i)
+        all[i]->setText(StoredDateText(column(prefix + QLatin1String(DateColumns[i]))));
+}
+
+void DateGroupFields::clear() {
+    for (QLineEdit* field : fields())
+        field->clear();
+}
+
+bool DateGroupFields::check(const std::array<const char*, 7>& messages) const {
+    const auto all = fields();
+    bool anyFilled = false;
+    for (QLineEdit* field : all)
+        if (!field->text().trimmed().isEmpty())
+            anyFilled = true;
+    if (!anyFilled)
+        return true;
+    for (int i = 0; i < 7; ++i) {
+        if (!ParseTypedDate(all[i]->text())) {
+            MsgBox(QString::fromLatin1(messages[i]), QString::fromLatin1(EnterDatesTitle),
+                   MsgButtons::Ok, MsgIcon::Exclamation);
+            all[i]->setFocus();
+            return false;
+        }
+    }
+    return true;
+}
+
+MillageDateSet DateGroupFields::dates() const {
+    auto date = [](const QLineEdit* field) {
+        return ParseTypedDate(field->text()).value_or(QDate());
+    };
+    return {date(txtMailDate), date(txtDiscDate), date(txtFaceDate1), date(txtFaceDate2),
+            date(txtPenDate),  date(txtLastDate), date(txtTaxDate)};
+}
+
+void DateGroupFields::figure(const char* mailDateMessage) {
+    const std::optional<QDate> mail = ParseTypedDate(txtMailDate->text());
+    if (!mail) {
+        MsgBox(QString::fromLatin1(mailDateMessage), QString::fromLatin1(EnterDatesTitle),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        txtMailDate->setFocus();
+        return;
+    }
+    const FiguredDates d = FigureDatesOnMailDate(*mail);
+    txtMailDate->setText(ShortDateText(d.mail));
+    txtFaceDate1->setText(ShortDateText(d.faceFirst));
+    txtDiscDate->setText(ShortDateText(d.discountEnd));
+    txtPenDate->setText(ShortDateText(d.penaltyFirst));
+    txtFaceDate2->setText(ShortDateText(d.faceLast));
+    txtLastDate->setText(ShortDateText(d.lastDay));
+    txtTaxDate->setText(ShortDateText(d.taxClaim));
+}
+
+void BillingTimeFrame::build(QWidget* parent, const char* frameName, const QString& title,
+                             const char* earlyName, const char* lateName) {
+    frame = new QGroupBox(title, parent);
+    frame->setObjectName(QString::fromLatin1(frameName));
+    early = new QRadioButton(QStringLiteral("Early"), frame);
+    early->setObjectName(QString::fromLatin1(earlyName));
+    late = new QRadioButton(QStringLiteral("Late"), frame);
+    late->setObjectName(QString::fromLatin1(lateName));
+    group = new QButtonGroup(frame);
+    group->addButton(early);
+    group->addButton(late);
+    auto* layout = new QHBoxLayout(frame);
+    layout->addWidget(early);
+    layout->addWidget(late);
+}
+
+void BillingTimeFrame::setFlag(const QString& stored) {
+    const QString flag = stored.trimmed().toUpper();
+    if (flag == QLatin1String("E"))
+        early->setChecked(true);
+    else if (flag == QLatin1String("L"))
+        late->setChecked(true);
+    else
+        clear();
+}
+
+QString BillingTimeFrame::flag() const {
+    if (early->isChecked())
+        return QStringLiteral("E");
+    if (late->isChecked())
+        return QStringLiteral("L");
+    return {};
+}
+
+void BillingTimeFrame::clear() {
+    // An exclusive group never lets its last ticked button go.
+    group->setExclusive(false);
+    early->setChecked(false);
+    late->setChecked(false);
+    group->setExclusive(true);
+}
+
+void ReloadOnActivation(QWidget* screen, std::function<void()> reload) {
+    frmLevyDeskMain* main = mainWindow();
+    if (!main || !main->mdiArea())
+        return;
+    // Active until another screen's window becomes the active one; a moment with no active
+    // window (a box in front) does not count.
+    auto active = std::make_shared<bool>(false);
+    auto seen = std::make_shared<bool>(false);
+    QObject::connect(main->mdiArea(), &QMdiArea::subWindowActivated, screen,
+                     [screen, active, seen, reload = std::move(reload)](QMdiSubWindow* sub) {
+                         if (!sub)
+                             return;
+                         if (sub->widget() != screen) {
+                             *active = false;
+                             return;
+                         }
+                         if (*active)
+                             return;
+                         *active = true;
+                         // The first activation is the opening, which has loaded already.
+                         if (*seen)
+                             reload();
+                         *seen = true;
+                     });
+}
