@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace {
@@ -20,11 +21,19 @@ struct Decimal15 {
 Decimal15 toDecimal15(double value) {
     if (value == 0)
         return {false, QStringLiteral("0"), 0};
-    const QString text = QString::number(std::fabs(value), 'e', 14); // "2.34500000000000e+02"
-    const qsizetype e = text.indexOf(u'e');
-    QString digits = text.left(e);
-    digits.remove(u'.');
-    const int exponent = QStringView(text).mid(e + 1).toInt();
+    // Fifteen significant digits in scientific form: "2.34500000000000e+02".
+    char text[40];
+    const auto end =
+        std::to_chars(text, text + sizeof text, std::fabs(value), std::chars_format::scientific, 14)
+            .ptr;
+    const char* e = std::find(text, end, 'e');
+    QString digits;
+    digits.reserve(16);
+    for (const char* c = text; c != e; ++c)
+        if (*c != '.')
+            digits.append(QLatin1Char(*c));
+    int exponent = 0;
+    std::from_chars(e + (e[1] == '+' ? 2 : 1), end, exponent);
     return {value < 0, digits, int(digits.size()) - 1 - exponent};
 }
 

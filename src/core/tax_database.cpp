@@ -356,26 +356,28 @@ QSqlDatabase open(const QString& path, const QString& connectionName, QString* e
             *error = QStringLiteral("The database file %1 does not exist.").arg(path);
         return QSqlDatabase();
     }
-    QSqlDatabase db = addConnection(path, connectionName);
-    if (!db.open()) {
-        if (error)
-            *error = db.lastError().text();
+    bool opened = false;
+    {
+        QSqlDatabase db = addConnection(path, connectionName);
+        if (!db.open()) {
+            if (error)
+                *error = db.lastError().text();
+        } else {
+            // SQLite opens anything lazily; make it read the header now, so that a file that is
+            // not a database fails here.
+            QSqlQuery probe(db);
+            opened = probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"));
+            if (!opened && error)
+                *error = probe.lastError().text();
+        }
+        if (opened)
+            applyPragmas(db);
+    }
+    if (!opened) {
         close(connectionName);
         return QSqlDatabase();
     }
-    // SQLite opens anything lazily; make it read the header now so a non-database fails here.
-    QSqlQuery probe(db);
-    if (!probe.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
-        if (error)
-            *error = probe.lastError().text();
-        probe = QSqlQuery();
-        db = QSqlDatabase();
-        close(connectionName);
-        return QSqlDatabase();
-    }
-    probe = QSqlQuery();
-    applyPragmas(db);
-    return db;
+    return QSqlDatabase::database(connectionName, false);
 }
 
 QSqlDatabase create(const QString& path, const QString& connectionName, QString* error) {
@@ -384,20 +386,22 @@ QSqlDatabase create(const QString& path, const QString& connectionName, QString*
             *error = QStringLiteral("The file %1 cannot be replaced.").arg(path);
         return QSqlDatabase();
     }
-    QSqlDatabase db = addConnection(path, connectionName);
-    if (!db.open()) {
-        if (error)
-            *error = db.lastError().text();
+    bool created = false;
+    {
+        QSqlDatabase db = addConnection(path, connectionName);
+        if (!db.open()) {
+            if (error)
+                *error = db.lastError().text();
+        } else {
+            applyPragmas(db);
+            created = createSchema(db, error);
+        }
+    }
+    if (!created) {
         close(connectionName);
         return QSqlDatabase();
     }
-    applyPragmas(db);
-    if (!createSchema(db, error)) {
-        db = QSqlDatabase();
-        close(connectionName);
-        return QSqlDatabase();
-    }
-    return db;
+    return QSqlDatabase::database(connectionName, false);
 }
 
 void close(const QString& connectionName) {
