@@ -12,6 +12,8 @@ packages=(
     fonts-liberation2 fonts-liberation fontconfig
     # tests: read printed output and bar codes back, a local mail server
     poppler-utils zbar-tools python3-aiosmtpd sqlite3 locales
+    # tests: one real print job through CUPS to a PDF queue
+    cups printer-driver-cups-pdf
 )
 
 missing=()

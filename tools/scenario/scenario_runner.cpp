@@ -1,5 +1,7 @@
 #include "scenario_runner.h"
 
+#include "reports/print_capture.h"
+
 #include "scripted_messages.h"
 #include "sql_values.h"
 #include "widget_actions.h"
@@ -139,6 +141,8 @@ ScenarioRun::ScenarioRun(const QString& file, RunFolder& runFolder, const RunOpt
 ScenarioRun::~ScenarioRun() = default;
 
 bool ScenarioRun::run() {
+    // Print jobs are kept for the expectations instead of going to a printer.
+    PrintCapture::setEnabled(true);
     QString error;
     if (!ParseScenarioFile(m_file, &m_commands, &error)) {
         m_failure = error;
@@ -571,10 +575,20 @@ void ScenarioRun::execute(const ScenarioCommand& c) {
         doExpectTitle(c);
     else if (v == u"expect sql")
         doExpectSql(c);
-    else if (v == u"expect printed" || v == u"expect barcode")
-        fail(c.where(), QStringLiteral("%1 %2").arg(v.mid(7), QuoteForReport(c.args.first())),
-             QStringLiteral("printing not available yet"));
-    else if (v == u"expect file")
+    else if (v == u"expect printed") {
+        if (!PrintCapture::lastJobPrinted(c.args.first()))
+            fail(c.where(), QStringLiteral("printed %1").arg(QuoteForReport(c.args.first())),
+                 PrintCapture::jobCount() == 0
+                     ? QStringLiteral("no print job")
+                     : QStringLiteral("these lines:\n") + PrintCapture::lastJobLines().join(u'\n'));
+    } else if (v == u"expect barcode") {
+        if (!PrintCapture::lastJobHasBarcode(c.args.first()))
+            fail(c.where(), QStringLiteral("bar code %1").arg(QuoteForReport(c.args.first())),
+                 PrintCapture::jobCount() == 0
+                     ? QStringLiteral("no print job")
+                     : QStringLiteral("bar codes ") +
+                           PrintCapture::lastJobBarcodes().join(QStringLiteral(", ")));
+    } else if (v == u"expect file")
         doExpectFile(c);
     else if (v == u"call")
         doCall(c);

@@ -1,0 +1,666 @@
+#include "reports/re_receipt.h"
+
+#include "bills/barcode.h"
+#include "core/clock.h"
+#include "core/common_values.h"
+#include "core/messages.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "reports/print_output.h"
+#include "reports/report_frame.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSqlQuery>
+#include <QWidget>
+
+namespace {
+
+// The page's text width; centred lines are centred on it.
+constexpr double TextWidthOfPage = 10550;
+constexpr double LabelX = 600;
+constexpr double ValueX = 1200;
+constexpr double RightColumnX = 6150;
+constexpr double ParcelX = 6250;
+// The table: column rules, and where each column's text stands.
+constexpr double TableLeft = 100;
+constexpr double TableRight = 11050;
+constexpr double ColumnRules[] = {1300, 3850, 5290, 6730, 8170, 9610};
+constexpr double YearRight = 800;
+constexpr double DescriptionX = 1550;
+constexpr double MillsRight = 5140;
+constexpr double FaceRight = 6580;
+constexpr double DiscountRight = 8020;
+constexpr double PenaltyRight = 9460;
+constexpr double PaymentRight = 10900;
+
+const char* const MoneyPattern = "$#,###,###.##";
+const char* const MillsPattern = "###.000";
+
+QString fieldText(const QWidget* screen, const char* name) {
+    if (!screen)
+        return QString();
+    const QString objectName = QString::fromLatin1(name);
+    if (auto* edit = screen->findChild<QLineEdit*>(objectName))
+        return edit->text();
+    if (auto* combo = screen->findChild<QComboBox*>(objectName))
+        return combo->currentText();
+    if (auto* label = screen->findChild<QLabel*>(objectName))
+        return label->text();
+    return QString();
+}
+
+QString text(const QSqlRecord& r, const char* column) {
+    return TextField(r.value(QString::fromLatin1(column)));
+}
+
+Money money(const QSqlRecord& r, const char* column) {
+    return MoneyField(r.value(QString::fromLatin1(column)));
+}
+
+QString flag(const QSqlRecord& r, const char* column) {
+    return text(r, column).trimmed().toUpper();
+}
+
+// A typed assessment such as "12,500" as its whole number.
+qint64 wholeNumber(const QString& typed) {
+    QString digits;
+    for (QChar c : typed) {
+        if (c.isDigit())
+            digits.append(c);
+        else if (c == QLatin1Char('.'))
+            break;
+    }
+    return digits.left(15).toLongLong();
+}
+
+QString moneyText(Money amount) {
+    return PadFormat(amount, MoneyPattern).trimmed();
+}
+
+QString millsText(double mills) {
+    return PadFormat(mills, MillsPattern).trimmed();
+}
+
+// "yyyymmddnnnn" as "yyyy-mm-dd-nnnn".
+QString cutRecnum(const QString& recnum) {
+    return recnum.mid(0, 4) + QLatin1Char('-') + recnum.mid(4, 2) + QLatin1Char('-') +
+           recnum.mid(6, 2) + QLatin1Char('-') + recnum.mid(8);
+}
+
+QString cityLine(const QString& city, const QString& state, const QString& zip,
+                 const QString& zip2) {
+    qsizetype end = city.size();
+    while (end > 0 && city.at(end - 1).isSpace())
+        --end;
+    QString line = city.left(end) + QStringLiteral(", ") + state.trimmed() + QStringLiteral(".  ") +
+                   zip.trimmed();
+    if (!zip2.trimmed().isEmpty())
+        line += QLatin1Char('-') + zip2.trimmed();
+    return line;
+}
+
+void setFont(ReportSurface& s, double size, bool bold = false) {
+    s.FontName = QStringLiteral("ARIAL");
+    s.FontSize = size;
+    s.FontBold = bold;
+    s.FontItalic = false;
+    s.FontUnderline = false;
+    s.FontStrikethru = false;
+}
+
+void printCentred(ReportSurface& s, const QString& line) {
+    s.CurrentX = (TextWidthOfPage - s.TextWidth(line)) / 2;
+    s.Print(line);
+}
+
+// A block of the left column: the label, then the lines at the value position, those that
+// are empty left out. The caller's row grid keeps the block's height.
+void printBlock(ReportSurface& s, double top, const QString& label, const QStringList& lines) {
+    setFont(s, 10);
+    s.CurrentY = top;
+    s.CurrentX = LabelX;
+    s.Write(label);
+    setFont(s, 12);
+    s.CurrentY = top;
+    for (const QString& line : lines) {
+        s.CurrentX = ValueX;
+        s.Print(line);
+    }
+}
+
+struct TableRow {
+    QString year, description, mills, face, discount, penalty, payment;
+};
+
+void printRow(ReportSurface& s, const TableRow& row) {
+    const double y = s.CurrentY;
+    auto right = [&](double edge, const QString& t) {
+        if (t.isEmpty())
+            return;
+        s.CurrentY = y;
+        s.WriteRight(edge, t);
+    };
+    right(YearRight, row.year);
+    if (!row.description.isEmpty()) {
+        s.CurrentY = y;
+        s.CurrentX = DescriptionX;
+        s.Write(row.description);
+    }
+    right(MillsRight, row.mills);
+    right(FaceRight, row.face);
+    right(DiscountRight, row.discount);
+    right(PenaltyRight, row.penalty);
+    right(PaymentRight, row.payment);
+    s.CurrentY = y;
+    s.Print();
+}
+
+// A line of amounts: discount filled only at D, penalty only at P (or given for installments).
+TableRow amountRow(const QString& year, const QString& description, double mills, Money face,
+                   Money discount, Money penalty, const QString& periodFlag,
+                   bool penaltyGiven = false) {
+    TableRow row{year, description, millsText(mills), moneyText(face), {}, {}, {}};
+    Money paid = face;
+    if (periodFlag == QLatin1String("D")) {
+        row.discount = moneyText(discount);
+        paid += discount;
+    }
+    if (periodFlag == QLatin1String("P") || penaltyGiven) {
+        row.penalty = moneyText(penalty);
+        paid += penalty;
+    }
+    row.payment = moneyText(paid);
+    return row;
+}
+
+QString bodyWordUpper(const QString& btFlag) {
+    return BodyWord(btFlag).toUpper();
+}
+
+// Lines of at most `width`, broken between the pieces, never inside one.
+QStringList wrapPieces(ReportSurface& s, const QStringList& pieces, double width) {
+    QStringList lines;
+    QString line;
+    for (const QString& piece : pieces) {
+        if (!line.isEmpty() && s.TextWidth(line + piece) > width) {
+            lines << line;
+            line.clear();
+        }
+        line += piece;
+    }
+    if (!line.isEmpty())
+        lines << line;
+    return lines;
+}
+
+QStringList creditPieces(const QSqlRecord& receipt, const QString& btFlag) {
+    QStringList pieces;
+    const QDate credited = DateField(receipt.value(QStringLiteral("RDate")));
+    pieces << QStringLiteral("Your payment was credited on ") +
+                  (credited.isValid() ? credited.toString(QStringLiteral("MM/dd/yy")) : QString()) +
+                  QStringLiteral(". (");
+    auto period = [](const QString& f) -> QString {
+        if (f == QLatin1String("D"))
+            return QStringLiteral("Discount");
+        if (f == QLatin1String("F"))
+            return QStringLiteral("Face");
+        if (f == QLatin1String("P"))
+            return QStringLiteral("Penalty");
+        return QString();
+    };
+    const QString c = period(flag(receipt, "CPayFlag"));
+    if (!c.isEmpty())
+        pieces << QStringLiteral("County paid at ") + c + QStringLiteral(". ");
+    const QString t = period(flag(receipt, "TPayFlag"));
+    const QString body = BodyWord(btFlag);
+    if (!t.isEmpty() && !body.isEmpty())
+        pieces << body + QStringLiteral(" paid at ") + t + QStringLiteral(". ");
+    const QString sc = period(flag(receipt, "SPayFlag"));
+    if (!sc.isEmpty())
+        pieces << QStringLiteral("School paid at ") + sc + QStringLiteral(". ");
+    pieces.last() += QLatin1Char(')');
+    return pieces;
+}
+
+QStringList installmentPieces(const QSqlRecord& receipt) {
+    QStringList pieces;
+    if (flag(receipt, "SPayFlag") != QLatin1String("I"))
+        return pieces;
+    pieces << QStringLiteral("Installment payments received. (");
+    const QString p1 = flag(receipt, "Pay1Flag");
+    const QString p2 = flag(receipt, "Pay2Flag");
+    const QString p3 = flag(receipt, "Pay3Flag");
+    if (p1 == QLatin1String("F"))
+        pieces << QStringLiteral("Payment #1 paid at Face. ");
+    else if (p1 == QLatin1String("P"))
+        pieces << QStringLiteral("Payment #1 paid at Penalty. ");
+    // The second installment's penalty wording has always been decided by the third flag.
+    if (p2 == QLatin1String("F"))
+        pieces << QStringLiteral("Payment #2 paid at Face. ");
+    else if (p3 == QLatin1String("P"))
+        pieces << QStringLiteral("Payment #2 paid at Penalty. ");
+    if (p3 == QLatin1String("F"))
+        pieces << QStringLiteral("Payment #3 paid at Face. ");
+    else if (p3 == QLatin1String("P"))
+        pieces << QStringLiteral("Payment #3 paid at Penalty. ");
+    pieces.last() += QLatin1Char(')');
+    return pieces;
+}
+
+} // namespace
+
+ReceiptScreenText ReceiptScreenText::fromScreen(const QWidget* screen) {
+    ReceiptScreenText t;
+    t.payor = fieldText(screen, "txtPayor");
+    t.pAddr1 = fieldText(screen, "txtPAddr1");
+    t.pAddr2 = fieldText(screen, "txtPAddr2");
+    t.pCity = fieldText(screen, "txtPCity");
+    t.pState = fieldText(screen, "cboPState");
+    t.pZipCode = fieldText(screen, "txtPZipCode");
+    t.pZipCode2 = fieldText(screen, "txtPZipCode2");
+    t.checknum = fieldText(screen, "txtChecknum");
+    t.name = fieldText(screen, "txtName");
+    t.coOwner = fieldText(screen, "txtCoOwner");
+    t.addr1 = fieldText(screen, "txtAddr1");
+    t.addr2 = fieldText(screen, "txtAddr2");
+    t.city = fieldText(screen, "txtCity");
+    t.state = fieldText(screen, "cboState");
+    t.zipCode = fieldText(screen, "txtZipCode");
+    t.zipCode2 = fieldText(screen, "txtZipCode2");
+    t.control = fieldText(screen, "txtControl");
+    t.map3 = fieldText(screen, "txtMap3");
+    t.map4 = fieldText(screen, "txtMap4");
+    t.map5 = fieldText(screen, "txtMap5");
+    t.desc1 = fieldText(screen, "txtDesc1");
+    t.desc2 = fieldText(screen, "txtDesc2");
+    t.desc3 = fieldText(screen, "txtDesc3");
+    t.assLand = fieldText(screen, "txtAssLand");
+    t.assImpr = fieldText(screen, "txtAssImpr");
+    return t;
+}
+
+ReceiptScreenText ReceiptScreenText::fromRows(const QSqlRecord& receipt, const QSqlRecord& bill) {
+    ReceiptScreenText t;
+    t.payor = text(receipt, "Payor").trimmed();
+    t.pAddr1 = text(receipt, "PAddr1").trimmed();
+    t.pAddr2 = text(receipt, "PAddr2").trimmed();
+    t.pCity = text(receipt, "PCity").trimmed();
+    t.pState = text(receipt, "PState").trimmed();
+    t.pZipCode = text(receipt, "PZipCode").trimmed();
+    t.pZipCode2 = text(receipt, "PZipCode2").trimmed();
+    t.checknum = text(receipt, "Checknum").trimmed();
+    t.name = text(bill, "Name").trimmed();
+    t.coOwner = text(bill, "CoOwner").trimmed();
+    t.addr1 = text(bill, "Addr1").trimmed();
+    t.addr2 = text(bill, "Addr2").trimmed();
+    t.city = text(bill, "City").trimmed();
+    t.state = text(bill, "State").trimmed();
+    t.zipCode = text(bill, "ZipCode").trimmed();
+    t.zipCode2 = text(bill, "ZipCode2").trimmed();
+    t.control = text(bill, "Control").trimmed();
+    t.map3 = text(bill, "Map3").trimmed();
+    t.map4 = text(bill, "Map4").trimmed();
+    t.map5 = text(bill, "Map5").trimmed();
+    t.desc1 = text(bill, "Desc1").trimmed();
+    t.desc2 = text(bill, "Desc2").trimmed();
+    t.desc3 = text(bill, "Desc3").trimmed();
+    t.assLand = QString::number(bill.value(QStringLiteral("AssLand")).toLongLong());
+    t.assImpr = QString::number(bill.value(QStringLiteral("AssImpr")).toLongLong());
+    return t;
+}
+
+bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, QString* error) {
+    REReceiptData d;
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM TCReceipt WHERE Recnum = ?"));
+    q.addBindValue(recnum);
+    if (!q.exec() || !q.next()) {
+        if (error)
+            *error = QStringLiteral("Receipt Number Not On File");
+        return false;
+    }
+    d.receipt = q.record();
+
+    QString officeDistrict, officeWard;
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        officeDistrict = TextField(q.value(0));
+        officeWard = TextField(q.value(1));
+    }
+    d.district = officeDistrict;
+    d.ward = officeWard;
+    d.billNo = text(d.receipt, "BillNo");
+    const QString control = text(d.receipt, "Control");
+    q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM TCMaster WHERE District = ? AND "
+                             "Ward = ? AND Control = ?"));
+    q.addBindValue(officeDistrict);
+    q.addBindValue(officeWard);
+    q.addBindValue(control);
+    bool haveBill = q.exec() && q.next();
+    if (!haveBill) {
+        q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM TCMaster WHERE Control = ?"));
+        q.addBindValue(control);
+        haveBill = q.exec() && q.next();
+    }
+    if (haveBill) {
+        d.district = TextField(q.value(0));
+        d.ward = TextField(q.value(1));
+        d.billNo = TextField(q.value(2));
+    }
+
+    if (q.exec(
+            QStringLiteral("SELECT SMR, TaxYear FROM Millfile WHERE District || Ward = '000'")) &&
+        q.next()) {
+        d.countySMR = q.value(0).toDouble();
+        d.taxYear = TextField(q.value(1)).left(4);
+    }
+    if (d.taxYear.isEmpty())
+        d.taxYear = session().TaxYear;
+    q.prepare(QStringLiteral("SELECT Line1, Line2, Line3, LMR, TMR, SMR, S1MR, S1TaxName FROM "
+                             "Millfile WHERE District || Ward = ?"));
+    q.addBindValue(officeDistrict + officeWard);
+    if (q.exec() && q.next()) {
+        d.line1 = TextField(q.value(0)).trimmed();
+        d.line2 = TextField(q.value(1)).trimmed();
+        d.line3 = TextField(q.value(2)).trimmed();
+        d.LMR = q.value(3).toDouble();
+        d.TMR = q.value(4).toDouble();
+        d.SMR = q.value(5).toDouble();
+        d.S1MR = q.value(6).toDouble();
+        d.s1TaxName = TextField(q.value(7)).trimmed();
+    }
+    q.prepare(QStringLiteral("SELECT Desc1, Mill FROM Spectax WHERE District = ? AND Ward = ? "
+                             "ORDER BY TaxKey"));
+    q.addBindValue(officeDistrict);
+    q.addBindValue(officeWard);
+    if (q.exec())
+        while (d.specials.size() < 5 && q.next())
+            d.specials.push_back({TextField(q.value(0)).trimmed(), q.value(1).toDouble()});
+    q.prepare(QStringLiteral("SELECT TwpBoro, BTFlag FROM tbl_Twpboro WHERE District = ? AND "
+                             "Ward = ?"));
+    q.addBindValue(officeDistrict);
+    q.addBindValue(officeWard);
+    if (q.exec() && q.next()) {
+        d.twpBoro = TextField(q.value(0)).trimmed();
+        d.btFlag = TextField(q.value(1)).trimmed();
+    }
+    *data = std::move(d);
+    return true;
+}
+
+QStringList ReceiptCreditSentences(const QSqlRecord& receipt, const QString& btFlag) {
+    QStringList out{creditPieces(receipt, btFlag).join(QString())};
+    const QStringList installments = installmentPieces(receipt);
+    if (!installments.isEmpty())
+        out << installments.join(QString());
+    return out;
+}
+
+void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreenText& f,
+                   bool duplicate) {
+    const QSqlRecord& r = d.receipt;
+    s.DrawWidth = 5;
+
+    // Heading.
+    setFont(s, 14);
+    s.CurrentY = 250;
+    printCentred(s, d.line1);
+    setFont(s, 14, true);
+    printCentred(s, d.twpBoro + QStringLiteral(" Tax Collector"));
+    setFont(s, 14);
+    printCentred(s, d.line2);
+    printCentred(s, d.line3);
+    const double ruleY = s.CurrentY + 100;
+    s.Line(0, ruleY, TextWidthOfPage, ruleY);
+
+    // The two columns share one grid of 12 point lines, so that what stands side by side
+    // reads as one line. Left: payor (rows 0-3, boxed), owner (5-9), check (11). Right:
+    // receipt, year and date (0-2), the bar code (3-4), the parcel (5-14).
+    const double top = ruleY + 200;
+    setFont(s, 12);
+    const double row = s.TextHeight();
+    auto rowY = [&](int i) { return top + row * i; };
+
+    QStringList payor{f.payor};
+    for (const QString& line : {f.pAddr1, f.pAddr2})
+        if (!line.trimmed().isEmpty())
+            payor << line;
+    payor << cityLine(f.pCity, f.pState, f.pZipCode, f.pZipCode2);
+    printBlock(s, rowY(0), QStringLiteral("Payor:"), payor);
+    s.DrawWidth = 3;
+    s.Box(LabelX - 120, rowY(0) - 80, RightColumnX - 250, rowY(4) + 20);
+    s.DrawWidth = 5;
+
+    QStringList owner{f.name};
+    for (const QString& line : {f.coOwner, f.addr1, f.addr2})
+        if (!line.trimmed().isEmpty())
+            owner << line;
+    owner << cityLine(f.city, f.state, f.zipCode, f.zipCode2);
+    printBlock(s, rowY(5), QStringLiteral("Owner:"), owner);
+
+    setFont(s, 10);
+    s.CurrentY = rowY(11);
+    s.CurrentX = LabelX;
+    s.Write(QStringLiteral("Check #/Cash: "));
+    setFont(s, 12);
+    s.CurrentY = rowY(11);
+    s.Print(f.checknum);
+
+    // Right column: receipt, year, date, bar code, parcel.
+    auto right = [&](int i, double x, const QString& line) {
+        s.CurrentY = rowY(i);
+        s.CurrentX = x;
+        s.Write(line);
+    };
+    right(0, RightColumnX, QStringLiteral("Receipt #: ") + cutRecnum(text(r, "Recnum")));
+    right(1, RightColumnX, QStringLiteral("Payment For Tax Year ") + d.taxYear);
+    const QString today = QStringLiteral("DATE: ") + FormatDate(Clock::today());
+    right(2, TextWidthOfPage - s.TextWidth(today), today);
+    // "40" marks a real-estate receipt for the scanner.
+    PrintCode39(s, RightColumnX, rowY(3) + 40, QStringLiteral("40") + text(r, "Recnum").trimmed(),
+                row * 2 - 80);
+
+    right(5, ParcelX,
+          QStringLiteral("Control #: ") + d.district + QLatin1Char('-') + d.ward +
+              QLatin1Char('-') + f.control.trimmed());
+    right(6, ParcelX, QStringLiteral("Bill #: ") + d.billNo);
+    right(7, ParcelX,
+          QStringLiteral("Map #: ") + f.map3.trimmed() + QLatin1Char('-') + f.map4.trimmed() +
+              QLatin1Char('-') + f.map5.trimmed());
+    right(8, ParcelX, d.twpBoro);
+    right(9, ParcelX, f.desc1.trimmed());
+    right(10, ParcelX, f.desc2.trimmed());
+    right(11, ParcelX, f.desc3.trimmed());
+    const qint64 land = wholeNumber(f.assLand);
+    const qint64 impr = wholeNumber(f.assImpr);
+    const double assessedRight = ParcelX + 3000;
+    int assessedRow = 12;
+    for (const auto& [label, value] :
+         {std::pair{QStringLiteral("Land:"), land}, std::pair{QStringLiteral("Impr:"), impr},
+          std::pair{QStringLiteral("Total:"), land + impr}}) {
+        right(assessedRow, ParcelX, label);
+        s.CurrentY = rowY(assessedRow);
+        s.WriteRight(assessedRight, FormatNumber(double(value), u"###,###,###,###"));
+        ++assessedRow;
+    }
+
+    // The table.
+    setFont(s, 12, true);
+    s.CurrentY = rowY(15) + 250;
+    printCentred(s, QStringLiteral("REAL ESTATE TAX PAYMENT - TAX YEAR ") + d.taxYear);
+    const double tableTop = s.CurrentY + 40;
+    s.CurrentY = tableTop + 40;
+    setFont(s, 10, true);
+    printRow(s, {QStringLiteral("YEAR"), QStringLiteral("DESCRIPTION"), QStringLiteral("MILLS"),
+                 QStringLiteral("FACE"), QStringLiteral("DISCOUNT"), QStringLiteral("PENALTY"),
+                 QStringLiteral("PAYMENT")});
+    const double headingRule = s.CurrentY + 20;
+    s.Line(TableLeft, headingRule, TableRight, headingRule);
+    s.CurrentY = headingRule + 40;
+    setFont(s, 10);
+
+    const QString year = d.taxYear;
+    const QString cFlag = flag(r, "CPayFlag");
+    const QString tFlag = flag(r, "TPayFlag");
+    const QString sFlag = flag(r, "SPayFlag");
+    if (!cFlag.isEmpty()) {
+        printRow(s, amountRow(year, QStringLiteral("COUNTY"), d.LMR + d.countySMR,
+                              money(r, "County") + money(r, "Library"),
+                              money(r, "DCounty") + money(r, "DLibrary"),
+                              money(r, "PCounty") + money(r, "PLibrary"), cFlag));
+        if (d.LMR != 0)
+            printRow(s, {year, QStringLiteral("LIBRARY"), {}, {}, {}, {}, {}});
+    }
+    if (!tFlag.isEmpty()) {
+        printRow(s, amountRow(year, bodyWordUpper(d.btFlag), d.TMR, money(r, "Twp"),
+                              money(r, "DTwp"), money(r, "PTwp"), tFlag));
+        const char* const faces[3][3] = {{"S1Face", "DS1Face", "PS1Face"},
+                                         {"S2Face", "DS2Face", "PS2Face"},
+                                         {"S3Face", "DS3Face", "PS3Face"}};
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (money(r, faces[i][0]) <= Money())
+                continue;
+            const REReceiptData::SpecialTax special =
+                i < d.specials.size() ? d.specials[i] : REReceiptData::SpecialTax{};
+            printRow(s, amountRow(year, special.name, special.mill, money(r, faces[i][0]),
+                                  money(r, faces[i][1]), money(r, faces[i][2]), tFlag));
+        }
+    }
+    if (!sFlag.isEmpty()) {
+        if (sFlag == QLatin1String("I")) {
+            Money penalty;
+            bool anyPenalty = false;
+            const char* const installments[3][2] = {{"Pay1Flag", "PenPayment1"},
+                                                    {"Pay2Flag", "PenPayment2"},
+                                                    {"Pay3Flag", "PenPayment3"}};
+            for (const auto& inst : installments) {
+                if (flag(r, inst[0]) == QLatin1String("P")) {
+                    penalty += money(r, inst[1]);
+                    anyPenalty = true;
+                }
+            }
+            printRow(s, amountRow(year, QStringLiteral("SCHOOL"), d.SMR, money(r, "School"), {},
+                                  penalty, sFlag, anyPenalty));
+        } else {
+            printRow(s, amountRow(year, QStringLiteral("SCHOOL"), d.SMR, money(r, "School"),
+                                  money(r, "DSchool"), money(r, "PSchool"), sFlag));
+        }
+    }
+    if (money(r, "Sch1Face") > Money())
+        printRow(s, amountRow(year, d.s1TaxName, d.S1MR, money(r, "Sch1Face"),
+                              money(r, "DSch1Face"), money(r, "PSch1Face"), sFlag));
+
+    Money face, discount, penalty;
+    for (const char* line : {"County", "Library", "C1Face", "Twp", "S1Face", "S2Face", "S3Face",
+                             "School", "Sch1Face"}) {
+        const QString column = QString::fromLatin1(line);
+        face += MoneyField(r.value(column));
+        discount += MoneyField(r.value(QLatin1Char('D') + column));
+        penalty += MoneyField(r.value(QLatin1Char('P') + column));
+    }
+    const double totalRule = s.CurrentY + 20;
+    s.Line(TableLeft, totalRule, TableRight, totalRule);
+    s.CurrentY = totalRule + 40;
+    setFont(s, 10, true);
+    printRow(s, {QStringLiteral("TOTAL"),
+                 QStringLiteral("PAYMENT:"),
+                 {},
+                 moneyText(face),
+                 moneyText(discount),
+                 moneyText(penalty),
+                 moneyText(face + discount + penalty)});
+    const double tableBottom = s.CurrentY + 40;
+    s.DrawWidth = 3;
+    s.Box(TableLeft, tableTop, TableRight, tableBottom);
+    for (double x : ColumnRules)
+        s.Line(x, tableTop, x, tableBottom);
+    s.DrawWidth = 5;
+
+    // Footer.
+    s.CurrentY = tableBottom + 200;
+    setFont(s, 16, true);
+    if (duplicate)
+        printCentred(s, QStringLiteral("DUPLICATE RECEIPT"));
+    else
+        s.Print();
+    setFont(s, 9);
+    const double sentenceWidth = TextWidthOfPage - LabelX;
+    for (const QStringList& pieces : {creditPieces(r, d.btFlag), installmentPieces(r)}) {
+        for (const QString& line : wrapPieces(s, pieces, sentenceWidth)) {
+            s.CurrentX = LabelX;
+            s.Print(line);
+        }
+    }
+    // The rest of the footer stays in 9 point.
+    const QDate voided = DateField(r.value(QStringLiteral("VDate")));
+    if (voided.isValid()) {
+        s.CurrentY += 80;
+        s.CurrentX = LabelX;
+        s.Print(QStringLiteral("VOIDED ") + FormatDate(voided));
+    }
+    s.CurrentY += 500;
+    s.CurrentX = LabelX;
+    s.Write(QStringLiteral("Received Payment: "));
+    const double signatureX = s.CurrentX;
+    s.Print(QStringLiteral("______________________________________________"));
+    s.CurrentX = signatureX;
+    s.Print(QStringLiteral("Tax Collector"));
+    s.CurrentY += 200;
+    printCentred(s, QStringLiteral("Thank you for your payment!"));
+}
+
+ReceiptPrintOutcome PrintREReceipt(QSqlDatabase db, const REReceiptRequest& request) {
+    if (!db.isValid())
+        db = session().DbConnection;
+    if (request.copies <= 0)
+        return ReceiptPrintOutcome::NoCopies;
+    const std::optional<QString> device = AssignedPrinter(db, QString::fromLatin1(ReceiptPrinter));
+    if (!device) {
+        MsgBox(QStringLiteral("There is currently no receipt printer assigned."),
+               QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return ReceiptPrintOutcome::NoPrinter;
+    }
+    REReceiptData data;
+    QString error;
+    if (!LoadREReceipt(db, request.recnum, &data, &error)) {
+        MsgBox(error, QStringLiteral("Print Receipt"), MsgButtons::Ok, MsgIcon::Exclamation);
+        return ReceiptPrintOutcome::Failed;
+    }
+    const ReceiptScreenText fields =
+        request.fields
+            ? *request.fields
+            : ReceiptScreenText::fromRows(
+                  data.receipt, ReadBillAsItStands(db, Duplicate::RealEstate, data.billNo).bill);
+    ReportSurface surface(PageFormat{PaperSize::Letter, PageOrientation::Portrait});
+    for (int copy = 0; copy < request.copies; ++copy) {
+        DrawREReceipt(surface, data, fields, request.duplicate);
+        surface.NewPage();
+    }
+    surface.EndDoc();
+    Recording job = surface.takeRecording();
+    job.jobName = QStringLiteral("Receipt ") + request.recnum;
+    const PrintResult sent = SendToPrinter(job, *device);
+    if (!sent.ok) {
+        MsgBox(sent.error, QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok,
+               MsgIcon::Critical);
+        return ReceiptPrintOutcome::Failed;
+    }
+    return ReceiptPrintOutcome::Printed;
+}
+
+ReceiptPrintOutcome AskAndPrintREReceipt(QWidget* callingScreen, const QString& recnum,
+                                         QSqlDatabase db) {
+    const std::optional<int> copies = AskCopies(CopiesQuestion::receipt());
+    if (!copies)
+        return ReceiptPrintOutcome::Cancelled;
+    session().ReceiptCopiesText = QString::number(*copies);
+    session().ReceiptCopies = *copies;
+    REReceiptRequest request;
+    request.recnum = recnum;
+    request.copies = *copies;
+    request.duplicate =
+        callingScreen && callingScreen->objectName() == QLatin1String("frmREReprintReceipt");
+    request.fields = ReceiptScreenText::fromScreen(callingScreen);
+    return PrintREReceipt(db, request);
+}

@@ -1,0 +1,548 @@
+#include "reports/reprint_receipt.h"
+
+#include "core/common_values.h"
+#include "core/main_window.h"
+#include "core/messages.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "reports/print_output.h"
+#include "reports/re_receipt.h"
+#include "reports/report_frame.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace {
+
+const char* const NotOnFileTitle = "Void Receipt";
+const char* const ReprintTitle = "Reprint Receipt";
+constexpr char16_t AmountPattern[] = u"$###,###,##0.00";
+
+QLineEdit* field(const QString& name, QWidget* parent, int maxLength = 0) {
+    auto* edit = new QLineEdit(parent);
+    edit->setObjectName(name);
+    edit->setReadOnly(true);
+    if (maxLength > 0)
+        edit->setMaxLength(maxLength);
+    return edit;
+}
+
+QComboBox* readOnlyBox(const char* name, QWidget* parent) {
+    auto* box = new QComboBox(parent);
+    box->setObjectName(QString::fromLatin1(name));
+    box->setEnabled(false);
+    return box;
+}
+
+QLabel* label(const QString& name, const QString& text, QWidget* parent) {
+    auto* l = new QLabel(text, parent);
+    l->setObjectName(name);
+    return l;
+}
+
+void setBoxText(QComboBox* box, const QString& text) {
+    box->clear();
+    if (!text.isEmpty())
+        box->addItem(text);
+}
+
+QString periodWord(const QString& flag) {
+    const QString f = flag.trimmed().toUpper();
+    if (f == QLatin1String("D"))
+        return QStringLiteral("DISCOUNT");
+    if (f == QLatin1String("F"))
+        return QStringLiteral("FACE");
+    if (f == QLatin1String("P"))
+        return QStringLiteral("PENALTY");
+    if (f == QLatin1String("I"))
+        return QStringLiteral("INSTALLMENTS");
+    return QString();
+}
+
+Money lineTaken(const QSqlRecord& r, const char* face) {
+    const QString column = QString::fromLatin1(face);
+    return MoneyField(r.value(column)) + MoneyField(r.value(QLatin1Char('D') + column)) +
+           MoneyField(r.value(QLatin1Char('P') + column));
+}
+
+QString amount(Money m) {
+    return m.format(AmountPattern);
+}
+
+} // namespace
+
+frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("frmREReprintReceipt"));
+    setWindowTitle(QStringLiteral("Reprint Real Estate Receipt"));
+
+    txtRecnum = new QLineEdit(this);
+    txtRecnum->setObjectName(QStringLiteral("txtRecnum"));
+    txtRecnum->setMaxLength(12);
+    txtRecnum->installEventFilter(this);
+
+    // The receipt.
+    auto* receipt = new QGroupBox(QStringLiteral("Receipt"), this);
+    txtBillNo = field(QStringLiteral("txtBillNo"), receipt, 5);
+    txtAdjNo = field(QStringLiteral("txtAdjNo"), receipt, 2);
+    txtDate = field(QStringLiteral("txtDate"), receipt, 10);
+    chkCounty = new QCheckBox(QStringLiteral("County Payment"), receipt);
+    chkCounty->setObjectName(QStringLiteral("chkCounty"));
+    chkTwp = new QCheckBox(QStringLiteral("Twp/Boro/City Payment"), receipt);
+    chkTwp->setObjectName(QStringLiteral("chkTwp"));
+    chkSchool = new QCheckBox(QStringLiteral("School Payment"), receipt);
+    chkSchool->setObjectName(QStringLiteral("chkSchool"));
+    for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
+        box->setEnabled(false);
+    txtPayor = field(QStringLiteral("txtPayor"), receipt, 50);
+    txtPAddr1 = field(QStringLiteral("txtPAddr1"), receipt, 50);
+    txtPAddr2 = field(QStringLiteral("txtPAddr2"), receipt, 50);
+    txtPCity = field(QStringLiteral("txtPCity"), receipt, 25);
+    cboPState = readOnlyBox("cboPState", receipt);
+    txtPZipCode = field(QStringLiteral("txtPZipCode"), receipt, 5);
+    txtPZipCode2 = field(QStringLiteral("txtPZipCode2"), receipt, 4);
+    txtChecknum = field(QStringLiteral("txtChecknum"), receipt, 80);
+    txtAmount = field(QStringLiteral("txtAmount"), receipt);
+    {
+        auto* city = new QHBoxLayout;
+        city->addWidget(txtPCity, 3);
+        city->addWidget(cboPState, 1);
+        city->addWidget(txtPZipCode, 1);
+        city->addWidget(txtPZipCode2, 1);
+        auto* boxes = new QHBoxLayout;
+        boxes->addWidget(chkCounty);
+        boxes->addWidget(chkTwp);
+        boxes->addWidget(chkSchool);
+        auto* keys = new QHBoxLayout;
+        keys->addWidget(txtBillNo);
+        keys->addWidget(new QLabel(QStringLiteral("Adj #:"), receipt));
+        keys->addWidget(txtAdjNo);
+        keys->addWidget(new QLabel(QStringLiteral("Date Credited:"), receipt));
+        keys->addWidget(txtDate);
+        auto* form = new QFormLayout(receipt);
+        form->addRow(QStringLiteral("Bill #:"), keys);
+        form->addRow(boxes);
+        form->addRow(QStringLiteral("Payor:"), txtPayor);
+        form->addRow(QStringLiteral("Address:"), txtPAddr1);
+        form->addRow(QString(), txtPAddr2);
+        form->addRow(QStringLiteral("City/State/Zip:"), city);
+        form->addRow(QStringLiteral("Check #:"), txtChecknum);
+        form->addRow(QStringLiteral("Amount:"), txtAmount);
+    }
+
+    // The amounts.
+    auto* amounts = new QGroupBox(QStringLiteral("Amounts Paid"), this);
+    txtCounty = field(QStringLiteral("txtCounty"), amounts);
+    txtLibrary = field(QStringLiteral("txtLibrary"), amounts);
+    txtC1Face = field(QStringLiteral("txtC1Face"), amounts);
+    txtTwp = field(QStringLiteral("txtTwp"), amounts);
+    for (int i = 0; i < 3; ++i) {
+        txtSpecFace[i] = field(QStringLiteral("txtSpecFace(%1)").arg(i + 1), amounts);
+        lblSpecFace[i] = label(QStringLiteral("lblSpecFace(%1)").arg(i + 1), QString(), amounts);
+    }
+    txtSchool = field(QStringLiteral("txtSchool"), amounts);
+    txtSch1Face = field(QStringLiteral("txtSch1Face"), amounts);
+    txtCTotal = field(QStringLiteral("txtCTotal"), amounts);
+    txtTTotal = field(QStringLiteral("txtTTotal"), amounts);
+    txtSTotal = field(QStringLiteral("txtSTotal"), amounts);
+    txtTotal = field(QStringLiteral("txtTotal"), amounts);
+    lblCPeriod = label(QStringLiteral("lblCPeriod"), QString(), amounts);
+    lblTPeriod = label(QStringLiteral("lblTPeriod"), QString(), amounts);
+    lblSPeriod = label(QStringLiteral("lblSPeriod"), QString(), amounts);
+    lblC1Face = label(QStringLiteral("lblC1Face"), QString(), amounts);
+    lblTwp = label(QStringLiteral("lblTwp"), QStringLiteral("Twp:"), amounts);
+    lblSch1Face = label(QStringLiteral("lblSch1Face"), QString(), amounts);
+    {
+        auto* grid = new QGridLayout(amounts);
+        int row = 0;
+        auto add = [&](QWidget* caption, QLineEdit* edit, int column) {
+            grid->addWidget(caption, row, column * 2);
+            grid->addWidget(edit, row, column * 2 + 1);
+            ++row;
+        };
+        grid->addWidget(lblCPeriod, row++, 1);
+        add(new QLabel(QStringLiteral("County:"), amounts), txtCounty, 0);
+        add(new QLabel(QStringLiteral("Library:"), amounts), txtLibrary, 0);
+        add(lblC1Face, txtC1Face, 0);
+        add(new QLabel(QStringLiteral("County Total:"), amounts), txtCTotal, 0);
+        row = 0;
+        grid->addWidget(lblTPeriod, row++, 3);
+        add(lblTwp, txtTwp, 1);
+        for (int i = 0; i < 3; ++i)
+            add(lblSpecFace[i], txtSpecFace[i], 1);
+        add(new QLabel(QStringLiteral("Twp Total:"), amounts), txtTTotal, 1);
+        row = 0;
+        grid->addWidget(lblSPeriod, row++, 5);
+        add(new QLabel(QStringLiteral("School:"), amounts), txtSchool, 2);
+        add(lblSch1Face, txtSch1Face, 2);
+        add(new QLabel(QStringLiteral("School Total:"), amounts), txtSTotal, 2);
+        add(new QLabel(QStringLiteral("Total:"), amounts), txtTotal, 2);
+    }
+
+    fraInstallments = new QGroupBox(QStringLiteral("Installment Payments"), this);
+    fraInstallments->setObjectName(QStringLiteral("fraInstallments"));
+    {
+        txtPayment1 = field(QStringLiteral("txtPayment1"), fraInstallments);
+        txtPayment2 = field(QStringLiteral("txtPayment2"), fraInstallments);
+        txtPayment3 = field(QStringLiteral("txtPayment3"), fraInstallments);
+        txtInstDFP1 = field(QStringLiteral("txtInstDFP1"), fraInstallments, 1);
+        txtInstDFP2 = field(QStringLiteral("txtInstDFP2"), fraInstallments, 1);
+        txtInstDFP3 = field(QStringLiteral("txtInstDFP3"), fraInstallments, 1);
+        auto* grid = new QGridLayout(fraInstallments);
+        QLineEdit* payments[] = {txtPayment1, txtPayment2, txtPayment3};
+        QLineEdit* codes[] = {txtInstDFP1, txtInstDFP2, txtInstDFP3};
+        for (int i = 0; i < 3; ++i) {
+            grid->addWidget(new QLabel(QStringLiteral("Payment #%1:").arg(i + 1), fraInstallments),
+                            i, 0);
+            grid->addWidget(payments[i], i, 1);
+            grid->addWidget(codes[i], i, 2);
+        }
+        fraInstallments->hide();
+    }
+
+    // The bill.
+    auto* bill = new QGroupBox(QStringLiteral("Owner and Property"), this);
+    txtControl = field(QStringLiteral("txtControl"), bill, 6);
+    txtName = field(QStringLiteral("txtName"), bill, 50);
+    txtCoOwner = field(QStringLiteral("txtCoOwner"), bill, 50);
+    txtAddr1 = field(QStringLiteral("txtAddr1"), bill, 50);
+    txtAddr2 = field(QStringLiteral("txtAddr2"), bill, 50);
+    txtCity = field(QStringLiteral("txtCity"), bill, 35);
+    cboState = readOnlyBox("cboState", bill);
+    txtZipCode = field(QStringLiteral("txtZipCode"), bill, 5);
+    txtZipCode2 = field(QStringLiteral("txtZipCode2"), bill, 4);
+    txtMap3 = field(QStringLiteral("txtMap3"), bill, 8);
+    txtMap4 = field(QStringLiteral("txtMap4"), bill, 6);
+    txtMap5 = field(QStringLiteral("txtMap5"), bill, 9);
+    txtDesc1 = field(QStringLiteral("txtDesc1"), bill, 50);
+    txtDesc2 = field(QStringLiteral("txtDesc2"), bill, 50);
+    txtDesc3 = field(QStringLiteral("txtDesc3"), bill, 50);
+    txtDeedBook = field(QStringLiteral("txtDeedBook"), bill, 6);
+    txtDeedPage = field(QStringLiteral("txtDeedPage"), bill, 4);
+    cboLandUse = readOnlyBox("cboLandUse", bill);
+    txtAcreage = field(QStringLiteral("txtAcreage"), bill, 10);
+    txtAssLand = field(QStringLiteral("txtAssLand"), bill);
+    txtAssImpr = field(QStringLiteral("txtAssImpr"), bill);
+    txtAssTotal = field(QStringLiteral("txtAssTotal"), bill);
+    {
+        auto* city = new QHBoxLayout;
+        city->addWidget(txtCity, 3);
+        city->addWidget(cboState, 1);
+        city->addWidget(txtZipCode, 1);
+        city->addWidget(txtZipCode2, 1);
+        auto* map = new QHBoxLayout;
+        map->addWidget(txtMap3);
+        map->addWidget(txtMap4);
+        map->addWidget(txtMap5);
+        auto* deed = new QHBoxLayout;
+        deed->addWidget(txtDeedBook);
+        deed->addWidget(txtDeedPage);
+        deed->addWidget(new QLabel(QStringLiteral("Acres:"), bill));
+        deed->addWidget(txtAcreage);
+        auto* assessed = new QHBoxLayout;
+        assessed->addWidget(new QLabel(QStringLiteral("Land:"), bill));
+        assessed->addWidget(txtAssLand);
+        assessed->addWidget(new QLabel(QStringLiteral("Impr:"), bill));
+        assessed->addWidget(txtAssImpr);
+        assessed->addWidget(new QLabel(QStringLiteral("Total:"), bill));
+        assessed->addWidget(txtAssTotal);
+        auto* form = new QFormLayout(bill);
+        form->addRow(QStringLiteral("Control #:"), txtControl);
+        form->addRow(QStringLiteral("Name:"), txtName);
+        form->addRow(QStringLiteral("Co-Owner:"), txtCoOwner);
+        form->addRow(QStringLiteral("Address:"), txtAddr1);
+        form->addRow(QString(), txtAddr2);
+        form->addRow(QStringLiteral("City/State/Zip:"), city);
+        form->addRow(QStringLiteral("Map #:"), map);
+        form->addRow(QStringLiteral("Description:"), txtDesc1);
+        form->addRow(QString(), txtDesc2);
+        form->addRow(QString(), txtDesc3);
+        form->addRow(QStringLiteral("Deed Book/Page:"), deed);
+        form->addRow(QStringLiteral("Land Use:"), cboLandUse);
+        form->addRow(QStringLiteral("Assessment:"), assessed);
+    }
+
+    cmdPrint = new QPushButton(QStringLiteral("&Print"), this);
+    cmdPrint->setObjectName(QStringLiteral("cmdPrint"));
+    cmdPrintScreen = new QPushButton(QStringLiteral("Print &Screen"), this);
+    cmdPrintScreen->setObjectName(QStringLiteral("cmdPrintScreen"));
+    cmdExit = new QPushButton(QStringLiteral("E&xit"), this);
+    cmdExit->setObjectName(QStringLiteral("cmdExit"));
+    cmdExit->setFocusPolicy(Qt::NoFocus);
+    connect(cmdPrint, &QPushButton::clicked, this, [this] { cmdPrint_Click(); });
+    connect(cmdPrintScreen, &QPushButton::clicked, this, [this] { cmdPrintScreen_Click(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(new QLabel(QStringLiteral("Receipt #:"), this));
+    top->addWidget(txtRecnum);
+    top->addStretch();
+    auto* left = new QVBoxLayout;
+    left->addWidget(receipt);
+    left->addWidget(amounts);
+    left->addWidget(fraInstallments);
+    auto* middle = new QHBoxLayout;
+    middle->addLayout(left, 1);
+    middle->addWidget(bill, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdPrint);
+    buttons->addWidget(cmdPrintScreen);
+    buttons->addWidget(cmdExit);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addLayout(middle);
+    layout->addLayout(buttons);
+
+    // Tab order: the receipt number first, then the buttons.
+    setTabOrder(txtRecnum, cmdPrint);
+    setTabOrder(cmdPrint, cmdPrintScreen);
+    for (QLineEdit* edit : findChildren<QLineEdit*>())
+        if (edit != txtRecnum)
+            edit->setFocusPolicy(Qt::ClickFocus);
+}
+
+bool frmREReprintReceipt::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtRecnum && event->type() == QEvent::FocusOut)
+        txtRecnum_LostFocus();
+    return QWidget::eventFilter(watched, event);
+}
+
+void frmREReprintReceipt::txtRecnum_LostFocus() {
+    const QString recnum = txtRecnum->text().trimmed();
+    m_lastLeft = recnum;
+    if (recnum.isEmpty() || recnum == m_recnum)
+        return;
+    if (!showReceipt(recnum)) {
+        // Back to the field once the focus change has finished.
+        QTimer::singleShot(0, txtRecnum, [edit = txtRecnum] { edit->setFocus(); });
+    }
+}
+
+void frmREReprintReceipt::clearFields() {
+    m_recnum.clear();
+    for (QLineEdit* edit : findChildren<QLineEdit*>())
+        if (edit != txtRecnum)
+            edit->clear();
+    for (QComboBox* box : {cboPState, cboState, cboLandUse})
+        box->clear();
+    for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
+        box->setChecked(false);
+    for (QLabel* l : {lblCPeriod, lblTPeriod, lblSPeriod})
+        l->clear();
+    fraInstallments->hide();
+}
+
+bool frmREReprintReceipt::showReceipt(const QString& recnum) {
+    QSqlDatabase db = session().DbConnection;
+    clearFields();
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM TCReceipt WHERE Recnum = ?"));
+    q.addBindValue(recnum);
+    if (!q.exec() || !q.next()) {
+        MsgBox(QStringLiteral("Receipt Number Not On File"), QString::fromLatin1(NotOnFileTitle),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        return false;
+    }
+    const QSqlRecord r = q.record();
+
+    // The municipality, its special taxes and its school special tax name the fields.
+    QString district, ward;
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        district = TextField(q.value(0));
+        ward = TextField(q.value(1));
+    }
+    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
+    q.addBindValue(district);
+    q.addBindValue(ward);
+    const QString btFlag = q.exec() && q.next() ? TextField(q.value(0)).trimmed() : QString();
+    lblTwp->setText(btFlag == QLatin1String("T") ? QStringLiteral("Twp:")
+                                                 : QStringLiteral("Boro:"));
+    q.prepare(QStringLiteral("SELECT S1TaxName FROM Millfile WHERE District || Ward = ?"));
+    q.addBindValue(district + ward);
+    const QString schoolSpecial =
+        q.exec() && q.next() ? TextField(q.value(0)).trimmed() : QString();
+    lblSch1Face->setText(schoolSpecial.isEmpty() ? QString() : schoolSpecial + QLatin1Char(':'));
+    if (q.exec(QStringLiteral("SELECT S1TaxName FROM Millfile WHERE District || Ward = '000'")) &&
+        q.next()) {
+        const QString countySpecial = TextField(q.value(0)).trimmed();
+        lblC1Face->setText(countySpecial.isEmpty() ? QString() : countySpecial + QLatin1Char(':'));
+    }
+    int special = 0;
+    if (q.exec(QStringLiteral("SELECT Desc1 FROM Spectax ORDER BY TaxKey")))
+        while (special < 3 && q.next())
+            lblSpecFace[special++]->setText(TextField(q.value(0)).trimmed() + QLatin1Char(':'));
+    for (; special < 3; ++special)
+        lblSpecFace[special]->clear();
+
+    // The bill as it stands now, found by the receipt's control number.
+    q.prepare(QStringLiteral("SELECT BillNo FROM TCMaster WHERE Control = ?"));
+    q.addBindValue(TextField(r.value(QStringLiteral("Control"))));
+    const QString billNo =
+        q.exec() && q.next() ? TextField(q.value(0)) : TextField(r.value(QStringLiteral("BillNo")));
+    const BillNow bill = ReadBillAsItStands(db, Duplicate::RealEstate, billNo);
+    if (bill.found()) {
+        txtControl->setText(bill.text("Control").trimmed());
+        txtName->setText(bill.text("Name").trimmed());
+        txtCoOwner->setText(bill.text("CoOwner").trimmed());
+        txtAddr1->setText(bill.text("Addr1").trimmed());
+        txtAddr2->setText(bill.text("Addr2").trimmed());
+        txtCity->setText(bill.text("City").trimmed());
+        setBoxText(cboState, bill.text("State").trimmed());
+        txtZipCode->setText(bill.text("ZipCode").trimmed());
+        txtZipCode2->setText(bill.text("ZipCode2").trimmed());
+        txtMap3->setText(bill.text("Map3").trimmed());
+        txtMap4->setText(bill.text("Map4").trimmed());
+        txtMap5->setText(bill.text("Map5").trimmed());
+        txtDesc1->setText(bill.text("Desc1").trimmed());
+        txtDesc2->setText(bill.text("Desc2").trimmed());
+        txtDesc3->setText(bill.text("Desc3").trimmed());
+        txtDeedBook->setText(bill.text("DeedBook").trimmed());
+        txtDeedPage->setText(bill.text("DeedPage").trimmed());
+        setBoxText(cboLandUse, bill.text("LandUse").trimmed());
+        txtAcreage->setText(bill.text("Acreage").trimmed());
+        const qint64 land = bill.bill.value(QStringLiteral("AssLand")).toLongLong();
+        const qint64 impr = bill.bill.value(QStringLiteral("AssImpr")).toLongLong();
+        txtAssLand->setText(QString::number(land));
+        txtAssImpr->setText(QString::number(impr));
+        txtAssTotal->setText(QString::number(land + impr));
+    } else if (!CheckBillIntegrity(bill)) {
+        if (bill.status == BillNow::Status::IncompleteAdjustment ||
+            bill.status == BillNow::Status::IncompleteAddress)
+            return false; // the integrity message has been shown
+        // A receipt whose bill is gone still shows what it carries itself.
+        txtControl->setText(TextField(r.value(QStringLiteral("Control"))).trimmed());
+        txtName->setText(TextField(r.value(QStringLiteral("Name"))).trimmed());
+        txtMap3->setText(TextField(r.value(QStringLiteral("Map3"))).trimmed());
+        txtMap4->setText(TextField(r.value(QStringLiteral("Map4"))).trimmed());
+        txtMap5->setText(TextField(r.value(QStringLiteral("Map5"))).trimmed());
+    }
+
+    // The receipt.
+    txtBillNo->setText(TextField(r.value(QStringLiteral("BillNo"))));
+    txtAdjNo->setText(QString::number(r.value(QStringLiteral("AdjNo")).toInt()));
+    txtDate->setText(FormatDate(DateField(r.value(QStringLiteral("RDate")))));
+    txtPayor->setText(TextField(r.value(QStringLiteral("Payor"))).trimmed());
+    txtPAddr1->setText(TextField(r.value(QStringLiteral("PAddr1"))).trimmed());
+    txtPAddr2->setText(TextField(r.value(QStringLiteral("PAddr2"))).trimmed());
+    txtPCity->setText(TextField(r.value(QStringLiteral("PCity"))).trimmed());
+    setBoxText(cboPState, TextField(r.value(QStringLiteral("PState"))).trimmed());
+    txtPZipCode->setText(TextField(r.value(QStringLiteral("PZipCode"))).trimmed());
+    txtPZipCode2->setText(TextField(r.value(QStringLiteral("PZipCode2"))).trimmed());
+    txtChecknum->setText(TextField(r.value(QStringLiteral("Checknum"))).trimmed());
+
+    const QString cFlag = FlagField(r.value(QStringLiteral("CPayFlag"))).trimmed();
+    const QString tFlag = FlagField(r.value(QStringLiteral("TPayFlag"))).trimmed();
+    const QString sFlag = FlagField(r.value(QStringLiteral("SPayFlag"))).trimmed();
+    chkCounty->setChecked(!cFlag.isEmpty());
+    chkTwp->setChecked(!tFlag.isEmpty());
+    chkSchool->setChecked(!sFlag.isEmpty());
+    lblCPeriod->setText(periodWord(cFlag));
+    lblTPeriod->setText(periodWord(tFlag));
+    lblSPeriod->setText(periodWord(sFlag));
+
+    const Money county = lineTaken(r, "County");
+    const Money library = lineTaken(r, "Library");
+    const Money c1 = lineTaken(r, "C1Face");
+    const Money twp = lineTaken(r, "Twp");
+    const Money specials[3] = {lineTaken(r, "S1Face"), lineTaken(r, "S2Face"),
+                               lineTaken(r, "S3Face")};
+    Money school = lineTaken(r, "School");
+    const Money sch1 = lineTaken(r, "Sch1Face");
+    QLineEdit* payments[] = {txtPayment1, txtPayment2, txtPayment3};
+    QLineEdit* codes[] = {txtInstDFP1, txtInstDFP2, txtInstDFP3};
+    if (sFlag == QLatin1String("I")) {
+        fraInstallments->show();
+        for (int i = 0; i < 3; ++i) {
+            const QString n = QString::number(i + 1);
+            const QString code =
+                FlagField(r.value(QStringLiteral("Pay") + n + QStringLiteral("Flag"))).trimmed();
+            if (code.isEmpty())
+                continue;
+            const Money paid = MoneyField(r.value(QStringLiteral("Payment") + n)) +
+                               MoneyField(r.value(QStringLiteral("PenPayment") + n));
+            // An installment's penalty is held beside it, not in the school columns.
+            school += MoneyField(r.value(QStringLiteral("PenPayment") + n));
+            payments[i]->setText(amount(paid));
+            codes[i]->setText(code);
+        }
+    }
+    txtCounty->setText(amount(county));
+    txtLibrary->setText(amount(library));
+    txtC1Face->setText(amount(c1));
+    txtTwp->setText(amount(twp));
+    for (int i = 0; i < 3; ++i)
+        txtSpecFace[i]->setText(amount(specials[i]));
+    txtSchool->setText(amount(school));
+    txtSch1Face->setText(amount(sch1));
+    const Money countyTotal = county + library + c1;
+    const Money twpTotal = twp + specials[0] + specials[1] + specials[2];
+    const Money schoolTotal = school + sch1;
+    txtCTotal->setText(amount(countyTotal));
+    txtTTotal->setText(amount(twpTotal));
+    txtSTotal->setText(amount(schoolTotal));
+    txtTotal->setText(amount(countyTotal + twpTotal + schoolTotal));
+    txtAmount->setText(amount(countyTotal + twpTotal + schoolTotal +
+                              MoneyField(r.value(QStringLiteral("Overage"))) +
+                              MoneyField(r.value(QStringLiteral("Refund")))));
+    m_recnum = recnum;
+    return true;
+}
+
+void frmREReprintReceipt::cmdPrint_Click() {
+    const QString typed = txtRecnum->text().trimmed();
+    if (m_recnum.isEmpty() || typed != m_recnum) {
+        // A number typed and not yet looked up (a leave that already complained is not
+        // repeated).
+        const bool alreadyRefused = !typed.isEmpty() && typed == m_lastLeft;
+        if (alreadyRefused || typed.isEmpty()) {
+            if (typed.isEmpty())
+                MsgBox(QStringLiteral("Receipt Number Not On File"),
+                       QString::fromLatin1(NotOnFileTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+            txtRecnum->setFocus();
+            return;
+        }
+        m_lastLeft = typed;
+        if (!showReceipt(typed)) {
+            txtRecnum->setFocus();
+            return;
+        }
+    }
+    const ReceiptPrintOutcome outcome = AskAndPrintREReceipt(this, m_recnum);
+    if (outcome == ReceiptPrintOutcome::Printed || outcome == ReceiptPrintOutcome::NoCopies)
+        MsgBox(QStringLiteral("Receipt Printed"), QString::fromLatin1(ReprintTitle));
+}
+
+void frmREReprintReceipt::cmdPrintScreen_Click() {
+    const std::optional<QString> device =
+        AssignedPrinter(session().DbConnection, QString::fromLatin1(ScreenPrintPrinter));
+    if (!device) {
+        MsgBox(QString::fromLatin1(NoLetterPrinterText), QString::fromLatin1(PrinterErrorTitle),
+               MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    const QImage image = grab().toImage();
+    const PageFormat format{PaperSize::Letter, PageOrientation::Landscape};
+    ReportSurface surface(format);
+    const double scale = std::min(format.scaleWidth() / std::max(1, image.width()),
+                                  format.scaleHeight() / std::max(1, image.height()));
+    surface.DrawImage(QRectF(0, 0, image.width() * scale, image.height() * scale), image);
+    surface.EndDoc();
+    Recording job = surface.takeRecording();
+    job.jobName = windowTitle();
+    const PrintResult sent = SendToPrinter(job, *device);
+    if (!sent.ok)
+        MsgBox(sent.error, QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok,
+               MsgIcon::Critical);
+}

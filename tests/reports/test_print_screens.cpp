@@ -1,0 +1,264 @@
+#include "core/clock.h"
+#include "core/screen_catalog.h"
+#include "core/session.h"
+#include "reports/print_capture.h"
+#include "reports/print_output.h"
+#include "reports/reprint_receipt.h"
+#include "reports/select_printer.h"
+
+#include "reports/receipt_fixture.h"
+#include "support/test_support.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFocusEvent>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+void leave(QWidget* field) {
+    QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+    QCoreApplication::sendEvent(field, &out);
+}
+
+QStringList printerRows(QSqlDatabase db) {
+    QSqlQuery q(db);
+    q.exec(QStringLiteral("SELECT PrinterType, DeviceName FROM tbl_Printers ORDER BY PrinterType"));
+    QStringList rows;
+    while (q.next())
+        rows << q.value(0).toString() + QLatin1Char('|') + q.value(1).toString();
+    return rows;
+}
+
+} // namespace
+
+class TestPrintScreens : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void menuOpensTheScreens();
+    void reprintFindsTheReceipt();
+    void reprintShowsTheBillAsItStands();
+    void reprintPrintsADuplicate();
+    void reprintPrintScreen();
+    void selectPrinterPreselects();
+    void selectPrinterNeedsBothPrinters();
+    void selectPrinterSaves();
+
+private:
+    std::unique_ptr<TempTaxDatabase> m_db;
+};
+
+void TestPrintScreens::init() {
+    m_db = std::make_unique<TempTaxDatabase>();
+    QVERIFY(ReceiptFixture::fill(*m_db));
+    QVERIFY(OpenSessionDatabase(m_db->path()));
+    Clock::setToday(QDate(2013, 11, 4));
+    PrintCapture::setEnabled(true);
+}
+
+void TestPrintScreens::cleanup() {
+    PrintCapture::setEnabled(false);
+    Clock::setToday(std::nullopt);
+    CloseSessionDatabase();
+    m_db.reset();
+}
+
+void TestPrintScreens::menuOpensTheScreens() {
+    for (const auto& [item, screen] :
+         {std::pair{"mnuPrinters", "frmSelectPrinter"},
+          std::pair{"mnuREPaymentsReprintReceipt", "frmREReprintReceipt"}}) {
+        const ScreenEntry* entry = screenForMenuItem(QString::fromLatin1(item));
+        QVERIFY(entry);
+        QCOMPARE(entry->screenName, QString::fromLatin1(screen));
+        QVERIFY(!entry->modal);
+        std::unique_ptr<QWidget> widget(entry->create());
+        QCOMPARE(widget->objectName(), QString::fromLatin1(screen));
+    }
+}
+
+void TestPrintScreens::reprintFindsTheReceipt() {
+    frmREReprintReceipt screen;
+    MessageScript script;
+    screen.txtRecnum->setText(QStringLiteral("201309159999"));
+    leave(screen.txtRecnum);
+    QCOMPARE(script.texts(), QStringList{QStringLiteral("Receipt Number Not On File")});
+    QCOMPARE(script.titles(), QStringList{QStringLiteral("Void Receipt")});
+    QVERIFY(screen.shownRecnum().isEmpty());
+    // Print on a number that was refused does not complain twice, and prints nothing.
+    QTest::mouseClick(screen.cmdPrint, Qt::LeftButton);
+    QCOMPARE(script.texts().size(), 1);
+    QCOMPARE(PrintCapture::jobCount(), 0);
+
+    screen.txtRecnum->setText(ReceiptFixture::InstallmentRecnum);
+    leave(screen.txtRecnum);
+    QCOMPARE(script.texts().size(), 1);
+    QCOMPARE(screen.shownRecnum(), ReceiptFixture::InstallmentRecnum);
+    QCOMPARE(screen.txtBillNo->text(), QStringLiteral("   42"));
+    QCOMPARE(screen.txtDate->text(), QStringLiteral("10/28/2013"));
+    QCOMPARE(screen.txtPayor->text(), QStringLiteral("HOLLOWAY DAVID R"));
+    QVERIFY(screen.chkSchool->isChecked());
+    QVERIFY(!screen.chkCounty->isChecked());
+    QCOMPARE(screen.lblSPeriod->text(), QStringLiteral("INSTALLMENTS"));
+    QVERIFY(!screen.fraInstallments->isHidden());
+    QCOMPARE(screen.txtPayment2->text(), QStringLiteral("$512.75"));
+    QCOMPARE(screen.txtPayment3->text(), QStringLiteral("$564.01"));
+    QCOMPARE(screen.txtInstDFP3->text(), QStringLiteral("P"));
+    // The installment's penalty is money taken for the school.
+    QCOMPARE(screen.txtSchool->text(), QStringLiteral("$1,076.76"));
+    QCOMPARE(screen.txtAmount->text(), QStringLiteral("$1,076.76"));
+    QCOMPARE(screen.lblTwp->text(), QStringLiteral("Twp:"));
+
+    // Another receipt replaces everything shown.
+    screen.txtRecnum->setText(ReceiptFixture::FullRecnum);
+    leave(screen.txtRecnum);
+    QVERIFY(screen.fraInstallments->isHidden());
+    QCOMPARE(screen.txtPayment3->text(), QString());
+    QCOMPARE(screen.txtCounty->text(), QStringLiteral("$208.54"));
+    QCOMPARE(screen.txtCTotal->text(), QStringLiteral("$223.44"));
+    QCOMPARE(screen.txtTotal->text(), QStringLiteral("$1,926.14"));
+
+    // A borough reads "Boro:".
+    QVERIFY(m_db->exec(QStringLiteral("UPDATE tbl_Twpboro SET BTFlag = 'B'")));
+    screen.txtRecnum->setText(ReceiptFixture::CountyRecnum);
+    leave(screen.txtRecnum);
+    QCOMPARE(screen.lblTwp->text(), QStringLiteral("Boro:"));
+    QCOMPARE(script.service().unanswered, 0);
+}
+
+void TestPrintScreens::reprintShowsTheBillAsItStands() {
+    QVERIFY(m_db->exec(QStringLiteral("UPDATE TCMaster SET CAddrFlag = 'A'")));
+    QVERIFY(m_db->exec(QStringLiteral(
+        "INSERT INTO TCAddress (Control, BillNo, AddrID, Name, Addr1, City, State, ZipCode) "
+        "VALUES ('004512', '   42', 1, 'HOLLOWAY MARGARET A', '9 NEW ST', 'YORK', 'PA', "
+        "'17401')")));
+    frmREReprintReceipt screen;
+    MessageScript script;
+    screen.txtRecnum->setText(ReceiptFixture::FullRecnum);
+    leave(screen.txtRecnum);
+    QCOMPARE(screen.txtAddr1->text(), QStringLiteral("9 NEW ST"));
+    QCOMPARE(screen.txtCity->text(), QStringLiteral("YORK"));
+    script.answer(MsgAnswer::Ok, QStringLiteral("1"));
+    QTest::mouseClick(screen.cmdPrint, Qt::LeftButton);
+    QVERIFY(PrintCapture::lastJobPrinted(QStringLiteral("9 NEW ST")));
+    QVERIFY(PrintCapture::lastJobPrinted(QStringLiteral("YORK, PA. 17401")));
+
+    // A half-finished adjustment stops the screen with the integrity message.
+    QVERIFY(m_db->exec(QStringLiteral("UPDATE TCMaster SET AdjFlag = 'A'")));
+    screen.txtRecnum->setText(ReceiptFixture::CountyRecnum);
+    leave(screen.txtRecnum);
+    QCOMPARE(script.titles().last(), QStringLiteral("Database Integrity Error"));
+    QVERIFY(screen.shownRecnum().isEmpty());
+    QCOMPARE(screen.txtPayor->text(), QString());
+}
+
+void TestPrintScreens::reprintPrintsADuplicate() {
+    frmREReprintReceipt screen;
+    MessageScript script;
+    // Typed and printed at once: the number is looked up first.
+    screen.txtRecnum->setText(ReceiptFixture::InstallmentRecnum);
+    script.answer(MsgAnswer::Ok, QStringLiteral("2"));
+    script.answer(MsgAnswer::Ok);
+    QTest::mouseClick(screen.cmdPrint, Qt::LeftButton);
+    QCOMPARE(script.texts(), (QStringList{QStringLiteral("Enter the number of receipts to print:"),
+                                          QStringLiteral("Receipt Printed")}));
+    QCOMPARE(script.titles().last(), QStringLiteral("Reprint Receipt"));
+    QCOMPARE(PrintCapture::jobCount(), 1);
+    QCOMPARE(PrintCapture::lastJob()->pages.size(), std::size_t(2));
+    QVERIFY(PrintCapture::lastJobPrinted(QStringLiteral("DUPLICATE RECEIPT")));
+    QVERIFY(PrintCapture::lastJobPrinted(QStringLiteral("VOIDED 10/30/2013")));
+    QVERIFY(PrintCapture::lastJobPrinted(QStringLiteral("Payor: HOLLOWAY DAVID R")));
+    QVERIFY(PrintCapture::lastJobPrinted(QStringLiteral("DATE: 11/04/2013")));
+    QVERIFY(PrintCapture::lastJobHasBarcode(QStringLiteral("40201310280031")));
+
+    // Cancelled: no job and no "Receipt Printed".
+    script.answer(MsgAnswer::Cancel);
+    script.answer(MsgAnswer::Yes);
+    QTest::mouseClick(screen.cmdPrint, Qt::LeftButton);
+    QCOMPARE(script.texts().last(), QStringLiteral("Receipt NOT printed."));
+    QCOMPARE(PrintCapture::jobCount(), 1);
+
+    // An empty number: nothing to print.
+    screen.txtRecnum->clear();
+    QTest::mouseClick(screen.cmdPrint, Qt::LeftButton);
+    QCOMPARE(script.texts().last(), QStringLiteral("Receipt Number Not On File"));
+    QCOMPARE(script.service().unanswered, 0);
+}
+
+void TestPrintScreens::reprintPrintScreen() {
+    frmREReprintReceipt screen;
+    screen.resize(900, 600);
+    MessageScript script;
+    QTest::mouseClick(screen.cmdPrintScreen, Qt::LeftButton);
+    QCOMPARE(script.texts(),
+             QStringList{QStringLiteral("There is currently no LETTER size printer assigned.")});
+    QCOMPARE(PrintCapture::jobCount(), 0);
+
+    QVERIFY(m_db->exec(QStringLiteral(
+        "INSERT INTO tbl_Printers (PrinterType, DeviceName) VALUES ('TVLetter', 'PDF')")));
+    QTest::mouseClick(screen.cmdPrintScreen, Qt::LeftButton);
+    QCOMPARE(PrintCapture::jobCount(), 1);
+    const RecordedPage& page = PrintCapture::lastJob()->pages.at(0);
+    QCOMPARE(page.items.size(), std::size_t(1));
+    const auto& image = std::get<PrintedImage>(page.items[0]);
+    QCOMPARE(image.image.size(), screen.size() * screen.devicePixelRatio());
+    QVERIFY(image.rect.width() <= PrintCapture::lastJob()->format.scaleWidth());
+}
+
+void TestPrintScreens::selectPrinterPreselects() {
+    QVERIFY(m_db->exec(QStringLiteral("UPDATE tbl_Printers SET DeviceName = 'Gone Printer' WHERE "
+                                      "PrinterType = 'Receipt'")));
+    frmSelectPrinter screen;
+    QCOMPARE(screen.windowTitle(), QStringLiteral("Select Printer"));
+    QVERIFY(!screen.cboLetter->isEditable());
+    QCOMPARE(screen.cboLetter->itemText(screen.cboLetter->count() - 1), QStringLiteral("PDF"));
+    QCOMPARE(screen.cboLetter->currentText(), QStringLiteral("PDF"));
+    // A saved printer the machine no longer has is not offered.
+    QCOMPARE(screen.cboReceipt->currentIndex(), -1);
+}
+
+void TestPrintScreens::selectPrinterNeedsBothPrinters() {
+    QVERIFY(m_db->exec(QStringLiteral("DELETE FROM tbl_Printers")));
+    frmSelectPrinter screen;
+    MessageScript script;
+    QTest::mouseClick(screen.cmdOK, Qt::LeftButton);
+    QCOMPARE(script.texts(), QStringList{QStringLiteral("Letter Printer Must Be Specified")});
+    QCOMPARE(script.titles(), QStringList{QStringLiteral("Select Printers")});
+    screen.cboLetter->setCurrentIndex(screen.cboLetter->findText(QStringLiteral("PDF")));
+    QTest::mouseClick(screen.cmdOK, Qt::LeftButton);
+    QCOMPARE(script.texts().last(), QStringLiteral("Receipt Printer Must Be Specified"));
+    QCOMPARE(script.titles().last(), QStringLiteral("Select Printers"));
+    QVERIFY(printerRows(m_db->db()).isEmpty());
+    QCOMPARE(screen.lblMessage->text(), QString());
+}
+
+void TestPrintScreens::selectPrinterSaves() {
+    QVERIFY(m_db->exec(QStringLiteral(
+        "INSERT INTO tbl_Printers (PrinterType, DeviceName) VALUES ('TVLetter', 'Old Laser')")));
+    auto* screen = new frmSelectPrinter;
+    screen->setAttribute(Qt::WA_DeleteOnClose);
+    screen->show();
+    QPointer<frmSelectPrinter> guard(screen);
+    MessageScript script;
+    screen->cboReceipt->setCurrentIndex(screen->cboReceipt->findText(QStringLiteral("PDF")));
+    QTest::mouseClick(screen->cmdOK, Qt::LeftButton);
+    QVERIFY(script.texts().isEmpty());
+    // The TVLetter row goes with the delete.
+    QCOMPARE(printerRows(m_db->db()),
+             (QStringList{QStringLiteral("Letter|PDF"), QStringLiteral("Receipt|PDF")}));
+    QTRY_VERIFY(!guard);
+    QCOMPARE(AssignedPrinter(m_db->db(), QStringLiteral("Receipt")),
+             std::optional<QString>(QStringLiteral("PDF")));
+    QVERIFY(!AssignedPrinter(m_db->db(), QStringLiteral("TVLetter")));
+}
+
+QTEST_MAIN(TestPrintScreens)
+#include "test_print_screens.moc"

@@ -1,0 +1,386 @@
+#include "core/clock.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "reports/print_capture.h"
+#include "reports/re_receipt.h"
+
+#include "reports/print_readback.h"
+#include "reports/receipt_fixture.h"
+#include "support/test_support.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QSqlField>
+#include <QTest>
+
+namespace {
+
+QString expectedPath(const char* name) {
+    return QDir(QFileInfo(QString::fromUtf8(__FILE__)).absolutePath())
+        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
+}
+
+QSqlRecord flags(const QString& s, const QString& p1, const QString& p2, const QString& p3) {
+    QSqlRecord r;
+    const QStringList names{QStringLiteral("RDate"),    QStringLiteral("CPayFlag"),
+                            QStringLiteral("TPayFlag"), QStringLiteral("SPayFlag"),
+                            QStringLiteral("Pay1Flag"), QStringLiteral("Pay2Flag"),
+                            QStringLiteral("Pay3Flag")};
+    for (const QString& n : names)
+        r.append(QSqlField(n, QMetaType(QMetaType::QString)));
+    r.setValue(0, QStringLiteral("2013-11-04"));
+    r.setValue(1, QStringLiteral(" "));
+    r.setValue(2, QStringLiteral(" "));
+    r.setValue(3, s);
+    r.setValue(4, p1);
+    r.setValue(5, p2);
+    r.setValue(6, p3);
+    return r;
+}
+
+// A payment screen's fields, as the receipt reads them by name.
+QWidget* paymentScreen(QWidget* parent = nullptr) {
+    auto* screen = new QWidget(parent);
+    screen->setObjectName(QStringLiteral("frmREReceivePayment"));
+    const std::pair<const char*, const char*> fields[] = {{"txtPayor", "JOHN Q PAYOR"},
+                                                          {"txtPAddr1", ""},
+                                                          {"txtPAddr2", "APT 4"},
+                                                          {"txtPCity", "ALDERBROOK   "},
+                                                          {"txtPZipCode", "17001"},
+                                                          {"txtPZipCode2", ""},
+                                                          {"txtChecknum", "CASH"},
+                                                          {"txtName", "NEW OWNER LLC"},
+                                                          {"txtCoOwner", ""},
+                                                          {"txtAddr1", "PO BOX 9"},
+                                                          {"txtAddr2", ""},
+                                                          {"txtCity", "YORK"},
+                                                          {"txtZipCode", "17401"},
+                                                          {"txtZipCode2", "0009"},
+                                                          {"txtControl", "004512"},
+                                                          {"txtMap3", "07-002"},
+                                                          {"txtMap4", "014"},
+                                                          {"txtMap5", "0031.000"},
+                                                          {"txtDesc1", "LOT 31"},
+                                                          {"txtDesc2", ""},
+                                                          {"txtDesc3", ""},
+                                                          {"txtAssLand", "12,500"},
+                                                          {"txtAssImpr", "48,300"}};
+    for (const auto& [name, value] : fields) {
+        auto* edit = new QLineEdit(QString::fromLatin1(value), screen);
+        edit->setObjectName(QString::fromLatin1(name));
+    }
+    for (const char* name : {"cboPState", "cboState"}) {
+        auto* box = new QComboBox(screen);
+        box->setObjectName(QString::fromLatin1(name));
+        box->addItem(QStringLiteral("PA"));
+    }
+    return screen;
+}
+
+} // namespace
+
+class TestREReceipt : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void receiptAsExpected();
+    void rowsFollowTheFlags();
+    void installmentsVoidAndDuplicate();
+    void installmentWording_data();
+    void installmentWording();
+    void printsFromTheCallingScreen();
+    void readsBackFromThePdf();
+    void noReceiptPrinter();
+    void copiesQuestionBeforePrinting();
+
+private:
+    Recording draw(const QString& recnum, bool duplicate, int copies = 1);
+    std::unique_ptr<TempTaxDatabase> m_db;
+};
+
+void TestREReceipt::init() {
+    m_db = std::make_unique<TempTaxDatabase>();
+    QVERIFY(ReceiptFixture::fill(*m_db));
+    session().DatabasePath = m_db->path();
+    Clock::setToday(QDate(2013, 9, 16));
+    PrintCapture::setEnabled(true);
+}
+
+void TestREReceipt::cleanup() {
+    PrintCapture::setEnabled(false);
+    Clock::setToday(std::nullopt);
+    m_db.reset();
+}
+
+Recording TestREReceipt::draw(const QString& recnum, bool duplicate, int copies) {
+    REReceiptData data;
+    QString error;
+    if (!LoadREReceipt(m_db->db(), recnum, &data, &error))
+        qFatal("%s", qPrintable(error));
+    const BillNow bill = ReadBillAsItStands(m_db->db(), Duplicate::RealEstate, data.billNo);
+    const ReceiptScreenText fields = ReceiptScreenText::fromRows(data.receipt, bill.bill);
+    ReportSurface surface(PageFormat{PaperSize::Letter, PageOrientation::Portrait});
+    for (int i = 0; i < copies; ++i) {
+        DrawREReceipt(surface, data, fields, duplicate);
+        surface.NewPage();
+    }
+    surface.EndDoc();
+    return surface.takeRecording();
+}
+
+void TestREReceipt::receiptAsExpected() {
+    const Recording r = draw(ReceiptFixture::FullRecnum, false);
+    QCOMPARE(r.pages.size(), std::size_t(1));
+    QString diff;
+    QVERIFY2(PrintReadback::matchesExpected(expectedPath("re_receipt.txt"), r.dump(), &diff),
+             qPrintable(diff));
+
+    // Read as a person reads it: what stands side by side on the grid of the two columns is
+    // one line; the dump above holds every position.
+    const QStringList lines = r.textLines();
+    const QStringList expected{
+        QStringLiteral("ALDER TOWNSHIP Tax Collector"),
+        QStringLiteral("Payor: FIRST ALDER BANK ESCROW Receipt #: 2013-09-15-0007"),
+        QStringLiteral("LOAN 88-1023 DATE: 09/16/2013"),
+        QStringLiteral("Owner: HOLLOWAY MARGARET A Control #: 07-2-004512"),
+        QStringLiteral("ALDERBROOK, PA.  17001-2231 ALDER TOWNSHIP"),
+        QStringLiteral("Check #/Cash: 55120"),
+        QStringLiteral("Total: 60,800"),
+        QStringLiteral("2013 COUNTY 3.750 $228.00 -$4.56 $223.44"),
+        QStringLiteral("2013 LIBRARY"),
+        QStringLiteral("2013 FIRE TAX .500 $30.40 -$.61 $29.79"),
+        QStringLiteral("2013 SCH LIB .500 $30.40 $30.40"),
+        QStringLiteral("TOTAL PAYMENT: $1,933.44 -$7.30 $. $1,926.14"),
+        QStringLiteral("Your payment was credited on 09/15/13. (County paid at Discount. Township "
+                       "paid at Discount. School paid at Face. )")};
+    for (const QString& line : expected)
+        QVERIFY2(lines.contains(line), qPrintable(line + QStringLiteral("\n--- printed:\n") +
+                                                  lines.join(QLatin1Char('\n'))));
+    QVERIFY(!lines.contains(QStringLiteral("DUPLICATE RECEIPT")));
+    QVERIFY(!lines.join(QLatin1Char('\n')).contains(QLatin1String("VOIDED")));
+    QCOMPARE(r.barcodePayloads(), QStringList{QStringLiteral("40201309150007")});
+}
+
+void TestREReceipt::rowsFollowTheFlags() {
+    const QStringList lines = draw(ReceiptFixture::CountyRecnum, false).textLines();
+    QVERIFY(lines.contains(QStringLiteral("2013 COUNTY 3.750 $228.00 $22.80 $250.80")));
+    QVERIFY(lines.contains(QStringLiteral("2013 LIBRARY")));
+    const QString all = lines.join(QLatin1Char('\n'));
+    QVERIFY(!all.contains(QLatin1String("2013 TOWNSHIP")));
+    QVERIFY(!all.contains(QLatin1String("2013 SCHOOL")));
+    QVERIFY(!all.contains(QLatin1String("FIRE TAX")));
+    QVERIFY(lines.contains(
+        QStringLiteral("Your payment was credited on 11/02/13. (County paid at Penalty. )")));
+    QVERIFY(!all.contains(QLatin1String("Installment")));
+
+    // Without a library millage the county row stands alone; a borough says so.
+    QVERIFY(m_db->exec(QStringLiteral("UPDATE Millfile SET LMR = 0 WHERE District = '07'")));
+    QVERIFY(m_db->exec(QStringLiteral("UPDATE tbl_Twpboro SET BTFlag = 'B'")));
+    QVERIFY(m_db->exec(QStringLiteral("UPDATE TCReceipt SET TPayFlag = 'F', Twp = 1064000 WHERE "
+                                      "Recnum = '201311020012'")));
+    const QStringList borough = draw(ReceiptFixture::CountyRecnum, false).textLines();
+    QVERIFY(!borough.contains(QStringLiteral("2013 LIBRARY")));
+    QVERIFY(borough.contains(QStringLiteral("2013 COUNTY 3.500 $228.00 $22.80 $250.80")));
+    QVERIFY(borough.contains(QStringLiteral("2013 BOROUGH 1.750 $106.40 $106.40")));
+    QVERIFY(borough.join(QLatin1Char(' '))
+                .contains(QLatin1String("(County paid at Penalty. Borough paid at Face. )")));
+}
+
+void TestREReceipt::installmentsVoidAndDuplicate() {
+    const QStringList lines = draw(ReceiptFixture::InstallmentRecnum, true).textLines();
+    const QString all = lines.join(QLatin1Char('\n'));
+    // The third installment's penalty shows in the school row's penalty column.
+    QVERIFY2(lines.contains(QStringLiteral("2013 SCHOOL 25.300 $1,025.49 $51.27 $1,076.76")),
+             qPrintable(all));
+    // The total row adds the 27 amount columns, which hold no installment penalty.
+    QVERIFY(lines.contains(QStringLiteral("TOTAL PAYMENT: $1,025.49 $. $. $1,025.49")));
+    QVERIFY(lines.contains(QStringLiteral("DUPLICATE RECEIPT")));
+    QVERIFY(lines.contains(QStringLiteral("Installment payments received. (Payment #2 paid at "
+                                          "Face. Payment #3 paid at Penalty. )")));
+    QVERIFY(lines.contains(QStringLiteral("VOIDED 10/30/2013")));
+    QVERIFY(lines.contains(QStringLiteral("Your payment was credited on 10/28/13. ()")));
+}
+
+void TestREReceipt::installmentWording_data() {
+    QTest::addColumn<QString>("p1");
+    QTest::addColumn<QString>("p2");
+    QTest::addColumn<QString>("p3");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("first at face") << "F"
+                                   << " "
+                                   << " "
+                                   << "Installment payments received. (Payment #1 paid at Face. )";
+    QTest::newRow("first at penalty")
+        << "P"
+        << " "
+        << " "
+        << "Installment payments received. (Payment #1 paid at Penalty. )";
+    // The second's penalty wording follows the third flag.
+    QTest::newRow("second at penalty, third unpaid") << " "
+                                                     << "P"
+                                                     << " "
+                                                     << "Installment payments received. ()";
+    QTest::newRow("second unpaid, third at penalty")
+        << " "
+        << " "
+        << "P"
+        << "Installment payments received. (Payment #2 paid at Penalty. Payment #3 paid at "
+           "Penalty. )";
+    QTest::newRow("all three")
+        << "F"
+        << "F"
+        << "F"
+        << "Installment payments received. (Payment #1 paid at Face. Payment #2 paid at Face. "
+           "Payment #3 paid at Face. )";
+}
+
+void TestREReceipt::installmentWording() {
+    QFETCH(QString, p1);
+    QFETCH(QString, p2);
+    QFETCH(QString, p3);
+    QFETCH(QString, sentence);
+    const QStringList sentences =
+        ReceiptCreditSentences(flags(QStringLiteral("I"), p1, p2, p3), QStringLiteral("T"));
+    QCOMPARE(sentences.size(), 2);
+    QCOMPARE(sentences.at(1), sentence);
+    // Not paying in installments: no second sentence.
+    QCOMPARE(ReceiptCreditSentences(flags(QStringLiteral("F"), p1, p2, p3), QStringLiteral("T")),
+             QStringList{
+                 QStringLiteral("Your payment was credited on 11/04/13. (School paid at Face. )")});
+}
+
+void TestREReceipt::printsFromTheCallingScreen() {
+    std::unique_ptr<QWidget> screen(paymentScreen());
+    const ReceiptScreenText fields = ReceiptScreenText::fromScreen(screen.get());
+    QCOMPARE(fields.payor, QStringLiteral("JOHN Q PAYOR"));
+    QCOMPARE(fields.pState, QStringLiteral("PA"));
+
+    MessageScript script;
+    script.answer(MsgAnswer::Ok, QStringLiteral("2"));
+    QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
+             ReceiptPrintOutcome::Printed);
+    QCOMPARE(session().ReceiptCopies, 2);
+    QCOMPARE(session().ReceiptCopiesText, QStringLiteral("2"));
+    // One job, a page a copy.
+    QCOMPARE(PrintCapture::jobCount(), 1);
+    const Recording* job = PrintCapture::lastJob();
+    QCOMPARE(job->pages.size(), std::size_t(2));
+    QCOMPARE(PrintCapture::lastJobBarcodes(),
+             (QStringList{QStringLiteral("40201309150007"), QStringLiteral("40201309150007")}));
+    const QString printed = PrintCapture::lastJobLines().join(QLatin1Char('\n'));
+    // The screen's payor, owner and parcel: an empty first address line leaves no gap.
+    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("Payor: JOHN Q PAYOR Receipt #:")),
+             qPrintable(printed));
+    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("APT 4 Payment For Tax Year 2013")),
+             qPrintable(printed));
+    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("ALDERBROOK, PA. 17001 DATE:")),
+             qPrintable(printed));
+    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("Owner: NEW OWNER LLC")),
+             qPrintable(printed));
+    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("YORK, PA. 17401-0009")),
+             qPrintable(printed));
+    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("Total: 60,800")), qPrintable(printed));
+    QVERIFY(!PrintCapture::lastJobPrinted(QStringLiteral("DUPLICATE RECEIPT")));
+    QVERIFY(PrintCapture::lastJobPdf().endsWith(QLatin1String(".pdf")));
+    QCOMPARE(script.texts(), QStringList{QStringLiteral("Enter the number of receipts to print:")});
+
+    // The two blocks keep their heights whatever lines they leave out.
+    const auto texts = job->pages[0].texts();
+    auto yOf = [&](const QString& t) {
+        for (const PrintedText* p : texts)
+            if (p->text == t)
+                return p->y;
+        return -1.0;
+    };
+    const double owner = yOf(QStringLiteral("Owner:"));
+    const Recording full = draw(ReceiptFixture::FullRecnum, false);
+    double fullOwner = -1;
+    for (const PrintedText* p : full.pages[0].texts())
+        if (p->text == QLatin1String("Owner:"))
+            fullOwner = p->y;
+    QCOMPARE(owner, fullOwner);
+}
+
+void TestREReceipt::readsBackFromThePdf() {
+    if (!PrintReadback::haveTool("pdftotext") || !PrintReadback::haveTool("zbarimg") ||
+        !PrintReadback::haveTool("pdftoppm"))
+        QSKIP("poppler-utils and zbar-tools are needed to read the PDF back");
+    REReceiptRequest request;
+    request.recnum = ReceiptFixture::FullRecnum;
+    request.copies = 2;
+    request.duplicate = true;
+    QCOMPARE(PrintREReceipt(m_db->db(), request), ReceiptPrintOutcome::Printed);
+    const QString pdf = PrintCapture::lastJobPdf();
+    QVERIFY(QFileInfo::exists(pdf));
+    for (int page = 1; page <= 2; ++page) {
+        QString text = PrintReadback::pdfText(pdf, page);
+        text.replace(QRegularExpression(QStringLiteral("[ \\t]+")), QStringLiteral(" "));
+        for (const char* wanted :
+             {"ALDER TOWNSHIP Tax Collector", "Receipt #: 2013-09-15-0007",
+              "REAL ESTATE TAX PAYMENT - TAX YEAR 2013", "2013 SCHOOL 25.300 $1,538.24 $1,538.24",
+              "DUPLICATE RECEIPT", "Thank you for your payment!"})
+            QVERIFY2(text.contains(QLatin1String(wanted)), qPrintable(text));
+        // Every bar code on every page reads back as its payload.
+        const auto codes = PrintCapture::lastJob()->pages[page - 1].barcodes();
+        QCOMPARE(codes.size(), std::size_t(1));
+        QCOMPARE(PrintReadback::scanArea(pdf, page, codes[0]->bounds),
+                 QStringList{QStringLiteral("CODE-39:40201309150007")});
+        QCOMPARE(PrintReadback::scanPage(pdf, page),
+                 QStringList{QStringLiteral("CODE-39:40201309150007")});
+    }
+}
+
+void TestREReceipt::noReceiptPrinter() {
+    QVERIFY(m_db->exec(QStringLiteral("DELETE FROM tbl_Printers WHERE PrinterType = 'Receipt'")));
+    MessageScript script;
+    REReceiptRequest request;
+    request.recnum = ReceiptFixture::FullRecnum;
+    QCOMPARE(PrintREReceipt(m_db->db(), request), ReceiptPrintOutcome::NoPrinter);
+    QCOMPARE(script.texts(),
+             QStringList{QStringLiteral("There is currently no receipt printer assigned.")});
+    QCOMPARE(script.titles(), QStringList{QStringLiteral("Printer Error")});
+    QCOMPARE(PrintCapture::jobCount(), 0);
+    // The payment stands: nothing about the receipt changed.
+    QSqlQuery q(m_db->db());
+    QVERIFY(q.exec(QStringLiteral("SELECT count(*) FROM TCReceipt")) && q.next());
+    QCOMPARE(q.value(0).toInt(), 3);
+
+    // A receipt number that is not there prints nothing either.
+    QVERIFY(m_db->exec(
+        QStringLiteral("INSERT INTO tbl_Printers (PrinterType, DeviceName) VALUES ('Receipt', "
+                       "'PDF')")));
+    request.recnum = QStringLiteral("209901010001");
+    QCOMPARE(PrintREReceipt(m_db->db(), request), ReceiptPrintOutcome::Failed);
+    QCOMPARE(script.texts().last(), QStringLiteral("Receipt Number Not On File"));
+    QCOMPARE(PrintCapture::jobCount(), 0);
+}
+
+void TestREReceipt::copiesQuestionBeforePrinting() {
+    std::unique_ptr<QWidget> screen(paymentScreen());
+    {
+        // Cancelled: nothing printed, and no printer looked at.
+        QVERIFY(m_db->exec(QStringLiteral("DELETE FROM tbl_Printers")));
+        MessageScript script;
+        script.answer(MsgAnswer::Cancel);
+        script.answer(MsgAnswer::Yes);
+        QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
+                 ReceiptPrintOutcome::Cancelled);
+        QCOMPARE(script.texts().last(), QStringLiteral("Receipt NOT printed."));
+    }
+    {
+        MessageScript script;
+        script.answer(MsgAnswer::Ok, QStringLiteral("0"));
+        QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
+                 ReceiptPrintOutcome::NoCopies);
+        QCOMPARE(script.texts().size(), 1);
+    }
+    QCOMPARE(PrintCapture::jobCount(), 0);
+}
+
+QTEST_MAIN(TestREReceipt)
+#include "test_re_receipt.moc"
