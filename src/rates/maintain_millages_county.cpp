@@ -6,6 +6,8 @@
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "rates/millage_common.h"
+#include "reports/print_output.h"
+#include "reports/print_screen.h"
 
 #include <QFormLayout>
 #include <QGroupBox>
@@ -78,8 +80,8 @@ frmMaintainMillagesCounty::frmMaintainMillagesCounty(QWidget* parent) : QWidget(
     cmdClearScreen = NamedButton(this, "cmdClearScreen", QStringLiteral("&Clear Screen"), false);
     cmdReset = NamedButton(this, "cmdReset", QStringLiteral("&Reset"), false);
     cmdPrintScreen = NamedButton(this, "cmdPrintScreen", QStringLiteral("&Print Screen"), false);
-    // Printing of the screen image joins when the report printing is in place.
-    cmdPrintScreen->setEnabled(false);
+    connect(cmdPrintScreen, &QPushButton::clicked, this,
+            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
     cmdExit = NamedButton(this, "cmdExit", QStringLiteral("E&xit"), false);
     auto* buttons = new QHBoxLayout;
     for (QPushButton* b : {cmdAccept, cmdClearScreen, cmdReset, cmdPrintScreen, cmdExit})

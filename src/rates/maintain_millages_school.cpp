@@ -6,6 +6,8 @@
 #include "core/messages.h"
 #include "core/session.h"
 #include "core/tax_database.h"
+#include "reports/print_output.h"
+#include "reports/print_screen.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -135,8 +137,8 @@ frmMaintainMillagesSchool::frmMaintainMillagesSchool(QWidget* parent) : QWidget(
     cmdClearScreen = NamedButton(this, "cmdClearScreen", QStringLiteral("&Clear Screen"), false);
     cmdReset = NamedButton(this, "cmdReset", QStringLiteral("&Reset"), false);
     cmdPrintScreen = NamedButton(this, "cmdPrintScreen", QStringLiteral("&Print Screen"), false);
-    // Printing of the screen image joins when the report printing is in place.
-    cmdPrintScreen->setEnabled(false);
+    connect(cmdPrintScreen, &QPushButton::clicked, this,
+            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
     cmdExit = NamedButton(this, "cmdExit", QStringLiteral("E&xit"), false);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

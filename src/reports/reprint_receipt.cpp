@@ -6,6 +6,7 @@
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "reports/print_output.h"
+#include "reports/print_screen.h"
 #include "reports/re_receipt.h"
 #include "reports/report_frame.h"
 
@@ -525,24 +526,5 @@ void frmREReprintReceipt::cmdPrint_Click() {
 }
 
 void frmREReprintReceipt::cmdPrintScreen_Click() {
-    const std::optional<QString> device =
-        AssignedPrinter(session().DbConnection, QString::fromLatin1(ScreenPrintPrinter));
-    if (!device) {
-        MsgBox(QString::fromLatin1(NoLetterPrinterText), QString::fromLatin1(PrinterErrorTitle),
-               MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    const QImage image = grab().toImage();
-    const PageFormat format{PaperSize::Letter, PageOrientation::Landscape};
-    ReportSurface surface(format);
-    const double scale = std::min(format.scaleWidth() / std::max(1, image.width()),
-                                  format.scaleHeight() / std::max(1, image.height()));
-    surface.DrawImage(QRectF(0, 0, image.width() * scale, image.height() * scale), image);
-    surface.EndDoc();
-    Recording job = surface.takeRecording();
-    job.jobName = windowTitle();
-    const PrintResult sent = SendToPrinter(job, *device);
-    if (!sent.ok)
-        MsgBox(sent.error, QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok,
-               MsgIcon::Critical);
+    PrintScreenImage(this, QString::fromLatin1(ScreenPrintPrinter));
 }
