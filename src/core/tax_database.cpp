@@ -510,6 +510,25 @@ void overlay(QSqlRecord& bill, const QSqlRecord& history, const QSet<QString>& s
     }
 }
 
+enum class Latest { Found, Missing, Error };
+
+// The history row of the bill with the highest number: the one in force.
+Latest readLatest(QSqlDatabase db, const QString& table, const QString& numberColumn,
+                  const QString& billNo, QSqlRecord* row, QString* error) {
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, %2 DESC LIMIT 1")
+                  .arg(table, numberColumn));
+    q.addBindValue(billNo);
+    if (!q.exec()) {
+        *error = q.lastError().text();
+        return Latest::Error;
+    }
+    if (!q.next())
+        return Latest::Missing;
+    *row = q.record();
+    return Latest::Found;
+}
+
 } // namespace
 
 BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& billNo) {
@@ -538,42 +557,27 @@ BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& 
     static const QSet<QString> keep{"control", "billno",  "adjflag", "adjno",
                                     "addrid",  "adjdate", "adate",   "reason"};
 
+    QSqlRecord row;
     if (FlagField(out.bill.value("AdjFlag")) == QLatin1String("A")) {
-        q.prepare(
-            QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, AdjNo DESC LIMIT 1")
-                .arg(adjust));
-        q.addBindValue(billNo);
-        if (!q.exec()) {
-            out.status = BillNow::Status::Error;
-            out.error = q.lastError().text();
+        const Latest latest =
+            readLatest(db, adjust, QStringLiteral("AdjNo"), billNo, &row, &out.error);
+        if (latest != Latest::Found) {
+            out.status = latest == Latest::Missing ? BillNow::Status::IncompleteAdjustment
+                                                   : BillNow::Status::Error;
             return out;
         }
-        if (!q.next()) {
-            out.status = BillNow::Status::IncompleteAdjustment;
-            return out;
-        }
-        const QSqlRecord row = q.record();
         overlay(out.bill, row, keep);
         out.adjNo = row.value("AdjNo").toInt();
         out.adjustmentKind = TextField(row.value("AdjFlag")).trimmed();
-        q.finish();
     }
-
     if (FlagField(out.bill.value("CAddrFlag")) == QLatin1String("A")) {
-        q.prepare(
-            QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, AddrID DESC LIMIT 1")
-                .arg(address));
-        q.addBindValue(billNo);
-        if (!q.exec()) {
-            out.status = BillNow::Status::Error;
-            out.error = q.lastError().text();
+        const Latest latest =
+            readLatest(db, address, QStringLiteral("AddrID"), billNo, &row, &out.error);
+        if (latest != Latest::Found) {
+            out.status = latest == Latest::Missing ? BillNow::Status::IncompleteAddress
+                                                   : BillNow::Status::Error;
             return out;
         }
-        if (!q.next()) {
-            out.status = BillNow::Status::IncompleteAddress;
-            return out;
-        }
-        const QSqlRecord row = q.record();
         overlay(out.bill, row, keep);
         out.addrId = row.value("AddrID").toInt();
     }

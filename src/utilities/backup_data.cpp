@@ -105,6 +105,30 @@ bool ReopenSessionDatabase() {
     return true;
 }
 
+namespace {
+
+// The end of a copy: the database is opened again, the please-wait line goes, and the user is
+// told how it went; the screen closes after a success.
+void finishCopy(QDialog* screen, QLabel* lblMessage, const CopyResult& result, const char* title,
+                const QString& success) {
+    const bool reopened = ReopenSessionDatabase();
+    lblMessage->clear();
+    if (!result.ok) {
+        MsgBox(result.error, QString::fromLatin1(title), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    if (!reopened) {
+        MsgBox(QStringLiteral("Tax Collector Database Not Available"),
+               QStringLiteral("Kestrelvale County Tax Collector System"), MsgButtons::Ok,
+               MsgIcon::Critical);
+        return;
+    }
+    MsgBox(success, QString::fromLatin1(title), MsgButtons::Ok, MsgIcon::Information);
+    CloseScreen(screen);
+}
+
+} // namespace
+
 frmBackupData::frmBackupData(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmBackupData"));
     setWindowTitle(QString::fromLatin1(BackupTitle));
@@ -146,21 +170,8 @@ void frmBackupData::backup() {
     // closed and opened again, as after any copy of the file.
     const CopyResult result = BackupDatabase(request);
     CloseSessionDatabase();
-    const bool reopened = ReopenSessionDatabase();
-    fields.lblMessage->clear();
-    if (!result.ok) {
-        MsgBox(result.error, QString::fromLatin1(BackupTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    if (!reopened) {
-        MsgBox(QStringLiteral("Tax Collector Database Not Available"),
-               QStringLiteral("Kestrelvale County Tax Collector System"), MsgButtons::Ok,
-               MsgIcon::Critical);
-        return;
-    }
-    MsgBox(QStringLiteral("Your data has been backed up successfully!"),
-           QString::fromLatin1(BackupTitle), MsgButtons::Ok, MsgIcon::Information);
-    CloseScreen(this);
+    finishCopy(this, fields.lblMessage, result, BackupTitle,
+               QStringLiteral("Your data has been backed up successfully!"));
 }
 
 frmRestoreData::frmRestoreData(QWidget* parent) : QDialog(parent) {
@@ -220,19 +231,6 @@ void frmRestoreData::restore() {
     request.sourcePath = source;
     request.now = Clock::now();
     const RestoreResult result = RestoreDatabase(request);
-    const bool reopened = ReopenSessionDatabase();
-    fields.lblMessage->clear();
-    if (!result.ok) {
-        MsgBox(result.error, QString::fromLatin1(RestoreTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    if (!reopened) {
-        MsgBox(QStringLiteral("Tax Collector Database Not Available"),
-               QStringLiteral("Kestrelvale County Tax Collector System"), MsgButtons::Ok,
-               MsgIcon::Critical);
-        return;
-    }
-    MsgBox(QStringLiteral("Your data has been restored successfully!"),
-           QString::fromLatin1(RestoreTitle), MsgButtons::Ok, MsgIcon::Information);
-    CloseScreen(this);
+    finishCopy(this, fields.lblMessage, result, RestoreTitle,
+               QStringLiteral("Your data has been restored successfully!"));
 }
