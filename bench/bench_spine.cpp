@@ -54,8 +54,8 @@ int main(int argc, char** argv) {
         }
         generation.push_back(t.nsecsElapsed() / 1e6);
     }
-    std::printf("demo database %d parcels + %d persons: median %.0f ms\n", options.parcels, options.persons,
-                median(generation));
+    std::printf("demo database %d parcels + %d persons: median %.0f ms\n", options.parcels,
+                options.persons, median(generation));
 
     std::vector<double> startup;
     for (int i = 0; i < runs; ++i) {
@@ -105,10 +105,10 @@ int main(int argc, char** argv) {
             }
         return median(us);
     };
-    std::printf("read a bill with its chains (%lld bills): median %.0f us\n", qlonglong(chained.size()),
-                measure(chained));
-    std::printf("read a bill without chains (%lld bills): median %.0f us\n", qlonglong(plain.size()),
-                measure(plain));
+    std::printf("read a bill with its chains (%lld bills): median %.0f us\n",
+                qlonglong(chained.size()), measure(chained));
+    std::printf("read a bill without chains (%lld bills): median %.0f us\n",
+                qlonglong(plain.size()), measure(plain));
     db = QSqlDatabase();
     TaxDatabase::close("bench");
     return 0;

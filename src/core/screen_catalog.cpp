@@ -1,5 +1,10 @@
 #include "core/screen_catalog.h"
 
+#include "desk/realestate/receive_payment.h"
+#include "desk/realestate/void_receipt.h"
+#include "rates/rate_screens.h"
+#include "reports/reprint_receipt.h"
+#include "reports/select_printer.h"
 #include "utilities/backup_data.h"
 
 #include <QHash>
@@ -13,7 +18,20 @@ template <typename Screen> ScreenEntry entry(const char* name, bool modal = fals
 const QHash<QString, ScreenEntry>& catalog() {
     static const QHash<QString, ScreenEntry> screens{
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
+        {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
+        {"mnuREPaymentsVoidReceipt", entry<frmREVoidReceipt>("frmREVoidReceipt")},
         {"mnuUtilitiesRestore", entry<frmRestoreData>("frmRestoreData", true)},
+        {"mnuPrinters", entry<frmSelectPrinter>("frmSelectPrinter")},
+        {"mnuREPaymentsReprintReceipt", entry<frmREReprintReceipt>("frmREReprintReceipt")},
+        {"mnuUtilitiesMillagesCounty",
+         entry<frmMaintainMillagesCounty>("frmMaintainMillagesCounty")},
+        {"mnuUtilitiesMillagesTwp",
+         entry<frmMaintainMillagesTownship>("frmMaintainMillagesTownship")},
+        {"mnuUtilitiesMillagesSchool",
+         entry<frmMaintainMillagesSchool>("frmMaintainMillagesSchool")},
+        {"mnuUtilitiesEditSpecialTaxes", entry<frmEditSpecialTaxes>("frmEditSpecialTaxes")},
+        {"mnuUilitiesEditSpecialTaxpayers",
+         {"frmEditSpecialTaxpayers", false, &frmEditSpecialTaxpayers::open}},
     };
     return screens;
 }

@@ -1,0 +1,443 @@
+#include "desk/realestate/receipt_writes.h"
+
+#include "core/tax_database.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QStringList>
+#include <QVariantList>
+
+namespace {
+
+const QString Blank = QStringLiteral(" ");
+const QString SixBlanks = QStringLiteral("      ");
+
+bool isBlank(QStringView flag) {
+    return flag.trimmed().isEmpty();
+}
+
+// A statement with its values bound in order. False, with the database's reason, on failure.
+bool run(QSqlQuery& q, const QString& sql, const QVariantList& values, QString* error) {
+    if (!q.prepare(sql)) {
+        *error = q.lastError().text();
+        return false;
+    }
+    for (const QVariant& v : values)
+        q.addBindValue(v);
+    if (!q.exec()) {
+        *error = q.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+// Collects "Column = ?" parts and their values for an UPDATE.
+struct Assignments {
+    QStringList parts;
+    QVariantList values;
+
+    void set(const QString& column, const QVariant& value) {
+        parts << column + QStringLiteral(" = ?");
+        values << value;
+    }
+    void setIf(const QString& column, const std::optional<QString>& value) {
+        if (value)
+            set(column, *value);
+    }
+    QString sql(const QString& table, const QString& where) const {
+        return QStringLiteral("UPDATE %1 SET %2 WHERE %3")
+            .arg(table, parts.join(QStringLiteral(", ")), where);
+    }
+};
+
+// Ends a write sequence: commit, or roll back with the reason.
+template <typename Result> Result finish(QSqlDatabase& db, bool ok, Result result) {
+    if (ok && db.commit()) {
+        result.ok = true;
+        return result;
+    }
+    if (ok)
+        result.error = db.lastError().text();
+    db.rollback();
+    result.ok = false;
+    return result;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Posting a payment
+// ---------------------------------------------------------------------------------------------
+
+Money RealEstateReceipt::linesTotal() const {
+    Money sum;
+    for (const AmountTriple& t : line)
+        sum += t.discount + t.face + t.penalty;
+    for (const Money& p : penPayment)
+        sum += p;
+    return sum;
+}
+
+RealEstatePosting BuildRealEstatePosting(const BillNow& bill, const PaymentChoice& choice,
+                                         const PeriodAmounts& shown,
+                                         const InstallmentView& installments) {
+    RealEstatePosting p;
+    RealEstateReceipt& r = p.receipt;
+    r.control = bill.text("Control");
+    r.billNo = bill.text("BillNo");
+    p.billNo = r.billNo;
+    r.adjNo = bill.adjNo;
+    r.name = bill.text("Name");
+    r.map3 = bill.text("Map3");
+    r.map4 = bill.text("Map4");
+    r.map5 = bill.text("Map5");
+
+    const PaymentSelection& sel = choice.selection;
+    auto take = [&](int from, int to) {
+        for (int i = from; i <= to; ++i) {
+            const LineTake& t = shown.line[i];
+            r.line[i] = {t.discountDiff, t.face, t.penaltyDiff};
+        }
+    };
+
+    if (sel.county) {
+        r.cPayFlag = QString(choice.periods.county);
+        p.master.cPayFlag = r.cPayFlag;
+        take(LineCounty, LineCountySpecial);
+    }
+
+    const MunicipalPayFlags municipal =
+        MunicipalFlagsForPayment(sel.twp, choice.streetLightShown, choice.streetLightOption,
+                                 bill.text("StLtFlag"), choice.periods.twp);
+    p.master.tPayFlag = municipal.tPayFlag;
+    p.master.twpPaidFlag = municipal.twpPaidFlag;
+    p.master.stLtPaidFlag = municipal.stLtPaidFlag;
+    p.master.stLtFlag = municipal.stLtFlag;
+    if (sel.twp) {
+        r.tPayFlag = QString(choice.periods.twp);
+        take(LineTwp, LineSpecial3);
+        // In district 39 the receipt holds only the municipal lines that were chosen.
+        if (choice.district39)
+            for (int i = LineTwp; i <= LineSpecial3; ++i)
+                if (shown.line[i].amount.isZero())
+                    r.line[i] = {};
+    }
+
+    if (sel.school) {
+        const bool byInstallment = sel.installment[0] || sel.installment[1] || sel.installment[2];
+        if (!byInstallment) {
+            r.sPayFlag = QString(choice.periods.school);
+            take(LineSchool, LineSchoolSpecial);
+        } else {
+            r.sPayFlag = QStringLiteral("I");
+            Money faces;
+            for (int n = 0; n < 3; ++n) {
+                if (!sel.installment[n])
+                    continue;
+                const InstallmentLine& l = installments.line[n];
+                const bool penalty = l.code == QChar(PeriodPenalty);
+                r.payFlag[n] = penalty ? QStringLiteral("P") : QStringLiteral("F");
+                r.payment[n] = l.face;
+                r.penPayment[n] = penalty ? l.penaltyDiff : Money();
+                faces += l.face;
+                p.master.payFlag[n] = r.payFlag[n];
+            }
+            // The penalty of an installment stays in PenPaymentN only.
+            r.line[LineSchool] = {Money(), faces, Money()};
+        }
+        p.master.sPayFlag = r.sPayFlag;
+    }
+    return p;
+}
+
+QString MakeRecnum(const QDate& today, qint64 counter) {
+    return (today.toString(QStringLiteral("yyyyMMdd")) +
+            QStringLiteral("%1").arg(counter, 4, 10, QLatin1Char('0')))
+        .left(12);
+}
+
+PostingResult PostRealEstatePayment(QSqlDatabase db, const RealEstatePosting& posting,
+                                    const QDate& today) {
+    PostingResult result;
+    if (!db.transaction()) {
+        result.error = db.lastError().text();
+        return result;
+    }
+    QSqlQuery q(db);
+    const MasterPayFlags& m = posting.master;
+    const RealEstateReceipt& r = posting.receipt;
+
+    // 1. The bill's flags first: a flag without its receipt is the trace of a cut-off payment.
+    Assignments flags;
+    flags.setIf(QStringLiteral("CPayFlag"), m.cPayFlag);
+    flags.setIf(QStringLiteral("TPayFlag"), m.tPayFlag);
+    flags.setIf(QStringLiteral("TwpPaidFlag"), m.twpPaidFlag);
+    flags.setIf(QStringLiteral("StLtPaidFlag"), m.stLtPaidFlag);
+    flags.setIf(QStringLiteral("SPayFlag"), m.sPayFlag);
+    for (int n = 0; n < 3; ++n)
+        flags.setIf(QStringLiteral("Pay%1Flag").arg(n + 1), m.payFlag[n]);
+    flags.set(QStringLiteral("StLtFlag"), m.stLtFlag);
+    flags.values << posting.billNo;
+    bool ok = run(q, flags.sql(QStringLiteral("TCMaster"), QStringLiteral("BillNo = ?")),
+                  flags.values, &result.error);
+
+    // 2. The receipt number.
+    qint64 counter = 0;
+    if (ok) {
+        ok = run(q, QStringLiteral("SELECT ReceiptNum FROM TCReceiptNum"), {}, &result.error);
+        if (ok && !q.next()) {
+            ok = false;
+            result.error = QStringLiteral("The table TCReceiptNum holds no receipt number.");
+        }
+        if (ok)
+            counter = q.value(0).toLongLong();
+    }
+    if (ok)
+        ok = run(q, QStringLiteral("UPDATE TCReceiptNum SET ReceiptNum = ?"), {counter + 1},
+                 &result.error);
+    result.recnum = MakeRecnum(today, counter);
+
+    // 3. The receipt.
+    if (ok) {
+        QStringList columns{"Control", "BillNo", "AdjNo", "Recnum", "Name",
+                            "Map3",    "Map4",   "Map5",  "RDate"};
+        QVariantList values{r.control, r.billNo, r.adjNo, result.recnum,     r.name,
+                            r.map3,    r.map4,   r.map5,  DateValue(r.rdate)};
+        for (int i = 0; i < TaxLineCount; ++i) {
+            columns << DiscountColumn(i) << FaceColumn(i) << PenaltyColumn(i);
+            values << MoneyValue(r.line[i].discount) << MoneyValue(r.line[i].face)
+                   << MoneyValue(r.line[i].penalty);
+        }
+        columns << "Overage"
+                << "Refund"
+                << "Payor"
+                << "PAddr1"
+                << "PAddr2"
+                << "PCity"
+                << "PState"
+                << "PZipCode"
+                << "PZipCode2"
+                << "Checknum"
+                << "CPayFlag"
+                << "TPayFlag"
+                << "SPayFlag"
+                << "CDisbNum"
+                << "TDisbNum"
+                << "SDisbNum";
+        values << MoneyValue(r.overage) << MoneyValue(r.refund) << r.payor << r.pAddr1 << r.pAddr2
+               << r.pCity << r.pState << r.pZipCode << r.pZipCode2 << r.checknum << r.cPayFlag
+               << r.tPayFlag << r.sPayFlag << SixBlanks << SixBlanks << SixBlanks;
+        for (int n = 0; n < 3; ++n) {
+            columns << QStringLiteral("Payment%1").arg(n + 1);
+            values << MoneyValue(r.payment[n]);
+        }
+        for (int n = 0; n < 3; ++n) {
+            columns << QStringLiteral("PenPayment%1").arg(n + 1);
+            values << MoneyValue(r.penPayment[n]);
+        }
+        for (int n = 0; n < 3; ++n) {
+            columns << QStringLiteral("Pay%1Flag").arg(n + 1);
+            values << r.payFlag[n];
+        }
+        const QString marks = QStringList(columns.size(), QStringLiteral("?")).join(u',');
+        ok = run(q,
+                 QStringLiteral("INSERT INTO TCReceipt (%1) VALUES (%2)")
+                     .arg(columns.join(QStringLiteral(", ")), marks),
+                 values, &result.error);
+    }
+    q.finish();
+    result = finish(db, ok, result);
+    if (!result.ok)
+        result.recnum.clear();
+    return result;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Voiding a receipt
+// ---------------------------------------------------------------------------------------------
+
+bool VoidMasterFlags::isEmpty() const {
+    return !cPayFlag && !tPayFlag && !sPayFlag && !payFlag[0] && !payFlag[1] && !payFlag[2];
+}
+
+VoidMasterFlags FlagsAfterVoid(const BillPayFlags& receipt, const BillPayFlags& bill) {
+    VoidMasterFlags f;
+    if (!isBlank(receipt.cPayFlag))
+        f.cPayFlag = Blank;
+    if (!isBlank(receipt.tPayFlag))
+        f.tPayFlag = Blank;
+    if (receipt.sPayFlag.trimmed() == QLatin1String("I")) {
+        // What stays paid of the installments once this receipt's ones are taken back.
+        bool anyLeft = false;
+        for (int n = 0; n < 3; ++n) {
+            if (!isBlank(receipt.payFlag[n]))
+                f.payFlag[n] = Blank;
+            else if (!isBlank(bill.payFlag[n]))
+                anyLeft = true;
+        }
+        f.sPayFlag = anyLeft ? QStringLiteral("I") : Blank;
+    } else if (!isBlank(receipt.sPayFlag)) {
+        f.sPayFlag = Blank;
+    }
+    return f;
+}
+
+bool RefundDistributed(const QString& disbNum, const QString& taxYear) {
+    return disbNum != taxYear + QStringLiteral("00");
+}
+
+VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, const QDate& today,
+                                 const QString& taxYear) {
+    VoidResult result;
+    if (!db.transaction()) {
+        result.error = db.lastError().text();
+        return result;
+    }
+    QSqlQuery q(db);
+
+    // The receipt (the first of its number) and whether it was voided before.
+    bool ok = run(q,
+                  QStringLiteral("SELECT rowid, * FROM TCReceipt WHERE Recnum = ? "
+                                 "ORDER BY rowid LIMIT 1"),
+                  {request.recnum}, &result.error);
+    qint64 rowid = 0;
+    BillPayFlags receiptFlags;
+    QString billNo;
+    if (ok && !q.next()) {
+        ok = false;
+        result.error = QStringLiteral("Receipt Number Not On File");
+    }
+    if (ok) {
+        const QSqlRecord rec = q.record();
+        rowid = rec.value(0).toLongLong();
+        receiptFlags = BillPayFlagsFromRecord(rec);
+        billNo = TextField(rec.value("BillNo"));
+        ok = run(q, QStringLiteral("SELECT count(*) FROM TCVoidReceipt WHERE Recnum = ?"),
+                 {request.recnum}, &result.error);
+        if (ok && q.next() && q.value(0).toLongLong() > 0) {
+            ok = false;
+            result.error = QStringLiteral("Receipt Has Already Been Voided");
+        }
+    }
+
+    // 1. The bill.
+    if (ok) {
+        BillPayFlags billFlags;
+        ok = run(q, QStringLiteral("SELECT * FROM TCMaster WHERE BillNo = ? LIMIT 1"), {billNo},
+                 &result.error);
+        if (ok && q.next())
+            billFlags = BillPayFlagsFromRecord(q.record());
+        const VoidMasterFlags f = FlagsAfterVoid(receiptFlags, billFlags);
+        if (ok && !f.isEmpty()) {
+            Assignments a;
+            a.setIf(QStringLiteral("CPayFlag"), f.cPayFlag);
+            a.setIf(QStringLiteral("TPayFlag"), f.tPayFlag);
+            a.setIf(QStringLiteral("SPayFlag"), f.sPayFlag);
+            for (int n = 0; n < 3; ++n)
+                a.setIf(QStringLiteral("Pay%1Flag").arg(n + 1), f.payFlag[n]);
+            a.values << billNo;
+            ok = run(q, a.sql(QStringLiteral("TCMaster"), QStringLiteral("BillNo = ?")), a.values,
+                     &result.error);
+        }
+    }
+
+    // 2. The copy, every money column negated so that it adds to any total as it stands.
+    if (ok) {
+        const TaxDatabase::TableDef* receipt = TaxDatabase::table(QStringLiteral("TCReceipt"));
+        QStringList columns;
+        QStringList expressions;
+        QVariantList values;
+        for (const TaxDatabase::ColumnDef& c : receipt->columns) {
+            columns << c.name;
+            if (c.type == TaxDatabase::ColumnType::Money) {
+                expressions << QStringLiteral("-") + c.name;
+            } else if (c.name == QLatin1String("VDate")) {
+                expressions << QStringLiteral("?");
+                values << DateValue(request.voidDate);
+            } else if (c.name.endsWith(QLatin1String("DisbNum"))) {
+                expressions << QStringLiteral("?");
+                values << SixBlanks;
+            } else {
+                expressions << c.name;
+            }
+        }
+        columns << "RCDisbNum"
+                << "RTDisbNum"
+                << "RSDisbNum"
+                << "Reason"
+                << "SysDate";
+        expressions << "CDisbNum"
+                    << "TDisbNum"
+                    << "SDisbNum"
+                    << "?"
+                    << "?";
+        values << request.reason << DateValue(today) << rowid;
+        ok = run(
+            q,
+            QStringLiteral("INSERT INTO TCVoidReceipt (%1) SELECT %2 FROM TCReceipt "
+                           "WHERE rowid = ?")
+                .arg(columns.join(QStringLiteral(", ")), expressions.join(QStringLiteral(", "))),
+            values, &result.error);
+    }
+
+    // 3. The receipt's date of voiding.
+    if (ok)
+        ok = run(q, QStringLiteral("UPDATE TCReceipt SET VDate = ? WHERE Recnum = ?"),
+                 {DateValue(today), request.recnum}, &result.error);
+
+    // 4. Its refunds, unless one of them has gone out in a distribution.
+    if (ok) {
+        ok = run(q, QStringLiteral("SELECT DisbNum FROM TCRefund WHERE RecNum = ?"),
+                 {request.recnum}, &result.error);
+        bool any = false;
+        bool distributed = false;
+        while (ok && q.next()) {
+            any = true;
+            if (RefundDistributed(TextField(q.value(0)), taxYear))
+                distributed = true;
+        }
+        if (ok && any && !distributed) {
+            ok = run(q, QStringLiteral("DELETE FROM TCRefund WHERE RecNum = ?"), {request.recnum},
+                     &result.error);
+            result.refundsRemoved = ok;
+        }
+    }
+    q.finish();
+    result = finish(db, ok, result);
+    if (!result.ok)
+        result.refundsRemoved = false;
+    return result;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Recording a refund
+// ---------------------------------------------------------------------------------------------
+
+bool AddRealEstateRefund(QSqlDatabase db, const RealEstateRefund& f, QString* error) {
+    QString why;
+    if (!db.transaction()) {
+        if (error)
+            *error = db.lastError().text();
+        return false;
+    }
+    QSqlQuery q(db);
+    bool ok = run(q,
+                  QStringLiteral("INSERT INTO TCRefund (Control, BillNo, AdjNo, RecNum, RecNumID, "
+                                 "Map3, Map4, Map5, Name, Addr1, Addr2, City, State, ZipCode, "
+                                 "ZipCode2, Desc1, Refund, DisbNum, RDate) "
+                                 "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"),
+                  {f.control, f.billNo, f.adjNo, f.recnum, f.recNumId, f.map3, f.map4, f.map5,
+                   f.name, f.addr1, f.addr2, f.city, f.state, f.zipCode, f.zipCode2, f.desc1,
+                   MoneyValue(f.refund), f.disbNum, DateValue(f.rdate)},
+                  &why);
+    q.finish();
+    if (ok && db.commit())
+        return true;
+    if (ok)
+        why = db.lastError().text();
+    db.rollback();
+    if (error)
+        *error = why;
+    return false;
+}

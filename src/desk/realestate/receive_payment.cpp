@@ -1,0 +1,1287 @@
+#include "desk/realestate/receive_payment.h"
+
+#include "core/clock.h"
+#include "core/common_values.h"
+#include "core/main_window.h"
+#include "core/messages.h"
+#include "core/session.h"
+#include "desk/realestate/receipt_writes.h"
+#include "desk/realestate/refund.h"
+#include "reports/print_output.h"
+#include "reports/print_screen.h"
+#include "reports/re_receipt.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QFocusEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QSqlQuery>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace {
+
+const char* const ReceivePaymentTitle = "Receive Payment";
+const char* const ReceiveAPaymentTitle = "Receive A Payment";
+const char16_t* const MoneyPattern = u"$###,###,##0.00";
+const char* const ClaimPhoneSetting = "TaxClaimBureauPhone";
+// Said in place of a telephone number when the office has not recorded one.
+const char* const ClaimPhoneFallback = "the county courthouse";
+
+QString moneyText(Money amount) {
+    return amount.format(MoneyPattern);
+}
+
+bool isBlank(QStringView flag) {
+    return flag.trimmed().isEmpty();
+}
+
+QLineEdit* newField(QWidget* parent, const QString& name, int maxLength = 0) {
+    auto* field = new QLineEdit(parent);
+    field->setObjectName(name);
+    if (maxLength > 0)
+        field->setMaxLength(maxLength);
+    return field;
+}
+
+// A field the screen fills and the user only reads: out of the tab order.
+QLineEdit* newShown(QWidget* parent, const QString& name, int maxLength = 0) {
+    QLineEdit* field = newField(parent, name, maxLength);
+    field->setReadOnly(true);
+    field->setFocusPolicy(Qt::NoFocus);
+    return field;
+}
+
+QLabel* newLabel(QWidget* parent, const QString& name, const QString& text) {
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+QPushButton* newButton(QWidget* parent, const QString& name, const QString& caption) {
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    return button;
+}
+
+QComboBox* newCombo(QWidget* parent, const QString& name, int maxLength) {
+    auto* combo = new QComboBox(parent);
+    combo->setObjectName(name);
+    combo->setEditable(true);
+    combo->setInsertPolicy(QComboBox::NoInsert);
+    combo->lineEdit()->setMaxLength(maxLength);
+    return combo;
+}
+
+// A label and its field side by side in a grid row.
+void addRow(QGridLayout* grid, int row, QWidget* label, QWidget* field, int column = 0) {
+    grid->addWidget(label, row, column);
+    grid->addWidget(field, row, column + 1);
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Shared helpers
+// ---------------------------------------------------------------------------------------------
+
+QString PadBillNo(const QString& typed) {
+    const QString text = typed.trimmed();
+    bool digits = !text.isEmpty();
+    for (QChar c : text)
+        if (!c.isDigit())
+            digits = false;
+    if (digits)
+        return PadFormat(text.toDouble(), "####0");
+    // An added bill ("A0001") or anything else is right-aligned as it stands.
+    return text.rightJustified(5, QLatin1Char(' '));
+}
+
+namespace {} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Building the screen
+// ---------------------------------------------------------------------------------------------
+
+frmREReceivePayment::frmREReceivePayment(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("frmREReceivePayment"));
+    setWindowTitle(QStringLiteral("Receive Real Estate Payments"));
+    buildScreen();
+    loadRates();
+    clearScreen();
+    session().LastScreenName = objectName();
+}
+
+void frmREReceivePayment::buildScreen() {
+    // Bill number and date credited.
+    txtBillNo = newField(this, QStringLiteral("txtBillNo"), 5);
+    txtAdjNo = newShown(this, QStringLiteral("txtAdjNo"), 2);
+    txtDate = newField(this, QStringLiteral("txtDate"), 10);
+    cmdDate = newButton(this, QStringLiteral("cmdDate"), QStringLiteral("Change Date"));
+    lblAdjustment = newLabel(this, QStringLiteral("lblAdjustment"), QStringLiteral("Adjustment"));
+    lblAddressChange =
+        newLabel(this, QStringLiteral("lblAddressChange"), QStringLiteral("Address Change"));
+    lblPaymentReceived =
+        newLabel(this, QStringLiteral("lblPaymentReceived"), QStringLiteral("Payment Received"));
+    for (QLabel* marker : {lblAdjustment, lblAddressChange, lblPaymentReceived})
+        marker->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold;"));
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(new QLabel(QStringLiteral("Bill #:"), this));
+    top->addWidget(txtBillNo);
+    top->addWidget(new QLabel(QStringLiteral("Adj #:"), this));
+    top->addWidget(txtAdjNo);
+    top->addSpacing(16);
+    top->addWidget(new QLabel(QStringLiteral("Date Received:"), this));
+    top->addWidget(txtDate);
+    top->addWidget(cmdDate);
+    top->addStretch();
+    top->addWidget(lblAdjustment);
+    top->addWidget(lblAddressChange);
+    top->addWidget(lblPaymentReceived);
+    txtBillNo->setMaximumWidth(80);
+    txtAdjNo->setMaximumWidth(40);
+    txtDate->setMaximumWidth(100);
+
+    // The bill as it stands.
+    auto* fraBill = new QGroupBox(QStringLiteral("Property Owner"), this);
+    fraBill->setObjectName(QStringLiteral("fraBill"));
+    txtControl = newShown(fraBill, QStringLiteral("txtControl"), 6);
+    txtName = newShown(fraBill, QStringLiteral("txtName"), 50);
+    txtCoOwner = newShown(fraBill, QStringLiteral("txtCoOwner"), 50);
+    txtAddr1 = newShown(fraBill, QStringLiteral("txtAddr1"), 50);
+    txtAddr2 = newShown(fraBill, QStringLiteral("txtAddr2"), 50);
+    txtCity = newShown(fraBill, QStringLiteral("txtCity"), 35);
+    cboState = newCombo(fraBill, QStringLiteral("cboState"), 2);
+    cboState->setFocusPolicy(Qt::NoFocus);
+    cboState->lineEdit()->setReadOnly(true);
+    txtZipCode = newShown(fraBill, QStringLiteral("txtZipCode"), 5);
+    txtZipCode2 = newShown(fraBill, QStringLiteral("txtZipCode2"), 4);
+    txtMap3 = newShown(fraBill, QStringLiteral("txtMap3"), 8);
+    txtMap4 = newShown(fraBill, QStringLiteral("txtMap4"), 6);
+    txtMap5 = newShown(fraBill, QStringLiteral("txtMap5"), 9);
+    txtDesc1 = newShown(fraBill, QStringLiteral("txtDesc1"), 50);
+    txtDesc2 = newShown(fraBill, QStringLiteral("txtDesc2"), 50);
+    txtDesc3 = newShown(fraBill, QStringLiteral("txtDesc3"), 50);
+    txtDeedBook = newShown(fraBill, QStringLiteral("txtDeedBook"), 6);
+    txtDeedPage = newShown(fraBill, QStringLiteral("txtDeedPage"), 4);
+    cboLandUse = newCombo(fraBill, QStringLiteral("cboLandUse"), 50);
+    cboLandUse->setFocusPolicy(Qt::NoFocus);
+    cboLandUse->lineEdit()->setReadOnly(true);
+    txtAcreage = newShown(fraBill, QStringLiteral("txtAcreage"), 10);
+    txtAssLand = newShown(fraBill, QStringLiteral("txtAssLand"));
+    txtAssImpr = newShown(fraBill, QStringLiteral("txtAssImpr"));
+    txtAssTotal = newShown(fraBill, QStringLiteral("txtAssTotal"));
+    txtHSExclusion = newShown(fraBill, QStringLiteral("txtHSExclusion"));
+    txtFSExclusion = newShown(fraBill, QStringLiteral("txtFSExclusion"));
+    txtExcFace = newShown(fraBill, QStringLiteral("txtExcFace"));
+    chkHFFlag = new QCheckBox(QStringLiteral("Homestead/Farmstead"), fraBill);
+    chkHFFlag->setObjectName(QStringLiteral("chkHFFlag"));
+    chkHFFlag->setFocusPolicy(Qt::NoFocus);
+    chkHFFlag->setAttribute(Qt::WA_TransparentForMouseEvents);
+
+    auto* billGrid = new QGridLayout(fraBill);
+    int row = 0;
+    addRow(billGrid, row++, new QLabel(QStringLiteral("Control #:"), fraBill), txtControl);
+    addRow(billGrid, row++, new QLabel(QStringLiteral("Name:"), fraBill), txtName);
+    addRow(billGrid, row++, new QLabel(QStringLiteral("Co-Owner:"), fraBill), txtCoOwner);
+    addRow(billGrid, row++, new QLabel(QStringLiteral("Address:"), fraBill), txtAddr1);
+    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtAddr2);
+    {
+        auto* cityRow = new QHBoxLayout;
+        cityRow->addWidget(txtCity, 3);
+        cityRow->addWidget(cboState, 1);
+        cityRow->addWidget(txtZipCode, 1);
+        cityRow->addWidget(txtZipCode2, 1);
+        billGrid->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraBill), row, 0);
+        billGrid->addLayout(cityRow, row++, 1);
+        auto* mapRow = new QHBoxLayout;
+        mapRow->addWidget(txtMap3);
+        mapRow->addWidget(txtMap4);
+        mapRow->addWidget(txtMap5);
+        billGrid->addWidget(new QLabel(QStringLiteral("Map #:"), fraBill), row, 0);
+        billGrid->addLayout(mapRow, row++, 1);
+    }
+    addRow(billGrid, row++, new QLabel(QStringLiteral("Description:"), fraBill), txtDesc1);
+    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc2);
+    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc3);
+    {
+        auto* deedRow = new QHBoxLayout;
+        deedRow->addWidget(txtDeedBook);
+        deedRow->addWidget(txtDeedPage);
+        deedRow->addWidget(new QLabel(QStringLiteral("Acres:"), fraBill));
+        deedRow->addWidget(txtAcreage);
+        billGrid->addWidget(new QLabel(QStringLiteral("Deed Bk/Pg:"), fraBill), row, 0);
+        billGrid->addLayout(deedRow, row++, 1);
+    }
+    addRow(billGrid, row++, new QLabel(QStringLiteral("Land Use:"), fraBill), cboLandUse);
+    {
+        auto* assessRow = new QHBoxLayout;
+        assessRow->addWidget(txtAssLand);
+        assessRow->addWidget(txtAssImpr);
+        assessRow->addWidget(txtAssTotal);
+        billGrid->addWidget(new QLabel(QStringLiteral("Land/Impr/Total:"), fraBill), row, 0);
+        billGrid->addLayout(assessRow, row++, 1);
+        auto* act1Row = new QHBoxLayout;
+        act1Row->addWidget(chkHFFlag);
+        act1Row->addWidget(txtHSExclusion);
+        act1Row->addWidget(txtFSExclusion);
+        act1Row->addWidget(txtExcFace);
+        billGrid->addWidget(new QLabel(QStringLiteral("Act 1:"), fraBill), row, 0);
+        billGrid->addLayout(act1Row, row++, 1);
+    }
+
+    // The three bodies.
+    auto bodyFrame = [this](const char* name, const QString& title, QCheckBox*& box,
+                            const char* boxName, const QString& caption, QLabel*& period,
+                            const char* periodName) {
+        auto* frame = new QGroupBox(title, this);
+        frame->setObjectName(QString::fromLatin1(name));
+        box = new QCheckBox(caption, frame);
+        box->setObjectName(QString::fromLatin1(boxName));
+        period = newLabel(frame, QString::fromLatin1(periodName), QString());
+        period->setStyleSheet(QStringLiteral("font-weight: bold;"));
+        return frame;
+    };
+    fraCounty = bodyFrame("fraCounty", QStringLiteral("County"), chkCounty, "chkCounty",
+                          QStringLiteral("County Payment"), lblCPeriod, "lblCPeriod");
+    fraTwp = bodyFrame("fraTwp", QStringLiteral("Twp/Boro/City"), chkTwp, "chkTwp",
+                       QStringLiteral("Twp/Boro/City Payment"), lblTPeriod, "lblTPeriod");
+    fraSchool = bodyFrame("fraSchool", QStringLiteral("School"), chkSchool, "chkSchool",
+                          QStringLiteral("School Payment"), lblSPeriod, "lblSPeriod");
+
+    lblCounty = newLabel(fraCounty, QStringLiteral("lblCounty"), QStringLiteral("County:"));
+    txtCounty = newShown(fraCounty, QStringLiteral("txtCounty"));
+    lblLibrary = newLabel(fraCounty, QStringLiteral("lblLibrary"), QStringLiteral("Library:"));
+    txtLibrary = newShown(fraCounty, QStringLiteral("txtLibrary"));
+    lblC1Face = newLabel(fraCounty, QStringLiteral("lblC1Face"), QString());
+    txtC1Face = newShown(fraCounty, QStringLiteral("txtC1Face"));
+    txtCTotal = newShown(fraCounty, QStringLiteral("txtCTotal"));
+    {
+        auto* g = new QGridLayout(fraCounty);
+        g->addWidget(chkCounty, 0, 0, 1, 2);
+        g->addWidget(lblCPeriod, 1, 0, 1, 2);
+        addRow(g, 2, lblCounty, txtCounty);
+        addRow(g, 3, lblLibrary, txtLibrary);
+        addRow(g, 4, lblC1Face, txtC1Face);
+        addRow(g, 5, new QLabel(QStringLiteral("Total:"), fraCounty), txtCTotal);
+        g->setRowStretch(6, 1);
+    }
+
+    lblTwp = newLabel(fraTwp, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
+    txtTwp = newShown(fraTwp, QStringLiteral("txtTwp"));
+    for (int i = 0; i < 3; ++i) {
+        lblSpecFace[i] = newLabel(fraTwp, QStringLiteral("lblSpecFace(%1)").arg(i + 1), QString());
+        txtSpecFace[i] = newShown(fraTwp, QStringLiteral("txtSpecFace(%1)").arg(i + 1));
+    }
+    txtTTotal = newShown(fraTwp, QStringLiteral("txtTTotal"));
+    fraStLt = new QGroupBox(QStringLiteral("Street Lights"), fraTwp);
+    fraStLt->setObjectName(QStringLiteral("fraStLt"));
+    optAll = new QRadioButton(QStringLiteral("All"), fraStLt);
+    optAll->setObjectName(QStringLiteral("optAll"));
+    optTwpOnly = new QRadioButton(QStringLiteral("Township Only"), fraStLt);
+    optTwpOnly->setObjectName(QStringLiteral("optTwpOnly"));
+    optStLtOnly = new QRadioButton(QStringLiteral("St. Lt. Only"), fraStLt);
+    optStLtOnly->setObjectName(QStringLiteral("optStLtOnly"));
+    {
+        auto* v = new QVBoxLayout(fraStLt);
+        v->addWidget(optAll);
+        v->addWidget(optTwpOnly);
+        v->addWidget(optStLtOnly);
+        auto* g = new QGridLayout(fraTwp);
+        g->addWidget(chkTwp, 0, 0, 1, 2);
+        g->addWidget(lblTPeriod, 1, 0, 1, 2);
+        addRow(g, 2, lblTwp, txtTwp);
+        for (int i = 0; i < 3; ++i)
+            addRow(g, 3 + i, lblSpecFace[i], txtSpecFace[i]);
+        addRow(g, 6, new QLabel(QStringLiteral("Total:"), fraTwp), txtTTotal);
+        g->addWidget(fraStLt, 7, 0, 1, 2);
+        g->setRowStretch(8, 1);
+    }
+
+    lblSchool = newLabel(fraSchool, QStringLiteral("lblSchool"), QStringLiteral("School:"));
+    txtSchool = newShown(fraSchool, QStringLiteral("txtSchool"));
+    lblSch1Face = newLabel(fraSchool, QStringLiteral("lblSch1Face"), QString());
+    txtSch1Face = newShown(fraSchool, QStringLiteral("txtSch1Face"));
+    txtSTotal = newShown(fraSchool, QStringLiteral("txtSTotal"));
+    fraInstallments = new QGroupBox(QStringLiteral("Installment Payments"), fraSchool);
+    fraInstallments->setObjectName(QStringLiteral("fraInstallments"));
+    {
+        auto* g = new QGridLayout(fraInstallments);
+        QCheckBox** boxes[3] = {&chkPay1, &chkPay2, &chkPay3};
+        QLineEdit** amounts[3] = {&txtPayment1, &txtPayment2, &txtPayment3};
+        QLineEdit** paid[3] = {&txtPayment1Pd, &txtPayment2Pd, &txtPayment3Pd};
+        QLineEdit** codes[3] = {&txtInstDFP1, &txtInstDFP2, &txtInstDFP3};
+        for (int n = 0; n < 3; ++n) {
+            *boxes[n] = new QCheckBox(QStringLiteral("#%1").arg(n + 1), fraInstallments);
+            (*boxes[n])->setObjectName(QStringLiteral("chkPay%1").arg(n + 1));
+            *amounts[n] = newShown(fraInstallments, QStringLiteral("txtPayment%1").arg(n + 1));
+            *paid[n] = newShown(fraInstallments, QStringLiteral("txtPayment%1Pd").arg(n + 1), 1);
+            *codes[n] = newShown(fraInstallments, QStringLiteral("txtInstDFP%1").arg(n + 1), 1);
+            (*paid[n])->setMaximumWidth(24);
+            (*codes[n])->setMaximumWidth(24);
+            g->addWidget(*boxes[n], n, 0);
+            g->addWidget(*amounts[n], n, 1);
+            g->addWidget(*paid[n], n, 2);
+            g->addWidget(*codes[n], n, 3);
+        }
+        lblInstPeriod = newLabel(fraInstallments, QStringLiteral("lblInstPeriod"), QString());
+        lblInstPeriod->setStyleSheet(QStringLiteral("font-weight: bold;"));
+        txtPaymentDate = newShown(fraInstallments, QStringLiteral("txtPaymentDate"), 10);
+        g->addWidget(lblInstPeriod, 3, 0);
+        g->addWidget(txtPaymentDate, 3, 1, 1, 3);
+    }
+    {
+        auto* g = new QGridLayout(fraSchool);
+        g->addWidget(chkSchool, 0, 0, 1, 2);
+        g->addWidget(lblSPeriod, 1, 0, 1, 2);
+        addRow(g, 2, lblSchool, txtSchool);
+        addRow(g, 3, lblSch1Face, txtSch1Face);
+        addRow(g, 4, new QLabel(QStringLiteral("Total:"), fraSchool), txtSTotal);
+        g->addWidget(fraInstallments, 5, 0, 1, 2);
+        g->setRowStretch(6, 1);
+    }
+    txtTotal = newShown(this, QStringLiteral("txtTotal"));
+
+    // The payor and the money.
+    auto* fraPayor = new QGroupBox(QStringLiteral("Payment"), this);
+    fraPayor->setObjectName(QStringLiteral("fraPayor"));
+    txtPayor = newField(fraPayor, QStringLiteral("txtPayor"), 50);
+    txtPayor->setToolTip(QStringLiteral("Enter Payor or \"O\" for Owner"));
+    txtPAddr1 = newField(fraPayor, QStringLiteral("txtPAddr1"), 50);
+    txtPAddr2 = newField(fraPayor, QStringLiteral("txtPAddr2"), 50);
+    txtPCity = newField(fraPayor, QStringLiteral("txtPCity"), 25);
+    cboPState = newCombo(fraPayor, QStringLiteral("cboPState"), 2);
+    txtPZipCode = newField(fraPayor, QStringLiteral("txtPZipCode"), 5);
+    txtPZipCode2 = newField(fraPayor, QStringLiteral("txtPZipCode2"), 4);
+    txtChecknum = newField(fraPayor, QStringLiteral("txtChecknum"), 80);
+    txtChecknum->setToolTip(QStringLiteral("Enter Check # or \"C\" for Cash"));
+    txtAmount = newField(fraPayor, QStringLiteral("txtAmount"), 20);
+    chkPrintReceipt = new QCheckBox(QStringLiteral("Print A Receipt"), fraPayor);
+    chkPrintReceipt->setObjectName(QStringLiteral("chkPrintReceipt"));
+    chkPrintReceipt->setChecked(true);
+    {
+        auto* g = new QGridLayout(fraPayor);
+        int r = 0;
+        addRow(g, r++, new QLabel(QStringLiteral("Payor:"), fraPayor), txtPayor);
+        addRow(g, r++, new QLabel(QStringLiteral("Address:"), fraPayor), txtPAddr1);
+        addRow(g, r++, new QLabel(QString(), fraPayor), txtPAddr2);
+        auto* cityRow = new QHBoxLayout;
+        cityRow->addWidget(txtPCity, 3);
+        cityRow->addWidget(cboPState, 1);
+        cityRow->addWidget(txtPZipCode, 1);
+        cityRow->addWidget(txtPZipCode2, 1);
+        g->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraPayor), r, 0);
+        g->addLayout(cityRow, r++, 1);
+        addRow(g, r++, new QLabel(QStringLiteral("Check #:"), fraPayor), txtChecknum);
+        addRow(g, r++, new QLabel(QStringLiteral("Amount:"), fraPayor), txtAmount);
+        addRow(g, r++, new QLabel(QStringLiteral("Total Due:"), fraPayor), txtTotal);
+        g->addWidget(chkPrintReceipt, r++, 1);
+    }
+
+    // Buttons.
+    cmdAccept = newButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&Accept"));
+    cmdClearScreen =
+        newButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"));
+    cmdQuery = newButton(this, QStringLiteral("cmdQuery"), QStringLiteral("&Query"));
+    cmdPaymentInfo =
+        newButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"));
+    cmdPrevPayor =
+        newButton(this, QStringLiteral("cmdPrevPayor"), QStringLiteral("Previous Pa&yor Info"));
+    cmdPrevComments =
+        newButton(this, QStringLiteral("cmdPrevComments"), QStringLiteral("Previous &Check #"));
+    cmdPrintScreen =
+        newButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"));
+    cmdExit = newButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"));
+    // These act without validating the field being left.
+    for (QPushButton* b : {cmdClearScreen, cmdQuery, cmdExit})
+        b->setFocusPolicy(Qt::NoFocus);
+    // The query screen joins later.
+    cmdQuery->setEnabled(false);
+    connect(cmdPrintScreen, &QPushButton::clicked, this,
+            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
+
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* b : {cmdAccept, cmdClearScreen, cmdPaymentInfo, cmdPrevPayor, cmdPrevComments,
+                           cmdQuery, cmdPrintScreen})
+        buttons->addWidget(b);
+    buttons->addStretch();
+    buttons->addWidget(cmdExit);
+
+    auto* bodies = new QHBoxLayout;
+    bodies->addWidget(fraCounty);
+    bodies->addWidget(fraTwp);
+    bodies->addWidget(fraSchool);
+
+    auto* middle = new QGridLayout;
+    middle->addWidget(fraBill, 0, 0);
+    middle->addWidget(fraPayor, 0, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addLayout(bodies);
+    layout->addLayout(middle);
+    layout->addLayout(buttons);
+
+    // The tab order of the entries.
+    QWidget* order[] = {txtBillNo,       txtDate,         cmdDate,     chkCounty,      chkTwp,
+                        optAll,          optTwpOnly,      optStLtOnly, chkSchool,      chkPay1,
+                        chkPay2,         chkPay3,         txtPayor,    txtPAddr1,      txtPAddr2,
+                        txtPCity,        cboPState,       txtPZipCode, txtPZipCode2,   txtChecknum,
+                        txtAmount,       chkPrintReceipt, cmdAccept,   cmdPaymentInfo, cmdPrevPayor,
+                        cmdPrevComments, cmdPrintScreen};
+    for (size_t i = 1; i < std::size(order); ++i)
+        setTabOrder(order[i - 1], order[i]);
+
+    // Field-leave actions run on focus-out; the buttons learn of a refused leave.
+    for (QWidget* w : {txtBillNo, txtDate, txtPayor, txtChecknum, txtAmount})
+        w->installEventFilter(this);
+    for (QAbstractButton* b : findChildren<QAbstractButton*>())
+        b->installEventFilter(this);
+
+    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
+        // Upper case as typed. A "*" never stays: typed alone into the empty field it is the
+        // scanner's call for the scan screen, which has no screen of its own yet.
+        const QString fixed = text.toUpper().remove(QLatin1Char('*'));
+        if (fixed == text)
+            return;
+        const int cursor = txtBillNo->cursorPosition();
+        const QSignalBlocker block(txtBillNo);
+        txtBillNo->setText(fixed);
+        txtBillNo->setCursorPosition(std::min<int>(cursor, int(fixed.size())));
+    });
+    connect(cmdDate, &QPushButton::clicked, this, [this] {
+        txtDate->setEnabled(true);
+        txtDate->setFocus(Qt::OtherFocusReason);
+        txtDate->selectAll();
+    });
+    for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
+        connect(box, &QCheckBox::clicked, this, [this] { bodyTicked(); });
+    const auto boxes = payBoxes();
+    for (int n = 0; n < 3; ++n)
+        connect(boxes[n], &QCheckBox::clicked, this,
+                [this, n](bool ticked) { installmentClicked(n, !ticked); });
+    connect(optAll, &QRadioButton::clicked, this,
+            [this] { streetLightChosen(StreetLightChoice::All); });
+    connect(optTwpOnly, &QRadioButton::clicked, this,
+            [this] { streetLightChosen(StreetLightChoice::TwpOnly); });
+    connect(optStLtOnly, &QRadioButton::clicked, this,
+            [this] { streetLightChosen(StreetLightChoice::StreetLightOnly); });
+    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
+    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
+    connect(cmdPrevPayor, &QPushButton::clicked, this, [this] { previousPayor(); });
+    connect(cmdPrevComments, &QPushButton::clicked, this, [this] { previousCheck(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+}
+
+void frmREReceivePayment::loadRates() {
+    QSqlDatabase db = session().DbConnection;
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        m_district = TextField(q.value(0));
+        m_ward = TextField(q.value(1));
+    }
+    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
+        m_countyRow = q.record();
+    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
+    q.addBindValue(m_district + m_ward);
+    if (q.exec() && q.next())
+        m_municipalRow = q.record();
+    m_calendar = PaymentCalendarFromMillfile(m_municipalRow);
+
+    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
+    q.addBindValue(m_district);
+    q.addBindValue(m_ward);
+    if (q.exec() && q.next())
+        m_btFlag = TextField(q.value(0)).trimmed();
+    if (m_btFlag == QLatin1String("B"))
+        lblTwp->setText(QStringLiteral("Borough:"));
+    else if (m_btFlag == QLatin1String("C"))
+        lblTwp->setText(QStringLiteral("City:"));
+    else
+        lblTwp->setText(QStringLiteral("Township:"));
+
+    auto rate = [](const QSqlRecord& row, const char* column) {
+        return row.value(column).toDouble();
+    };
+    const double countyMill = rate(m_countyRow, "SMR");
+    const double countySpecialMill = rate(m_countyRow, "S1MR");
+    const QString countySpecial = TextField(m_countyRow.value("S1TaxName")).trimmed();
+    const double libraryMill = rate(m_municipalRow, "LMR");
+    const double twpMill = rate(m_municipalRow, "TMR");
+    const double schoolMill = rate(m_municipalRow, "SMR");
+    const QString schoolSpecial = TextField(m_municipalRow.value("S1TaxName")).trimmed();
+
+    lblC1Face->setText(countySpecial + QLatin1Char(':'));
+    lblSch1Face->setText(schoolSpecial + QLatin1Char(':'));
+    auto show = [](bool visible, QWidget* label, QWidget* field) {
+        label->setVisible(visible);
+        field->setVisible(visible);
+    };
+    show(countyMill != 0, lblCounty, txtCounty);
+    show(libraryMill != 0, lblLibrary, txtLibrary);
+    show(!countySpecial.isEmpty(), lblC1Face, txtC1Face);
+    show(twpMill != 0, lblTwp, txtTwp);
+    show(schoolMill != 0, lblSchool, txtSchool);
+    show(!schoolSpecial.isEmpty(), lblSch1Face, txtSch1Face);
+
+    int special = 0;
+    q.prepare(QStringLiteral(
+        "SELECT Desc1 FROM Spectax WHERE District = ? AND Ward = ? ORDER BY TaxKey"));
+    q.addBindValue(m_district);
+    q.addBindValue(m_ward);
+    if (q.exec()) {
+        while (special < 3 && q.next()) {
+            lblSpecFace[special]->setText(TextField(q.value(0)).trimmed() + QLatin1Char(':'));
+            ++special;
+        }
+    }
+    for (int i = 0; i < 3; ++i)
+        show(i < special, lblSpecFace[i], txtSpecFace[i]);
+
+    m_countyBlock = countyMill != 0 || countySpecialMill != 0 || libraryMill != 0;
+    m_twpBlock = twpMill != 0;
+    m_schoolBlock = schoolMill != 0 || !schoolSpecial.isEmpty();
+    fraCounty->setVisible(m_countyBlock);
+    fraTwp->setVisible(m_twpBlock);
+    fraSchool->setVisible(m_schoolBlock);
+
+    if (q.exec(QStringLiteral("SELECT State FROM tbl_States")))
+        while (q.next())
+            cboPState->addItem(TextField(q.value(0)));
+
+    q.prepare(QStringLiteral("SELECT Value FROM tbl_Settings WHERE Name = ?"));
+    q.addBindValue(QString::fromLatin1(ClaimPhoneSetting));
+    if (q.exec() && q.next())
+        m_claimPhone = TextField(q.value(0)).trimmed();
+    if (m_claimPhone.isEmpty())
+        m_claimPhone = QString::fromLatin1(ClaimPhoneFallback);
+
+    m_credited = Clock::today();
+    txtDate->setText(FormatDate(m_credited));
+    m_periods = PeriodsForDate(m_calendar, m_credited);
+}
+
+void frmREReceivePayment::applyDefaultTicks() {
+    chkCounty->setChecked(m_countyBlock);
+    chkTwp->setChecked(m_twpBlock);
+    chkSchool->setChecked(m_schoolBlock);
+    for (QCheckBox* box : payBoxes())
+        box->setChecked(false);
+}
+
+void frmREReceivePayment::lockEntryFields() {
+    for (QWidget* w : std::initializer_list<QWidget*>{
+             txtDate,        cmdDate,      chkCounty,      chkTwp,      chkSchool, chkPay1,
+             chkPay2,        chkPay3,      txtPayor,       txtPAddr1,   txtPAddr2, txtPCity,
+             cboPState,      txtPZipCode,  txtPZipCode2,   txtChecknum, txtAmount, cmdAccept,
+             cmdPaymentInfo, cmdPrevPayor, cmdPrevComments})
+        w->setEnabled(false);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Field leave
+// ---------------------------------------------------------------------------------------------
+
+bool frmREReceivePayment::eventFilter(QObject* watched, QEvent* event) {
+    // A release that ends the click whose focus change was refused does not click.
+    if (event->type() == QEvent::MouseButtonRelease) {
+        if (auto* b = qobject_cast<QAbstractButton*>(watched);
+            b && b->property("levydeskRefusedClick").toBool()) {
+            b->setProperty("levydeskRefusedClick", false);
+            b->setDown(false);
+            return true;
+        }
+        return QWidget::eventFilter(watched, event);
+    }
+    // The amount offered is selected on entry, so what is typed replaces it.
+    if (event->type() == QEvent::FocusIn && watched == txtAmount &&
+        static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason) {
+        txtAmount->selectAll();
+        return QWidget::eventFilter(watched, event);
+    }
+    if (event->type() != QEvent::FocusOut || m_clearing || m_inLeave)
+        return QWidget::eventFilter(watched, event);
+    const auto reason = static_cast<QFocusEvent*>(event)->reason();
+    // Another window taking the focus is no leave of the field.
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
+        return QWidget::eventFilter(watched, event);
+
+    QPointer<QWidget> target = QApplication::focusWidget();
+    m_inLeave = true;
+    // A click does not act when the field it left was refused, or when leaving the date put
+    // new amounts on the screen that the collector has not seen yet.
+    bool refused = false;
+    if (watched == txtBillNo) {
+        billNoLeft();
+    } else if (watched == txtDate) {
+        const QString offered = txtAmount->text();
+        refused = !dateLeft() || txtAmount->text() != offered;
+    } else if (watched == txtPayor) {
+        payorLeft();
+    } else if (watched == txtChecknum) {
+        checknumLeft();
+    } else if (watched == txtAmount) {
+        refused = !amountLeft();
+    }
+    m_inLeave = false;
+
+    if (refused && reason == Qt::MouseFocusReason) {
+        if (auto* b = qobject_cast<QAbstractButton*>(target.data())) {
+            b->setProperty("levydeskRefusedClick", true);
+            QPointer<QAbstractButton> button(b);
+            QTimer::singleShot(0, this, [button] {
+                if (button) {
+                    button->setProperty("levydeskRefusedClick", false);
+                    button->setDown(false);
+                }
+            });
+        }
+    }
+    // A field that took the focus back never lost it, as far as it knows: it keeps the
+    // selection made for retyping.
+    if (auto* field = qobject_cast<QWidget*>(watched); field && field->hasFocus())
+        return true;
+    return QWidget::eventFilter(watched, event);
+}
+
+void frmREReceivePayment::enterBillNo(const QString& billNo) {
+    if (!txtBillNo->isEnabled())
+        return;
+    txtBillNo->setText(billNo);
+    m_inLeave = true;
+    billNoLeft();
+    m_inLeave = false;
+}
+
+void frmREReceivePayment::billNoLeft() {
+    if (txtBillNo->text().trimmed().isEmpty())
+        return;
+    const QString billNo = PadBillNo(txtBillNo->text());
+    {
+        const QSignalBlocker block(txtBillNo);
+        txtBillNo->setText(billNo);
+    }
+    BillNow bill = ReadBillAsItStands(session().DbConnection, Duplicate::RealEstate, billNo);
+    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
+        MsgBox(QStringLiteral("Bill Number Not On File"), QString::fromLatin1(ReceivePaymentTitle),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        txtBillNo->setFocus(Qt::OtherFocusReason);
+        txtBillNo->selectAll();
+        return;
+    }
+    if (!CheckBillIntegrity(bill)) {
+        clearScreen();
+        return;
+    }
+
+    m_bill = std::move(bill);
+    m_billLoaded = true;
+    m_lines = BillLinesFromRecord(m_bill.bill);
+    m_flags = BillPayFlagsFromRecord(m_bill.bill);
+    m_billInstallments = InstallmentsFromRecord(m_bill.bill);
+    showBill();
+
+    session().PaymentInfoText = RealEstatePaymentInfoText(
+        m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, billNo));
+    lblPaymentReceived->setVisible(!session().PaymentInfoText.isEmpty());
+
+    // Nothing can be taken on a bill whose every part shown is exonerated or settled. An
+    // exonerated part counts as settled, so the exoneration is told first.
+    const TaxBody bodies[3] = {TaxBody::County, TaxBody::Twp, TaxBody::School};
+    const QString flags[3] = {m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
+    bool anyVisible = false;
+    bool allExonerated = true;
+    bool allSettled = true;
+    for (int b = 0; b < 3; ++b) {
+        if (!blockVisible(bodies[b]))
+            continue;
+        anyVisible = true;
+        if (flags[b].trimmed() != QLatin1String("X"))
+            allExonerated = false;
+        if (!bodySettled(bodies[b]))
+            allSettled = false;
+    }
+    if (anyVisible && allExonerated) {
+        MsgBox(QStringLiteral("This tax bill has been exonerated. You cannot receive a payment "
+                              "on this account."),
+               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+        clearScreen();
+        return;
+    }
+    if (anyVisible && allSettled) {
+        txtAmount->clear();
+        MsgBox(QStringLiteral("This Account has already been paid in full. You cannot receive a "
+                              "payment on this account."),
+               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+        clearScreen();
+        return;
+    }
+    if (m_bill.text("TaxClaimFlag").trimmed() == QLatin1String("Y"))
+        MsgBox(QStringLiteral("There may be outstanding delinquent taxes due on this account. "
+                              "Please contact the Tax Claim Bureau at ") +
+                   m_claimPhone + QLatin1Char('.'),
+               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+
+    txtBillNo->setEnabled(false);
+    cmdAccept->setEnabled(true);
+    cmdPaymentInfo->setEnabled(true);
+    cmdDate->setEnabled(true);
+    cmdPrevPayor->setEnabled(true);
+    cmdPrevComments->setEnabled(true);
+
+    // A body settled or with nothing to pay is closed to payment.
+    QCheckBox* boxes[3] = {chkCounty, chkTwp, chkSchool};
+    for (int b = 0; b < 3; ++b) {
+        const bool closed = bodySettled(bodies[b]) || bodyZero(bodies[b]);
+        boxes[b]->setEnabled(!closed && blockVisible(bodies[b]));
+        if (closed)
+            boxes[b]->setChecked(false);
+    }
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{txtPayor, txtPAddr1, txtPAddr2, txtPCity, cboPState,
+                                         txtPZipCode, txtPZipCode2, txtChecknum, txtAmount})
+        w->setEnabled(true);
+
+    // District 39: what was paid of the split municipal part decides what is left to choose.
+    m_streetLight = StreetLightChoice::All;
+    const QString stLt = m_bill.text("StLtFlag").trimmed();
+    optAll->setEnabled(true);
+    optTwpOnly->setEnabled(true);
+    optStLtOnly->setEnabled(true);
+    if (stLt == QLatin1String("T")) {
+        optAll->setEnabled(false);
+        optTwpOnly->setEnabled(false);
+        m_streetLight = StreetLightChoice::StreetLightOnly;
+    } else if (stLt == QLatin1String("S")) {
+        optAll->setEnabled(false);
+        optStLtOnly->setEnabled(false);
+        m_streetLight = StreetLightChoice::TwpOnly;
+    }
+    updateStreetLightFrame();
+    updateDetailFields();
+    refreshAmounts();
+    txtPayor->setFocus(Qt::OtherFocusReason);
+}
+
+void frmREReceivePayment::showBill() {
+    const BillNow& b = m_bill;
+    txtAdjNo->setText(b.adjNo > 0 ? QString::number(b.adjNo) : QString());
+    txtControl->setText(b.text("Control"));
+    txtName->setText(b.text("Name"));
+    txtCoOwner->setText(b.text("CoOwner"));
+    txtAddr1->setText(b.text("Addr1"));
+    txtAddr2->setText(b.text("Addr2"));
+    txtCity->setText(b.text("City"));
+    cboState->setEditText(b.text("State"));
+    txtZipCode->setText(b.text("ZipCode"));
+    txtZipCode2->setText(b.text("ZipCode2"));
+    txtMap3->setText(b.text("Map3"));
+    txtMap4->setText(b.text("Map4"));
+    txtMap5->setText(b.text("Map5"));
+    txtDesc1->setText(b.text("Desc1"));
+    txtDesc2->setText(b.text("Desc2"));
+    txtDesc3->setText(b.text("Desc3"));
+    txtDeedBook->setText(b.text("DeedBook"));
+    txtDeedPage->setText(b.text("DeedPage"));
+    cboLandUse->setEditText(b.text("LandUse"));
+    txtAcreage->setText(b.text("Acreage"));
+    const qint64 land = b.bill.value("AssLand").toLongLong();
+    const qint64 impr = b.bill.value("AssImpr").toLongLong();
+    txtAssLand->setText(QString::number(land));
+    txtAssImpr->setText(QString::number(impr));
+    txtAssTotal->setText(QString::number(land + impr));
+    chkHFFlag->setChecked(b.text("HFFlag").trimmed() == QLatin1String("A"));
+    txtHSExclusion->setText(moneyText(b.money("HSExclusion")));
+    txtFSExclusion->setText(moneyText(b.money("FSExclusion")));
+    txtExcFace->setText(moneyText(b.money("ExcFace")));
+    lblAdjustment->setVisible(b.text("AdjFlag").trimmed() == QLatin1String("A"));
+    lblAddressChange->setVisible(b.text("CAddrFlag").trimmed() == QLatin1String("A"));
+    fraInstallments->setVisible(m_billInstallments.offered());
+}
+
+bool frmREReceivePayment::validateDate(bool showMessage) {
+    const std::optional<QDate> date = ParseTypedDate(txtDate->text());
+    if (!date) {
+        if (showMessage)
+            MsgBox(QStringLiteral("Invalid Date Received"), QStringLiteral("Enter Date Received"),
+                   MsgButtons::Ok, MsgIcon::Exclamation);
+        txtDate->setEnabled(true);
+        txtDate->setFocus(Qt::OtherFocusReason);
+        txtDate->selectAll();
+        return false;
+    }
+    m_credited = *date;
+    txtDate->setText(FormatDate(*date));
+    m_validDate = txtDate->text();
+    return true;
+}
+
+bool frmREReceivePayment::dateLeft() {
+    if (!validateDate(true))
+        return false;
+    m_periods = PeriodsForDate(m_calendar, m_credited);
+    refreshAmounts();
+    txtDate->setEnabled(false);
+    return true;
+}
+
+void frmREReceivePayment::payorLeft() {
+    if (txtPayor->text().trimmed().toUpper() == QLatin1String("O")) {
+        // The owner as the screen shows the bill now, address changes included.
+        txtPayor->setText(txtName->text());
+        txtPAddr1->setText(txtAddr1->text());
+        txtPAddr2->setText(txtAddr2->text());
+        txtPCity->setText(txtCity->text());
+        cboPState->setEditText(cboState->currentText());
+        txtPZipCode->setText(txtZipCode->text());
+        txtPZipCode2->setText(txtZipCode2->text());
+        txtChecknum->setFocus(Qt::OtherFocusReason);
+    }
+    m_validPayor = txtPayor->text();
+}
+
+bool frmREReceivePayment::validateChecknum() {
+    const QString typed = txtChecknum->text().trimmed().toUpper();
+    if (typed == QLatin1String("C"))
+        txtChecknum->setText(QStringLiteral("CASH"));
+    else if (typed == QLatin1String("CH"))
+        txtChecknum->setText(QStringLiteral("CHECK # "));
+    else if (typed == QLatin1String("MO"))
+        txtChecknum->setText(QStringLiteral("MONEY ORDER "));
+    m_validCheck = txtChecknum->text();
+    return true;
+}
+
+void frmREReceivePayment::checknumLeft() {
+    validateChecknum();
+}
+
+bool frmREReceivePayment::validateAmount() {
+    const std::optional<Money> amount = Money::parse(txtAmount->text());
+    QString problem;
+    if (!amount)
+        problem = QStringLiteral("Invalid Payment Amount");
+    else if (*amount < Money())
+        problem = QStringLiteral("Payment Amount Must Be Greater Than Zero");
+    if (!problem.isEmpty()) {
+        MsgBox(problem, QStringLiteral("Enter Payment Amount"), MsgButtons::Ok,
+               MsgIcon::Exclamation);
+        txtAmount->setFocus(Qt::OtherFocusReason);
+        txtAmount->selectAll();
+        return false;
+    }
+    // Zero passes: a bill of nothing can so be marked paid.
+    txtAmount->setText(moneyText(*amount));
+    m_validAmount = txtAmount->text();
+    return true;
+}
+
+bool frmREReceivePayment::amountLeft() {
+    return validateAmount();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Amounts, ticks and installments
+// ---------------------------------------------------------------------------------------------
+
+bool frmREReceivePayment::blockVisible(TaxBody body) const {
+    switch (body) {
+    case TaxBody::County:
+        return m_countyBlock;
+    case TaxBody::Twp:
+        return m_twpBlock;
+    case TaxBody::School:
+        return m_schoolBlock;
+    }
+    return false;
+}
+
+bool frmREReceivePayment::bodySettled(TaxBody body) const {
+    switch (body) {
+    case TaxBody::County:
+        return !isBlank(m_flags.cPayFlag);
+    case TaxBody::Twp:
+        return !isBlank(m_flags.tPayFlag);
+    case TaxBody::School: {
+        const QString s = m_flags.sPayFlag.trimmed();
+        if (s.isEmpty())
+            return false;
+        if (s != QLatin1String("I"))
+            return true;
+        for (const QString& f : m_flags.payFlag)
+            if (isBlank(f))
+                return false;
+        return true;
+    }
+    }
+    return false;
+}
+
+bool frmREReceivePayment::bodyZero(TaxBody body) const {
+    Money sum;
+    for (int i = 0; i < TaxLineCount; ++i)
+        if (BodyOfLine(i) == body)
+            sum += m_lines.line[i].face;
+    return sum.isZero();
+}
+
+PaymentSelection frmREReceivePayment::selection() const {
+    PaymentSelection s;
+    s.county = chkCounty->isChecked();
+    s.twp = chkTwp->isChecked();
+    s.school = chkSchool->isChecked();
+    s.installment = {chkPay1->isChecked(), chkPay2->isChecked(), chkPay3->isChecked()};
+    return s;
+}
+
+bool frmREReceivePayment::streetLightApplies() const {
+    return m_billLoaded && m_district == QLatin1String("39") && chkTwp->isChecked() &&
+           m_lines.line[LineSpecial3].face > Money();
+}
+
+void frmREReceivePayment::updateStreetLightFrame() {
+    fraStLt->setVisible(streetLightApplies());
+}
+
+void frmREReceivePayment::updateDetailFields() {
+    const std::pair<QCheckBox*, std::vector<QWidget*>> blocks[3] = {
+        {chkCounty, {txtCounty, txtLibrary, txtC1Face, txtCTotal, lblCPeriod}},
+        {chkTwp, {txtTwp, txtSpecFace[0], txtSpecFace[1], txtSpecFace[2], txtTTotal, lblTPeriod}},
+        {chkSchool, {txtSchool, txtSch1Face, txtSTotal, lblSPeriod}},
+    };
+    for (const auto& [box, details] : blocks)
+        for (QWidget* w : details)
+            w->setEnabled(!m_billLoaded || box->isChecked());
+    const bool school = m_billLoaded && chkSchool->isChecked() && chkSchool->isEnabled();
+    const auto boxes = payBoxes();
+    for (int n = 0; n < 3; ++n)
+        boxes[n]->setEnabled(school && !m_installments.line[n].paid &&
+                             !m_installments.line[n].pastDate);
+}
+
+void frmREReceivePayment::refreshAmounts(bool offer) {
+    lblCPeriod->setText(PeriodLabel(m_periods.county));
+    lblTPeriod->setText(PeriodLabel(m_periods.twp));
+    lblSPeriod->setText(PeriodLabel(m_periods.school));
+    if (!m_billLoaded)
+        return;
+
+    m_amounts = AmountsForPeriods(m_lines, m_periods);
+    if (streetLightApplies())
+        ApplyStreetLightChoice(m_amounts, m_streetLight);
+    QLineEdit* lineFields[TaxLineCount] = {txtCounty,      txtLibrary,     txtC1Face,
+                                           txtTwp,         txtSpecFace[0], txtSpecFace[1],
+                                           txtSpecFace[2], txtSchool,      txtSch1Face};
+    for (int i = 0; i < TaxLineCount; ++i)
+        lineFields[i]->setText(moneyText(m_amounts.line[i].amount));
+    txtCTotal->setText(moneyText(m_amounts.countyTotal()));
+    txtTTotal->setText(moneyText(m_amounts.twpTotal()));
+    txtSTotal->setText(moneyText(m_amounts.schoolTotal()));
+
+    fillInstallments();
+    updateDetailFields();
+    if (!offer)
+        return;
+    const AmountOffer o = AmountOffered(selection(), m_flags.cPayFlag, m_flags.tPayFlag,
+                                        m_flags.sPayFlag, m_amounts, m_installments);
+    const auto boxes = payBoxes();
+    for (int n = 0; n < 3; ++n)
+        boxes[n]->setChecked(o.installment[n]);
+    txtAmount->setText(moneyText(o.amount));
+    txtTotal->setText(moneyText(TotalDue(selection(), m_amounts, m_installments)));
+}
+
+void frmREReceivePayment::fillInstallments() {
+    std::array<QDate, 3> due = m_calendar.installmentDates;
+    m_installments = InstallmentsForDate(m_billInstallments, m_flags.payFlag, due, m_credited);
+    QLineEdit* paid[3] = {txtPayment1Pd, txtPayment2Pd, txtPayment3Pd};
+    QLineEdit* codes[3] = {txtInstDFP1, txtInstDFP2, txtInstDFP3};
+    const auto amounts = paymentFields();
+    for (int n = 0; n < 3; ++n) {
+        const InstallmentLine& l = m_installments.line[n];
+        amounts[n]->setText(moneyText(l.amount));
+        amounts[n]->setStyleSheet(l.pastDate ? QStringLiteral("background: #ff6060;") : QString());
+        paid[n]->setText(m_flags.payFlag[n].trimmed());
+        codes[n]->setText(l.code.isNull() ? QString() : QString(l.code));
+    }
+    lblInstPeriod->setText(m_installments.periodLabel);
+    txtPaymentDate->setText(FormatDate(m_installments.nextDate));
+}
+
+void frmREReceivePayment::bodyTicked() {
+    if (!chkSchool->isChecked())
+        for (QCheckBox* box : payBoxes())
+            box->setChecked(false);
+    updateStreetLightFrame();
+    updateDetailFields();
+    refreshAmounts();
+}
+
+void frmREReceivePayment::installmentClicked(int index, bool wasTicked) {
+    const auto boxes = payBoxes();
+    std::array<bool, 3> after{boxes[0]->isChecked(), boxes[1]->isChecked(), boxes[2]->isChecked()};
+    std::array<bool, 3> before = after;
+    before[index] = wasTicked;
+    const std::array<bool, 3> ruled =
+        ApplyInstallmentBoxRules(before, after, chkSchool->isChecked(), m_installments);
+    for (int n = 0; n < 3; ++n)
+        boxes[n]->setChecked(ruled[n]);
+    refreshAmounts();
+}
+
+void frmREReceivePayment::streetLightChosen(StreetLightChoice choice) {
+    m_streetLight = choice;
+    refreshAmounts();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Accept
+// ---------------------------------------------------------------------------------------------
+
+void frmREReceivePayment::accept() {
+    if (!m_billLoaded)
+        return;
+    // The focus moves about while the payment is checked; no field-leave action runs meanwhile.
+    m_inLeave = true;
+    acceptPayment();
+    m_inLeave = false;
+}
+
+void frmREReceivePayment::acceptPayment() {
+    const QString title = QString::fromLatin1(ReceivePaymentTitle);
+
+    // 1. Something must be paid.
+    if (!chkCounty->isChecked() && !chkTwp->isChecked() && !chkSchool->isChecked()) {
+        MsgBox(QStringLiteral("County, Twp/Boro/City and/or School Payment must be checked"), title,
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
+            if (box->isEnabled()) {
+                box->setFocus(Qt::OtherFocusReason);
+                break;
+            }
+        return;
+    }
+    // 2 to 5. A field is checked again when blank or changed since it last passed.
+    auto stale = [](QLineEdit* field, const QString& valid) {
+        return field->text().trimmed().isEmpty() || field->text() != valid;
+    };
+    if (stale(txtDate, m_validDate)) {
+        if (!validateDate(true))
+            return;
+        m_periods = PeriodsForDate(m_calendar, m_credited);
+        refreshAmounts(false);
+    }
+    if (txtPayor->text().trimmed().isEmpty()) {
+        MsgBox(QStringLiteral("Payor Must Be Specified"), QStringLiteral("Enter Payor"),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        txtPayor->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    if (stale(txtPayor, m_validPayor)) {
+        if (txtPayor->text().trimmed().toUpper() == QLatin1String("O"))
+            txtPayor->setText(txtName->text());
+        m_validPayor = txtPayor->text();
+    }
+    if (txtChecknum->text().trimmed().isEmpty()) {
+        MsgBox(QStringLiteral("Check Number/Cash Must Be Specified"),
+               QStringLiteral("Enter Check Number"), MsgButtons::Ok, MsgIcon::Exclamation);
+        txtChecknum->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    if (stale(txtChecknum, m_validCheck))
+        validateChecknum();
+    if (stale(txtAmount, m_validAmount) && !validateAmount())
+        return;
+    const Money amount = Money::parse(txtAmount->text()).value_or(Money());
+
+    // 6. The collector confirms.
+    if (MsgBox(QStringLiteral("Are you sure you want to receive this payment?"), title,
+               MsgButtons::YesNo, MsgIcon::Question) != MsgAnswer::Yes) {
+        MsgBox(QStringLiteral("Payment NOT received."), title);
+        return;
+    }
+
+    // 7. The amount against the total due.
+    const PaymentSelection sel = selection();
+    const PaymentCheck check = CheckPaymentAgainstTotal(
+        amount, TotalDue(sel, m_amounts, m_installments), m_calendar.tolerance);
+    if (check.kind == PaymentCheck::Kind::Refused) {
+        MsgBox(check.text, check.title, MsgButtons::Ok, MsgIcon::Exclamation);
+        txtAmount->setFocus(Qt::OtherFocusReason);
+        txtAmount->selectAll();
+        return;
+    }
+    if (check.asks() &&
+        MsgBox(check.text, check.title, MsgButtons::YesNo, MsgIcon::Question) != MsgAnswer::Yes) {
+        MsgBox(QString::fromLatin1(PaymentNotAppliedText), title);
+        txtAmount->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+
+    // 8. What the receipt holds, then 9 to 11, the writes.
+    PaymentChoice choice;
+    choice.selection = sel;
+    choice.periods = m_periods;
+    choice.streetLightShown = streetLightApplies();
+    choice.streetLightOption = optTwpOnly->isChecked()    ? StreetLightChoice::TwpOnly
+                               : optStLtOnly->isChecked() ? StreetLightChoice::StreetLightOnly
+                                                          : StreetLightChoice::All;
+    choice.district39 = m_district == QLatin1String("39");
+    RealEstatePosting posting = BuildRealEstatePosting(m_bill, choice, m_amounts, m_installments);
+    RealEstateReceipt& r = posting.receipt;
+    r.rdate = m_credited;
+    r.overage = check.overage;
+    r.refund = check.refund;
+    r.payor = txtPayor->text();
+    r.pAddr1 = txtPAddr1->text();
+    r.pAddr2 = txtPAddr2->text();
+    r.pCity = txtPCity->text();
+    r.pState = cboPState->currentText();
+    r.pZipCode = txtPZipCode->text();
+    r.pZipCode2 = txtPZipCode2->text();
+    r.checknum = txtChecknum->text();
+
+    const PostingResult posted =
+        PostRealEstatePayment(session().DbConnection, posting, Clock::today());
+    if (!posted.ok) {
+        MsgBox(QStringLiteral("The payment could not be saved: ") + posted.error, title,
+               MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    m_previous = {r.payor,  r.pAddr1,   r.pAddr2,    r.pCity,
+                  r.pState, r.pZipCode, r.pZipCode2, r.checknum};
+
+    // 12. The receipt.
+    if (chkPrintReceipt->isChecked())
+        printReceipt(posted.recnum);
+    // 13. Money to go back.
+    if (check.refund > Money()) {
+        session().RefundRecnum = posted.recnum;
+        session().RefundAmount = check.refund;
+        openRefund();
+    }
+    // 14. A query screen that opened this one refreshes.
+    Q_EMIT paymentReceived(posted.recnum);
+
+    // 15.
+    MsgBox(QStringLiteral("Payment Received"), title, MsgButtons::Ok, MsgIcon::Information);
+    clearScreen();
+    txtBillNo->setFocus(Qt::OtherFocusReason);
+}
+
+void frmREReceivePayment::printReceipt(const QString& recnum) {
+    // The copies question, the receipt printer and the receipt itself; the payor, owner and
+    // parcel are read from this screen's fields.
+    AskAndPrintREReceipt(this, recnum, session().DbConnection);
+}
+
+void frmREReceivePayment::openRefund() {
+    RefundSource source;
+    source.control = txtControl->text();
+    source.map3 = txtMap3->text();
+    source.map4 = txtMap4->text();
+    source.map5 = txtMap5->text();
+    source.billNo = txtBillNo->text();
+    source.adjNo = txtAdjNo->text();
+    source.payor = {txtPayor->text(),    txtPAddr1->text(),        txtPAddr2->text(),
+                    txtPCity->text(),    cboPState->currentText(), txtPZipCode->text(),
+                    txtPZipCode2->text()};
+    source.owner = {txtName->text(),    txtAddr1->text(),        txtAddr2->text(),
+                    txtCity->text(),    cboState->currentText(), txtZipCode->text(),
+                    txtZipCode2->text()};
+    auto* refund = new frmRERefund(source);
+    if (frmLevyDeskMain* main = mainWindow()) {
+        main->showScreen(refund, true);
+    } else {
+        refund->exec();
+        delete refund;
+    }
+}
+
+void frmREReceivePayment::showPaymentInfo() {
+    if (m_billLoaded)
+        session().PaymentInfoText = RealEstatePaymentInfoText(
+            m_flags, m_btFlag,
+            ReadRealEstatePaidReceipts(session().DbConnection, m_bill.text("BillNo")));
+    if (session().PaymentInfoText.isEmpty())
+        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle));
+    else
+        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
+}
+
+void frmREReceivePayment::clearScreen() {
+    m_clearing = true;
+    m_billLoaded = false;
+    m_bill = BillNow();
+    m_lines = BillLines();
+    m_flags = BillPayFlags();
+    m_billInstallments = Installments();
+    m_installments = InstallmentView();
+    m_streetLight = StreetLightChoice::All;
+
+    for (QLineEdit* field : findChildren<QLineEdit*>()) {
+        // The date credited stays for the next bill; the combo boxes' own editors are cleared
+        // with their boxes.
+        if (field == txtDate || qobject_cast<QComboBox*>(field->parentWidget()))
+            continue;
+        const QSignalBlocker block(field);
+        field->clear();
+        field->setStyleSheet(QString());
+    }
+    cboState->setEditText(QString());
+    cboLandUse->setEditText(QString());
+    cboPState->setEditText(QString());
+    cboPState->setCurrentIndex(-1);
+    chkHFFlag->setChecked(false);
+    lblInstPeriod->clear();
+    fraStLt->hide();
+    fraInstallments->hide();
+    lblAdjustment->hide();
+    lblAddressChange->hide();
+    lblPaymentReceived->hide();
+    optAll->setChecked(true);
+    for (QRadioButton* opt : {optAll, optTwpOnly, optStLtOnly})
+        opt->setEnabled(true);
+    applyDefaultTicks();
+    lockEntryFields();
+    updateDetailFields();
+    m_validDate.clear();
+    m_validPayor.clear();
+    m_validCheck.clear();
+    m_validAmount.clear();
+    // A date typed and not yet taken goes back to the one in force.
+    txtDate->setText(FormatDate(m_credited));
+    refreshAmounts();
+
+    const bool fromQuery = session().QueryOpenedScreen.contains(objectName());
+    txtBillNo->setEnabled(!fromQuery);
+    if (!fromQuery)
+        txtBillNo->setFocus(Qt::OtherFocusReason);
+    m_clearing = false;
+}
+
+void frmREReceivePayment::previousPayor() {
+    txtPayor->setText(m_previous.payor);
+    txtPAddr1->setText(m_previous.addr1);
+    txtPAddr2->setText(m_previous.addr2);
+    txtPCity->setText(m_previous.city);
+    cboPState->setEditText(m_previous.state);
+    txtPZipCode->setText(m_previous.zipCode);
+    txtPZipCode2->setText(m_previous.zipCode2);
+}
+
+void frmREReceivePayment::previousCheck() {
+    txtChecknum->setText(m_previous.checknum);
+}

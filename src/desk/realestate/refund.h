@@ -1,0 +1,71 @@
+#pragma once
+// frmRERefund: where the excess of a payment goes back, possibly split over several payees.
+// Opened modally by the payment screen after the receipt is written, for the receipt in the
+// session's RefundRecnum and the amount in RefundAmount; it closes only when all of it is
+// applied.
+
+#include "core/money.h"
+
+#include <QDialog>
+#include <QString>
+
+class QComboBox;
+class QLineEdit;
+class QPushButton;
+
+// A name and mailing address as the payment screen shows it.
+struct RefundPayee {
+    QString name, addr1, addr2, city, state, zipCode, zipCode2;
+};
+
+// What the refund screen takes from the payment screen.
+struct RefundSource {
+    QString control;
+    QString map3, map4, map5;
+    QString billNo;
+    QString adjNo;
+    RefundPayee payor;
+    RefundPayee owner;
+};
+
+class frmRERefund : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmRERefund(const RefundSource& source, QWidget* parent = nullptr);
+
+    QLineEdit* txtControl = nullptr;
+    QLineEdit* txtMap3 = nullptr;
+    QLineEdit* txtMap4 = nullptr;
+    QLineEdit* txtMap5 = nullptr;
+    QLineEdit* txtBillNo = nullptr;
+    QLineEdit* txtAdjNo = nullptr;
+    QLineEdit* txtRecnum = nullptr;
+    QLineEdit* txtName = nullptr;
+    QLineEdit* txtAddr1 = nullptr;
+    QLineEdit* txtAddr2 = nullptr;
+    QLineEdit* txtCity = nullptr;
+    QComboBox* cboState = nullptr;
+    QLineEdit* txtZipCode = nullptr;
+    QLineEdit* txtZipCode2 = nullptr;
+    QLineEdit* txtDesc1 = nullptr;
+    QLineEdit* txtRefund = nullptr;
+    QLineEdit* txtRefundLeft = nullptr;
+    QPushButton* cmdApplyRefund = nullptr;
+    QPushButton* cmdDisplayOwnersAddress = nullptr;
+
+    // Only the whole amount being applied closes the screen.
+    void reject() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void showPayee(const RefundPayee& payee);
+    void applyRefund();
+
+    RefundSource m_source;
+    Money m_left;
+    int m_recNumId = 0;
+    bool m_done = false;
+};

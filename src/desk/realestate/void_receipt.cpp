@@ -1,0 +1,483 @@
+#include "desk/realestate/void_receipt.h"
+
+#include "core/clock.h"
+#include "core/common_values.h"
+#include "core/main_window.h"
+#include "core/messages.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "desk/realestate/payment_rules.h"
+#include "desk/realestate/receipt_writes.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QEvent>
+#include <QFocusEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace {
+
+const char* const VoidTitle = "Void Receipt";
+const char16_t* const MoneyPattern = u"$###,###,##0.00";
+// The void screen's own wording of a half-finished adjustment.
+const char* const IncompleteAdjustmentOnVoid =
+    "The system has detected an incomplete adjjustment change transaction. Please got to the "
+    "UTILITIES menu and run the VERIFY DATA INTEGRITY option to correct this issue.";
+
+QLineEdit* newField(QWidget* parent, const QString& name, int maxLength = 0,
+                    bool readOnly = false) {
+    auto* field = new QLineEdit(parent);
+    field->setObjectName(name);
+    if (maxLength > 0)
+        field->setMaxLength(maxLength);
+    if (readOnly) {
+        field->setReadOnly(true);
+        field->setFocusPolicy(Qt::NoFocus);
+    }
+    return field;
+}
+
+QLabel* newLabel(QWidget* parent, const QString& name, const QString& text) {
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+} // namespace
+
+frmREVoidReceipt::frmREVoidReceipt(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("frmREVoidReceipt"));
+    setWindowTitle(QStringLiteral("Void Real Estate Receipt"));
+    buildScreen();
+    loadNames();
+    clearScreen();
+    session().LastScreenName = objectName();
+}
+
+void frmREVoidReceipt::buildScreen() {
+    txtRecnum = newField(this, QStringLiteral("txtRecnum"), 12);
+    txtVDate = newField(this, QStringLiteral("txtVDate"), 10);
+    txtReason = newField(this, QStringLiteral("txtReason"), 50);
+    txtControl = newField(this, QStringLiteral("txtControl"), 6, true);
+    txtBillNo = newField(this, QStringLiteral("txtBillNo"), 5, true);
+    txtAdjNo = newField(this, QStringLiteral("txtAdjNo"), 2, true);
+    txtMap3 = newField(this, QStringLiteral("txtMap3"), 8, true);
+    txtMap4 = newField(this, QStringLiteral("txtMap4"), 6, true);
+    txtMap5 = newField(this, QStringLiteral("txtMap5"), 9, true);
+    txtName = newField(this, QStringLiteral("txtName"), 50, true);
+    txtPayor = newField(this, QStringLiteral("txtPayor"), 50, true);
+    txtAmount = newField(this, QStringLiteral("txtAmount"), 0, true);
+    lblTendered = newLabel(this, QStringLiteral("lblTendered"), QString());
+    lblTendered->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold;"));
+
+    auto* fraLines = new QGroupBox(QStringLiteral("Amounts"), this);
+    fraLines->setObjectName(QStringLiteral("fraLines"));
+    auto line = [fraLines](const QString& name) { return newField(fraLines, name, 0, true); };
+    txtCounty = line(QStringLiteral("txtCounty"));
+    txtLibrary = line(QStringLiteral("txtLibrary"));
+    txtC1Face = line(QStringLiteral("txtC1Face"));
+    txtTwp = line(QStringLiteral("txtTwp"));
+    for (int i = 0; i < 3; ++i)
+        txtSpecFace[i] = line(QStringLiteral("txtSpecFace(%1)").arg(i + 1));
+    txtSchool = line(QStringLiteral("txtSchool"));
+    txtSch1Face = line(QStringLiteral("txtSch1Face"));
+    txtCTotal = line(QStringLiteral("txtCTotal"));
+    txtTTotal = line(QStringLiteral("txtTTotal"));
+    txtSTotal = line(QStringLiteral("txtSTotal"));
+    txtTotal = line(QStringLiteral("txtTotal"));
+    lblC1Face = newLabel(fraLines, QStringLiteral("lblC1Face"), QStringLiteral("County Special:"));
+    lblTwp = newLabel(fraLines, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
+    for (int i = 0; i < 3; ++i)
+        lblSpecFace[i] = newLabel(fraLines, QStringLiteral("lblSpecFace(%1)").arg(i + 1),
+                                  QStringLiteral("Special %1:").arg(i + 1));
+    lblSch1Face =
+        newLabel(fraLines, QStringLiteral("lblSch1Face"), QStringLiteral("School Special:"));
+    {
+        auto* g = new QGridLayout(fraLines);
+        auto cell = [g](int row, int column, QWidget* label, QWidget* field) {
+            g->addWidget(label, row, column * 2);
+            g->addWidget(field, row, column * 2 + 1);
+        };
+        cell(0, 0, new QLabel(QStringLiteral("County:"), fraLines), txtCounty);
+        cell(1, 0, new QLabel(QStringLiteral("Library:"), fraLines), txtLibrary);
+        cell(2, 0, lblC1Face, txtC1Face);
+        cell(4, 0, new QLabel(QStringLiteral("County Total:"), fraLines), txtCTotal);
+        cell(0, 1, lblTwp, txtTwp);
+        for (int i = 0; i < 3; ++i)
+            cell(1 + i, 1, lblSpecFace[i], txtSpecFace[i]);
+        cell(4, 1, new QLabel(QStringLiteral("Total:"), fraLines), txtTTotal);
+        cell(0, 2, new QLabel(QStringLiteral("School:"), fraLines), txtSchool);
+        cell(1, 2, lblSch1Face, txtSch1Face);
+        cell(4, 2, new QLabel(QStringLiteral("School Total:"), fraLines), txtSTotal);
+        cell(5, 2, new QLabel(QStringLiteral("Total:"), fraLines), txtTotal);
+    }
+
+    lblCDisbNum =
+        newLabel(this, QStringLiteral("lblCDisbNum"), QStringLiteral("County Distribution #:"));
+    lblTDisbNum =
+        newLabel(this, QStringLiteral("lblTDisbNum"), QStringLiteral("Township Distribution #:"));
+    lblSDisbNum =
+        newLabel(this, QStringLiteral("lblSDisbNum"), QStringLiteral("School Distribution #:"));
+    txtCDisbNum = newField(this, QStringLiteral("txtCDisbNum"), 6, true);
+    txtTDisbNum = newField(this, QStringLiteral("txtTDisbNum"), 6, true);
+    txtSDisbNum = newField(this, QStringLiteral("txtSDisbNum"), 6, true);
+
+    cmdAccept = new QPushButton(QStringLiteral("&Accept"), this);
+    cmdAccept->setObjectName(QStringLiteral("cmdAccept"));
+    cmdClearScreen = new QPushButton(QStringLiteral("C&lear Screen"), this);
+    cmdClearScreen->setObjectName(QStringLiteral("cmdClearScreen"));
+    cmdClearScreen->setFocusPolicy(Qt::NoFocus);
+    cmdExit = new QPushButton(QStringLiteral("E&xit"), this);
+    cmdExit->setObjectName(QStringLiteral("cmdExit"));
+    cmdExit->setFocusPolicy(Qt::NoFocus);
+
+    auto* form = new QGridLayout;
+    int row = 0;
+    auto add = [&](const QString& caption, QWidget* field, int column = 0) {
+        form->addWidget(new QLabel(caption, this), row, column);
+        form->addWidget(field, row, column + 1);
+    };
+    add(QStringLiteral("Receipt #:"), txtRecnum);
+    add(QStringLiteral("Date Voided"), txtVDate, 2);
+    ++row;
+    form->addWidget(new QLabel(QStringLiteral("Reason:"), this), row, 0);
+    form->addWidget(txtReason, row, 1, 1, 3);
+    ++row;
+    add(QStringLiteral("Control #:"), txtControl);
+    add(QStringLiteral("Bill #:"), txtBillNo, 2);
+    ++row;
+    add(QStringLiteral("Adj #:"), txtAdjNo);
+    {
+        auto* map = new QHBoxLayout;
+        map->addWidget(txtMap3);
+        map->addWidget(txtMap4);
+        map->addWidget(txtMap5);
+        form->addWidget(new QLabel(QStringLiteral("Map #:"), this), row, 2);
+        form->addLayout(map, row, 3);
+    }
+    ++row;
+    add(QStringLiteral("Name:"), txtName);
+    add(QStringLiteral("Payor:"), txtPayor, 2);
+    ++row;
+    add(QStringLiteral("Amount:"), txtAmount);
+    form->addWidget(lblTendered, row, 2, 1, 2);
+    ++row;
+    form->addWidget(lblCDisbNum, row, 0);
+    form->addWidget(txtCDisbNum, row, 1);
+    form->addWidget(lblTDisbNum, row, 2);
+    form->addWidget(txtTDisbNum, row, 3);
+    ++row;
+    form->addWidget(lblSDisbNum, row, 0);
+    form->addWidget(txtSDisbNum, row, 1);
+    form->setColumnStretch(1, 1);
+    form->setColumnStretch(3, 1);
+    txtRecnum->setMinimumWidth(120);
+    txtVDate->setMinimumWidth(100);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdAccept);
+    buttons->addWidget(cmdClearScreen);
+    buttons->addStretch();
+    buttons->addWidget(cmdExit);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(fraLines);
+    layout->addLayout(buttons);
+
+    setTabOrder(txtRecnum, txtVDate);
+    setTabOrder(txtVDate, txtReason);
+    setTabOrder(txtReason, cmdAccept);
+    for (QWidget* w : {txtRecnum, txtVDate})
+        w->installEventFilter(this);
+    cmdAccept->installEventFilter(this);
+
+    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
+    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+}
+
+void frmREVoidReceipt::loadNames() {
+    QSqlQuery q(session().DbConnection);
+    QString district;
+    QString ward;
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        district = TextField(q.value(0));
+        ward = TextField(q.value(1));
+    }
+    if (q.exec(QStringLiteral("SELECT TaxYear, S1TaxName FROM Millfile "
+                              "WHERE District || Ward = '000'")) &&
+        q.next()) {
+        m_taxYear = TextField(q.value(0)).left(4);
+        const QString name = TextField(q.value(1)).trimmed();
+        if (!name.isEmpty())
+            lblC1Face->setText(name + QLatin1Char(':'));
+    }
+    if (!session().TaxYear.isEmpty())
+        m_taxYear = session().TaxYear;
+    q.prepare(QStringLiteral("SELECT S1TaxName FROM Millfile WHERE District || Ward = ?"));
+    q.addBindValue(district + ward);
+    if (q.exec() && q.next()) {
+        const QString name = TextField(q.value(0)).trimmed();
+        if (!name.isEmpty())
+            lblSch1Face->setText(name + QLatin1Char(':'));
+    }
+    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
+    q.addBindValue(district);
+    q.addBindValue(ward);
+    QString kind;
+    if (q.exec() && q.next())
+        kind = TextField(q.value(0)).trimmed();
+    const QString word = kind == QLatin1String("B")   ? QStringLiteral("Borough")
+                         : kind == QLatin1String("C") ? QStringLiteral("City")
+                                                      : QStringLiteral("Township");
+    lblTwp->setText(word + QLatin1Char(':'));
+    lblTDisbNum->setText(word + QStringLiteral(" Distribution #:"));
+    q.prepare(QStringLiteral(
+        "SELECT Desc1 FROM Spectax WHERE District = ? AND Ward = ? ORDER BY TaxKey"));
+    q.addBindValue(district);
+    q.addBindValue(ward);
+    if (q.exec())
+        for (int i = 0; i < 3 && q.next(); ++i)
+            lblSpecFace[i]->setText(TextField(q.value(0)).trimmed() + QLatin1Char(':'));
+}
+
+bool frmREVoidReceipt::eventFilter(QObject* watched, QEvent* event) {
+    // The release that ends a click whose focus change brought a receipt on screen or was
+    // refused does not click: the collector sees the receipt before voiding it.
+    if (event->type() == QEvent::MouseButtonRelease) {
+        if (auto* b = qobject_cast<QAbstractButton*>(watched);
+            b && b->property("levydeskRefusedClick").toBool()) {
+            b->setProperty("levydeskRefusedClick", false);
+            b->setDown(false);
+            return true;
+        }
+        return QWidget::eventFilter(watched, event);
+    }
+    if (event->type() != QEvent::FocusOut || m_inLeave || m_clearing)
+        return QWidget::eventFilter(watched, event);
+    const auto reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
+        return QWidget::eventFilter(watched, event);
+    QPointer<QWidget> target = QApplication::focusWidget();
+    QPointer<frmREVoidReceipt> self(this);
+    m_inLeave = true;
+    bool cancelClick = false;
+    if (watched == txtRecnum)
+        cancelClick = recnumLeft();
+    else if (watched == txtVDate)
+        cancelClick = !vDateLeft();
+    if (!self)
+        return true;
+    m_inLeave = false;
+    if (cancelClick && reason == Qt::MouseFocusReason) {
+        if (auto* b = qobject_cast<QAbstractButton*>(target.data())) {
+            b->setProperty("levydeskRefusedClick", true);
+            QPointer<QAbstractButton> button(b);
+            QTimer::singleShot(0, this, [button] {
+                if (button) {
+                    button->setProperty("levydeskRefusedClick", false);
+                    button->setDown(false);
+                }
+            });
+        }
+    }
+    // A field that took the focus back never lost it, as far as it knows: it keeps the
+    // selection made for retyping.
+    if (auto* field = qobject_cast<QWidget*>(watched); field && field->hasFocus())
+        return true;
+    return QWidget::eventFilter(watched, event);
+}
+
+void frmREVoidReceipt::enterRecnum(const QString& recnum) {
+    txtRecnum->setText(recnum);
+    m_inLeave = true;
+    recnumLeft();
+    m_inLeave = false;
+}
+
+bool frmREVoidReceipt::recnumLeft() {
+    const QString recnum = txtRecnum->text();
+    if (recnum.trimmed().isEmpty())
+        return false;
+    const bool changed = recnum != m_shownRecnum;
+    const QString title = QString::fromLatin1(VoidTitle);
+    QSqlDatabase db = session().DbConnection;
+    QSqlQuery q(db);
+
+    // 1. The receipt, taken as typed.
+    q.prepare(QStringLiteral("SELECT * FROM TCReceipt WHERE Recnum = ? ORDER BY rowid LIMIT 1"));
+    q.addBindValue(recnum);
+    if (!q.exec() || !q.next()) {
+        MsgBox(QStringLiteral("Receipt Number Not On File"), title, MsgButtons::Ok,
+               MsgIcon::Exclamation);
+        m_shownRecnum.clear();
+        txtRecnum->setFocus(Qt::OtherFocusReason);
+        txtRecnum->selectAll();
+        return true;
+    }
+    const QSqlRecord receipt = q.record();
+
+    // 2. Voided before.
+    q.prepare(QStringLiteral("SELECT VDate FROM TCVoidReceipt WHERE Recnum = ? LIMIT 1"));
+    q.addBindValue(recnum);
+    if (q.exec() && q.next()) {
+        MsgBox(QStringLiteral("Receipt Has Already Been Voided on ") +
+                   FormatDate(DateField(q.value(0))),
+               title, MsgButtons::Ok, MsgIcon::Exclamation);
+        clearScreen();
+        return true;
+    }
+
+    // 3. A bill whose adjustment was cut off half way is not touched.
+    const QString billNo = TextField(receipt.value("BillNo"));
+    q.prepare(QStringLiteral("SELECT AdjFlag FROM TCMaster WHERE BillNo = ? LIMIT 1"));
+    q.addBindValue(billNo);
+    if (q.exec() && q.next() && FlagField(q.value(0)).trimmed() == QLatin1String("A")) {
+        q.prepare(QStringLiteral("SELECT count(*) FROM TCAdjust WHERE BillNo = ?"));
+        q.addBindValue(billNo);
+        if (q.exec() && q.next() && q.value(0).toLongLong() == 0) {
+            MsgBox(QString::fromLatin1(IncompleteAdjustmentOnVoid),
+                   QString::fromLatin1(IntegrityErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
+            CloseScreen(this);
+            return true;
+        }
+    }
+
+    // 4. Its refunds.
+    m_distributedRefunds = false;
+    q.prepare(
+        QStringLiteral("SELECT DisbNum FROM TCRefund WHERE RecNum = ? ORDER BY RecNum, RecNumID"));
+    q.addBindValue(recnum);
+    bool anyRefund = false;
+    if (q.exec()) {
+        while (q.next()) {
+            anyRefund = true;
+            if (RefundDistributed(TextField(q.value(0)), m_taxYear))
+                m_distributedRefunds = true;
+        }
+    }
+    if (m_distributedRefunds)
+        MsgBox(QStringLiteral("There are DISTRIBUTED REFUNDS with this receipt. Refunds will NOT "
+                              "be removed."),
+               title, MsgButtons::Ok, MsgIcon::Critical);
+    else if (anyRefund)
+        MsgBox(QStringLiteral("There are refunds with this receipt. Refunds will be removed."),
+               title, MsgButtons::Ok, MsgIcon::Information);
+
+    // 5. The receipt on screen: each line the sum of its three columns.
+    const QString pattern = QString::fromUtf16(MoneyPattern);
+    auto text = [&](const char* column) { return TextField(receipt.value(column)); };
+    txtControl->setText(text("Control"));
+    txtBillNo->setText(billNo);
+    txtAdjNo->setText(text("AdjNo"));
+    txtMap3->setText(text("Map3"));
+    txtMap4->setText(text("Map4"));
+    txtMap5->setText(text("Map5"));
+    txtName->setText(text("Name"));
+    txtPayor->setText(text("Payor"));
+    txtCDisbNum->setText(text("CDisbNum"));
+    txtTDisbNum->setText(text("TDisbNum"));
+    txtSDisbNum->setText(text("SDisbNum"));
+    QLineEdit* lineFields[TaxLineCount] = {txtCounty,      txtLibrary,     txtC1Face,
+                                           txtTwp,         txtSpecFace[0], txtSpecFace[1],
+                                           txtSpecFace[2], txtSchool,      txtSch1Face};
+    Money totals[3];
+    for (int i = 0; i < TaxLineCount; ++i) {
+        const Money amount = MoneyField(receipt.value(FaceColumn(i))) +
+                             MoneyField(receipt.value(DiscountColumn(i))) +
+                             MoneyField(receipt.value(PenaltyColumn(i)));
+        lineFields[i]->setText(amount.format(pattern));
+        totals[int(BodyOfLine(i))] += amount;
+    }
+    txtCTotal->setText(totals[0].format(pattern));
+    txtTTotal->setText(totals[1].format(pattern));
+    txtSTotal->setText(totals[2].format(pattern));
+    const Money lines = totals[0] + totals[1] + totals[2];
+    txtTotal->setText(lines.format(pattern));
+    const Money overage = MoneyField(receipt.value("Overage"));
+    const Money refund = MoneyField(receipt.value("Refund"));
+    txtAmount->setText((lines + overage + refund).format(pattern));
+    if (overage > Money())
+        lblTendered->setText(QStringLiteral("***  Overpayment of ") + overage.format(u"#.00") +
+                             QStringLiteral(" tendered  ***"));
+    else if (overage < Money())
+        lblTendered->setText(QStringLiteral("***  Underpayment of ") + (-overage).format(u"#.00") +
+                             QStringLiteral(" tendered  ***"));
+    else
+        lblTendered->clear();
+
+    // 6.
+    m_shownRecnum = recnum;
+    txtVDate->setText(FormatDate(Clock::today()));
+    cmdAccept->setEnabled(true);
+    if (!session().QueryOpenedScreen.contains(objectName()))
+        txtReason->setFocus(Qt::OtherFocusReason);
+    return changed;
+}
+
+bool frmREVoidReceipt::vDateLeft() {
+    if (ParseTypedDate(txtVDate->text()))
+        return true;
+    MsgBox(QStringLiteral("Invalid Date Voided"), QString::fromLatin1(VoidTitle), MsgButtons::Ok,
+           MsgIcon::Exclamation);
+    txtVDate->setFocus(Qt::OtherFocusReason);
+    txtVDate->selectAll();
+    return false;
+}
+
+void frmREVoidReceipt::accept() {
+    if (m_shownRecnum.isEmpty())
+        return;
+    m_inLeave = true;
+    if (txtReason->text().trimmed().isEmpty()) {
+        MsgBox(QStringLiteral("Reason must be specified"), QStringLiteral("Enter Reason"),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        txtReason->setFocus(Qt::OtherFocusReason);
+        m_inLeave = false;
+        return;
+    }
+    const std::optional<QDate> voided = ParseTypedDate(txtVDate->text());
+    if (!voided) {
+        vDateLeft();
+        m_inLeave = false;
+        return;
+    }
+    VoidRequest request;
+    request.recnum = m_shownRecnum;
+    request.voidDate = *voided;
+    request.reason = txtReason->text();
+    const VoidResult result =
+        VoidRealEstateReceipt(session().DbConnection, request, Clock::today(), m_taxYear);
+    m_inLeave = false;
+    if (!result.ok) {
+        MsgBox(QStringLiteral("The receipt could not be voided: ") + result.error,
+               QString::fromLatin1(VoidTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    Q_EMIT receiptVoided(request.recnum);
+    MsgBox(QStringLiteral("Receipt Voided"), QString::fromLatin1(VoidTitle), MsgButtons::Ok,
+           MsgIcon::Information);
+    clearScreen();
+}
+
+void frmREVoidReceipt::clearScreen() {
+    m_clearing = true;
+    for (QLineEdit* field : findChildren<QLineEdit*>())
+        field->clear();
+    lblTendered->clear();
+    m_shownRecnum.clear();
+    m_distributedRefunds = false;
+    cmdAccept->setEnabled(false);
+    txtRecnum->setFocus(Qt::OtherFocusReason);
+    m_clearing = false;
+}

@@ -1,0 +1,742 @@
+#include "desk/realestate/payment_rules.h"
+#include "support/test_support.h"
+
+#include "core/tax_database.h"
+
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+Money M(const char* text) {
+    return Money::parse(QString::fromLatin1(text)).value();
+}
+
+QDate D(const char* iso) {
+    return QDate::fromString(QString::fromLatin1(iso), Qt::ISODate);
+}
+
+// A bill whose every line has distinct amounts: face 100 + 10 * line, discount 2% less,
+// penalty 10% more, so a wrong column shows at once.
+BillLines sampleBill() {
+    BillLines b;
+    for (int i = 0; i < TaxLineCount; ++i) {
+        const Money face = Money::fromDollars(100 + 10 * i);
+        b.line[i] = {face - Money::fromDollars(2), face, face + Money::fromDollars(10)};
+    }
+    return b;
+}
+
+// Installments of 33.34/33.33/33.33, penalty forms 36.66 and 36.66, due 06-30, 08-31, 10-31.
+Installments sampleInstallments() {
+    Installments i;
+    i.payment = {M("33.34"), M("33.33"), M("33.33")};
+    i.penPayment = {Money(), M("36.66"), M("36.66")};
+    return i;
+}
+
+const std::array<QDate, 3> InstallmentDates{D("2013-06-30"), D("2013-08-31"), D("2013-10-31")};
+
+std::array<QString, 3> flags(const char* three) {
+    std::array<QString, 3> out;
+    for (int i = 0; i < 3; ++i)
+        out[i] = QString(QLatin1Char(three[i]));
+    return out;
+}
+
+PaidReceipt receipt(const char* recnum, const char* payor, const char* check, const char* date) {
+    PaidReceipt r;
+    r.recnum = QString::fromLatin1(recnum);
+    r.payor = QString::fromLatin1(payor);
+    r.checknum = QString::fromLatin1(check);
+    r.rdate = D(date);
+    return r;
+}
+
+} // namespace
+
+class TestPaymentRulesDesk : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void periodForDate_data();
+    void periodForDate();
+    void bodiesInDifferentFrames();
+    void calendarFromMillfile();
+    void amountsOfPeriod_data();
+    void amountsOfPeriod();
+    void streetLightChoice();
+    void municipalFlags_data();
+    void municipalFlags();
+    void installmentRule_data();
+    void installmentRule();
+    void installmentBoxes_data();
+    void installmentBoxes();
+    void amountOffered_data();
+    void amountOffered();
+    void totalDue();
+    void paymentAgainstTotal_data();
+    void paymentAgainstTotal();
+    void paymentInfoRealEstate();
+    void paymentInfoInstallments();
+    void paymentInfoExoneratedAndEmpty();
+    void paymentInfoPerCapitaQuirks();
+    void paymentInfoFromDatabase();
+};
+
+// ---------------------------------------------------------------------------------------------
+
+void TestPaymentRulesDesk::periodForDate_data() {
+    QTest::addColumn<QDate>("credited");
+    QTest::addColumn<QDate>("disc");
+    QTest::addColumn<QDate>("pen");
+    QTest::addColumn<QString>("period");
+
+    const QDate disc = D("2013-04-30");
+    const QDate pen = D("2013-07-01");
+    QTest::newRow("before discount") << D("2013-03-01") << disc << pen << "D";
+    QTest::newRow("last day of discount") << disc << disc << pen << "D";
+    QTest::newRow("day after discount") << D("2013-05-01") << disc << pen << "F";
+    QTest::newRow("day before penalty") << D("2013-06-30") << disc << pen << "F";
+    QTest::newRow("first day of penalty") << pen << disc << pen << "P";
+    QTest::newRow("long after the last day") << D("2014-03-01") << disc << pen << "P";
+    // With the penalty the day after the discount there is no face period at all.
+    QTest::newRow("no face: last discount day") << disc << disc << disc.addDays(1) << "D";
+    QTest::newRow("no face: next day") << disc.addDays(1) << disc << disc.addDays(1) << "P";
+    QTest::newRow("no discount date") << D("2013-01-01") << QDate() << pen << "F";
+    QTest::newRow("no penalty date") << D("2014-01-01") << disc << QDate() << "F";
+}
+
+void TestPaymentRulesDesk::periodForDate() {
+    QFETCH(QDate, credited);
+    QFETCH(QDate, disc);
+    QFETCH(QDate, pen);
+    QFETCH(QString, period);
+    const QChar letter = PeriodForDate(credited, {disc, pen});
+    QCOMPARE(QString(letter), period);
+    const QString label = period == u"D" ? "DISCOUNT" : period == u"F" ? "FACE" : "PENALTY";
+    QCOMPARE(PeriodLabel(letter), label);
+}
+
+void TestPaymentRulesDesk::bodiesInDifferentFrames() {
+    PaymentCalendar c;
+    c.early = {D("2013-04-30"), D("2013-07-01")};
+    c.late = {D("2013-09-30"), D("2013-12-01")};
+    c.countyEarly = true;
+    c.twpEarly = false;
+    c.schoolEarly = true;
+
+    // Between the early and the late discount date: the early bodies are at face.
+    PaymentPeriods p = PeriodsForDate(c, D("2013-05-15"));
+    QCOMPARE(p.county, QChar(u'F'));
+    QCOMPARE(p.twp, QChar(u'D'));
+    QCOMPARE(p.school, QChar(u'F'));
+    // Early penalty, late discount.
+    p = PeriodsForDate(c, D("2013-08-01"));
+    QCOMPARE(p.county, QChar(u'P'));
+    QCOMPARE(p.twp, QChar(u'D'));
+    // County at discount, school at face on one date.
+    c.schoolEarly = false;
+    c.late = {D("2013-03-31"), D("2013-12-01")};
+    p = PeriodsForDate(c, D("2013-04-15"));
+    QCOMPARE(p.county, QChar(u'D'));
+    QCOMPARE(p.school, QChar(u'F'));
+}
+
+void TestPaymentRulesDesk::calendarFromMillfile() {
+    TempTaxDatabase t;
+    QVERIFY(t.exec("INSERT INTO Millfile (District, Ward, BillCounty, BillTwp, BillSchool, "
+                   "DiscDate, PenDate, LateDiscDate, LatePenDate, Payment1Date, "
+                   "LatePayment1Date, LatePayment2Date, LatePayment3Date, Tolerance) VALUES "
+                   "('12', '3', 'E', 'L', ' ', '2013-04-30', '2013-07-01', '2013-09-30', "
+                   "'2013-12-01', '2013-01-01', '2013-06-30', '2013-08-31', '2013-10-31', 25000)"));
+    QSqlQuery q(t.db());
+    QVERIFY(q.exec("SELECT * FROM Millfile") && q.next());
+    const PaymentCalendar c = PaymentCalendarFromMillfile(q.record());
+    QVERIFY(c.countyEarly);
+    QVERIFY(!c.twpEarly);
+    QVERIFY(!c.schoolEarly); // anything but E is late
+    QCOMPARE(c.early.discDate, D("2013-04-30"));
+    QCOMPARE(c.late.penDate, D("2013-12-01"));
+    // The late installment dates, whatever the frame.
+    QCOMPARE(c.installmentDates[0], D("2013-06-30"));
+    QCOMPARE(c.installmentDates[2], D("2013-10-31"));
+    QCOMPARE(c.tolerance, M("2.50"));
+
+    // A Null tolerance counts as zero.
+    QVERIFY(t.exec("UPDATE Millfile SET Tolerance = NULL"));
+    QVERIFY(q.exec("SELECT * FROM Millfile") && q.next());
+    QCOMPARE(PaymentCalendarFromMillfile(q.record()).tolerance, Money());
+}
+
+// ---------------------------------------------------------------------------------------------
+
+void TestPaymentRulesDesk::amountsOfPeriod_data() {
+    QTest::addColumn<QString>("periods"); // county, twp, school
+    QTest::addColumn<QString>("countyTotal");
+    QTest::addColumn<QString>("twpTotal");
+    QTest::addColumn<QString>("schoolTotal");
+
+    // Faces: county 100+110+120, twp 130+140+150+160, school 170+180.
+    QTest::newRow("all face") << "FFF"
+                              << "330.00"
+                              << "580.00"
+                              << "350.00";
+    QTest::newRow("all discount") << "DDD"
+                                  << "324.00"
+                                  << "572.00"
+                                  << "346.00";
+    QTest::newRow("all penalty") << "PPP"
+                                 << "360.00"
+                                 << "620.00"
+                                 << "370.00";
+    QTest::newRow("one each") << "DFP"
+                              << "324.00"
+                              << "580.00"
+                              << "370.00";
+}
+
+void TestPaymentRulesDesk::amountsOfPeriod() {
+    QFETCH(QString, periods);
+    QFETCH(QString, countyTotal);
+    QFETCH(QString, twpTotal);
+    QFETCH(QString, schoolTotal);
+
+    const PaymentPeriods p{periods[0], periods[1], periods[2]};
+    const PeriodAmounts a = AmountsForPeriods(sampleBill(), p);
+    QCOMPARE(a.countyTotal().toPlain(), countyTotal);
+    QCOMPARE(a.twpTotal().toPlain(), twpTotal);
+    QCOMPARE(a.schoolTotal().toPlain(), schoolTotal);
+    QCOMPARE(a.total(), a.countyTotal() + a.twpTotal() + a.schoolTotal());
+
+    // Every line: the face as billed, the one difference of its period, and the amount equal
+    // to face plus differences (what a receipt adds up to).
+    for (int i = 0; i < TaxLineCount; ++i) {
+        const LineTake& l = a.line[i];
+        const QChar period = BodyOfLine(i) == TaxBody::County ? p.county
+                             : BodyOfLine(i) == TaxBody::Twp  ? p.twp
+                                                              : p.school;
+        QCOMPARE(l.face, Money::fromDollars(100 + 10 * i));
+        QCOMPARE(l.discountDiff, period == u'D' ? Money::fromDollars(-2) : Money());
+        QCOMPARE(l.penaltyDiff, period == u'P' ? Money::fromDollars(10) : Money());
+        QCOMPARE(l.amount, l.face + l.discountDiff + l.penaltyDiff);
+    }
+}
+
+void TestPaymentRulesDesk::streetLightChoice() {
+    const PeriodAmounts all = AmountsForPeriods(sampleBill(), {u'F', u'D', u'F'});
+    PeriodAmounts twpOnly = all;
+    ApplyStreetLightChoice(twpOnly, StreetLightChoice::TwpOnly);
+    QCOMPARE(twpOnly.line[LineSpecial3], LineTake());
+    QCOMPARE(twpOnly.line[LineTwp], all.line[LineTwp]);
+    QCOMPARE(twpOnly.twpTotal(), all.twpTotal() - all.line[LineSpecial3].amount);
+    QCOMPARE(twpOnly.countyTotal(), all.countyTotal());
+
+    PeriodAmounts lights = all;
+    ApplyStreetLightChoice(lights, StreetLightChoice::StreetLightOnly);
+    QCOMPARE(lights.twpTotal(), all.line[LineSpecial3].amount);
+    QCOMPARE(lights.line[LineSpecial1], LineTake());
+    QCOMPARE(lights.schoolTotal(), all.schoolTotal());
+}
+
+void TestPaymentRulesDesk::municipalFlags_data() {
+    QTest::addColumn<bool>("ticked");
+    QTest::addColumn<bool>("split");
+    QTest::addColumn<int>("choice");
+    QTest::addColumn<QString>("before");
+    // TPayFlag, TwpPaidFlag, StLtPaidFlag ("-" not written), then StLtFlag.
+    QTest::addColumn<QString>("flags");
+
+    const int all = int(StreetLightChoice::All);
+    const int twp = int(StreetLightChoice::TwpOnly);
+    const int lights = int(StreetLightChoice::StreetLightOnly);
+    QTest::newRow("twp only, nothing paid") << true << true << twp << " "
+                                            << " D T";
+    QTest::newRow("twp only after lights") << true << true << twp << "S"
+                                           << "DD  ";
+    QTest::newRow("lights only, nothing paid") << true << true << lights << " "
+                                               << "  DS";
+    QTest::newRow("lights only after twp") << true << true << lights << "T"
+                                           << "D D ";
+    QTest::newRow("all") << true << true << all << " "
+                         << "DDD ";
+    QTest::newRow("all with twp paid") << true << true << all << "T"
+                                       << "DDD ";
+    QTest::newRow("no split") << true << false << twp << "T"
+                              << "D   ";
+    QTest::newRow("not ticked") << false << true << all << "T"
+                                << "--- ";
+}
+
+void TestPaymentRulesDesk::municipalFlags() {
+    QFETCH(bool, ticked);
+    QFETCH(bool, split);
+    QFETCH(int, choice);
+    QFETCH(QString, before);
+    QFETCH(QString, flags);
+    const MunicipalPayFlags f =
+        MunicipalFlagsForPayment(ticked, split, StreetLightChoice(choice), before, u'D');
+    auto shown = [](const std::optional<QString>& v) { return v ? *v : QStringLiteral("-"); };
+    QCOMPARE(shown(f.tPayFlag) + shown(f.twpPaidFlag) + shown(f.stLtPaidFlag) + f.stLtFlag, flags);
+}
+
+// ---------------------------------------------------------------------------------------------
+
+void TestPaymentRulesDesk::installmentRule_data() {
+    QTest::addColumn<QString>("payFlags");
+    QTest::addColumn<QDate>("credited");
+    // Per installment: amount, code ("-" none), label ("-" none).
+    QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<QString>("nextLabel");
+    QTest::addColumn<QDate>("nextDate");
+
+    QTest::newRow("all unpaid, on the first date")
+        << "   " << D("2013-06-30") << QStringList{"33.34 F FACE", "33.33 F FACE", "33.33 F FACE"}
+        << "FACE" << D("2013-06-30");
+    QTest::newRow("first past its date")
+        << "   " << D("2013-07-01")
+        << QStringList{"33.34 - PAST DATE!", "33.33 F FACE", "33.33 F FACE"} << "PAST DATE!"
+        << D("2013-06-30");
+    QTest::newRow("first paid, second on its date")
+        << "F  " << D("2013-08-31") << QStringList{"33.34 F -", "33.33 F FACE", "33.33 F FACE"}
+        << "FACE" << D("2013-08-31");
+    QTest::newRow("first paid, second past its date")
+        << "F  " << D("2013-09-01") << QStringList{"33.34 F -", "36.66 P PENALTY", "33.33 F FACE"}
+        << "PENALTY" << D("2013-08-31");
+    QTest::newRow("second paid at penalty, third late")
+        << "FP " << D("2013-11-01") << QStringList{"33.34 F -", "36.66 P -", "36.66 P PENALTY"}
+        << "PENALTY" << D("2013-10-31");
+    QTest::newRow("all paid") << "FFP" << D("2013-12-01")
+                              << QStringList{"33.34 F -", "33.33 F -", "36.66 P -"}
+                              << "PAID IN FULL" << QDate();
+}
+
+void TestPaymentRulesDesk::installmentRule() {
+    QFETCH(QString, payFlags);
+    QFETCH(QDate, credited);
+    QFETCH(QStringList, expected);
+    QFETCH(QString, nextLabel);
+    QFETCH(QDate, nextDate);
+
+    const InstallmentView v = InstallmentsForDate(
+        sampleInstallments(), flags(payFlags.toLatin1().constData()), InstallmentDates, credited);
+    for (int n = 0; n < 3; ++n) {
+        const InstallmentLine& l = v.line[n];
+        const QString seen = l.amount.toPlain() + u' ' +
+                             (l.code.isNull() ? QStringLiteral("-") : QString(l.code)) + u' ' +
+                             (l.label.isEmpty() ? QStringLiteral("-") : l.label);
+        QCOMPARE(seen, expected[n]);
+        QCOMPARE(l.paid, payFlags[n] != u' ');
+        QCOMPARE(l.face, sampleInstallments().payment[n]);
+        // A receipt's PenPaymentN: penalty minus face when taken at penalty.
+        QCOMPARE(l.penaltyDiff, l.code == u'P' ? M("3.33") : Money());
+    }
+    QCOMPARE(v.periodLabel, nextLabel);
+    QCOMPARE(v.nextDate, nextDate);
+}
+
+void TestPaymentRulesDesk::installmentBoxes_data() {
+    QTest::addColumn<QString>("payFlags");
+    QTest::addColumn<QDate>("credited");
+    QTest::addColumn<bool>("school");
+    QTest::addColumn<QString>("before"); // ticks as "101"
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<QString>("ruled");
+
+    const QDate early = D("2013-06-01");
+    QTest::newRow("first alone") << "   " << early << true << "000"
+                                 << "100"
+                                 << "100";
+    QTest::newRow("second needs the first") << "   " << early << true << "000"
+                                            << "010"
+                                            << "000";
+    QTest::newRow("first and second") << "   " << early << true << "100"
+                                      << "110"
+                                      << "110";
+    QTest::newRow("third needs the second") << "   " << early << true << "100"
+                                            << "101"
+                                            << "100";
+    QTest::newRow("first off takes the rest") << "   " << early << true << "111"
+                                              << "011"
+                                              << "000";
+    QTest::newRow("second off takes the third") << "   " << early << true << "111"
+                                                << "101"
+                                                << "100";
+    QTest::newRow("first paid: second alone") << "F  " << early << true << "000"
+                                              << "010"
+                                              << "010";
+    QTest::newRow("first paid: third needs second") << "F  " << early << true << "000"
+                                                    << "001"
+                                                    << "000";
+    QTest::newRow("paid box goes off") << "F  " << early << true << "000"
+                                       << "110"
+                                       << "010";
+    QTest::newRow("school off") << "   " << early << false << "000"
+                                << "100"
+                                << "000";
+    QTest::newRow("first past its date") << "   " << D("2013-07-15") << true << "000"
+                                         << "110"
+                                         << "000";
+}
+
+void TestPaymentRulesDesk::installmentBoxes() {
+    QFETCH(QString, payFlags);
+    QFETCH(QDate, credited);
+    QFETCH(bool, school);
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    QFETCH(QString, ruled);
+    auto ticks = [](const QString& s) {
+        return std::array<bool, 3>{s[0] == u'1', s[1] == u'1', s[2] == u'1'};
+    };
+    const InstallmentView v = InstallmentsForDate(
+        sampleInstallments(), flags(payFlags.toLatin1().constData()), InstallmentDates, credited);
+    const std::array<bool, 3> r = ApplyInstallmentBoxRules(ticks(before), ticks(after), school, v);
+    QCOMPARE(QString("%1%2%3").arg(int(r[0])).arg(int(r[1])).arg(int(r[2])), ruled);
+}
+
+// ---------------------------------------------------------------------------------------------
+
+void TestPaymentRulesDesk::amountOffered_data() {
+    QTest::addColumn<QString>("boxes");     // county, twp, school ticked
+    QTest::addColumn<QString>("billFlags"); // C, T, S
+    QTest::addColumn<QString>("payFlags");
+    QTest::addColumn<QString>("ticked"); // installment ticks
+    QTest::addColumn<QString>("amount");
+    QTest::addColumn<QString>("tickedAfter");
+
+    // At face: county 330, twp 580, school 350; installments 33.34/33.33/33.33 (on time).
+    QTest::newRow("everything") << "111"
+                                << "   "
+                                << "   "
+                                << "000"
+                                << "1260.00"
+                                << "000";
+    QTest::newRow("county only") << "100"
+                                 << "   "
+                                 << "   "
+                                 << "000"
+                                 << "330.00"
+                                 << "000";
+    QTest::newRow("county paid offers nothing") << "100"
+                                                << "F  "
+                                                << "   "
+                                                << "000"
+                                                << "0.00"
+                                                << "000";
+    QTest::newRow("first installment ticked") << "001"
+                                              << "   "
+                                              << "   "
+                                              << "100"
+                                              << "33.34"
+                                              << "100";
+    QTest::newRow("two installments ticked") << "001"
+                                             << "   "
+                                             << "   "
+                                             << "110"
+                                             << "66.67"
+                                             << "110";
+    QTest::newRow("next installment by itself") << "001"
+                                                << "  I"
+                                                << "F  "
+                                                << "000"
+                                                << "33.33"
+                                                << "010";
+    QTest::newRow("third by itself") << "011"
+                                     << "  I"
+                                     << "FF "
+                                     << "000"
+                                     << "613.33"
+                                     << "001";
+    QTest::newRow("paying by installments, none paid") << "001"
+                                                       << "  I"
+                                                       << "   "
+                                                       << "000"
+                                                       << "350.00"
+                                                       << "000";
+}
+
+void TestPaymentRulesDesk::amountOffered() {
+    QFETCH(QString, boxes);
+    QFETCH(QString, billFlags);
+    QFETCH(QString, payFlags);
+    QFETCH(QString, ticked);
+    QFETCH(QString, amount);
+    QFETCH(QString, tickedAfter);
+
+    PaymentSelection sel;
+    sel.county = boxes[0] == u'1';
+    sel.twp = boxes[1] == u'1';
+    sel.school = boxes[2] == u'1';
+    sel.installment = {ticked[0] == u'1', ticked[1] == u'1', ticked[2] == u'1'};
+    const PeriodAmounts a = AmountsForPeriods(sampleBill(), {u'F', u'F', u'F'});
+    const InstallmentView v =
+        InstallmentsForDate(sampleInstallments(), flags(payFlags.toLatin1().constData()),
+                            InstallmentDates, D("2013-06-01"));
+    const AmountOffer o =
+        AmountOffered(sel, billFlags.mid(0, 1), billFlags.mid(1, 1), billFlags.mid(2, 1), a, v);
+    QCOMPARE(o.amount.toPlain(), amount);
+    QCOMPARE(QString("%1%2%3")
+                 .arg(int(o.installment[0]))
+                 .arg(int(o.installment[1]))
+                 .arg(int(o.installment[2])),
+             tickedAfter);
+}
+
+void TestPaymentRulesDesk::totalDue() {
+    const PeriodAmounts a = AmountsForPeriods(sampleBill(), {u'D', u'F', u'P'});
+    const InstallmentView late =
+        InstallmentsForDate(sampleInstallments(), flags("F  "), InstallmentDates, D("2013-09-15"));
+    PaymentSelection sel;
+    sel.county = true;
+    sel.school = true;
+    QCOMPARE(TotalDue(sel, a, late).toPlain(), QStringLiteral("694.00")); // 324 + 370
+    // With installments ticked the school part is the ticked ones, penalty form included.
+    sel.installment = {false, true, true};
+    QCOMPARE(TotalDue(sel, a, late).toPlain(), QStringLiteral("393.99")); // 324 + 36.66 + 33.33
+    sel = {};
+    QCOMPARE(TotalDue(sel, a, late), Money());
+}
+
+void TestPaymentRulesDesk::paymentAgainstTotal_data() {
+    QTest::addColumn<QString>("amount");
+    QTest::addColumn<QString>("tolerance");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("overage");
+    QTest::addColumn<QString>("refund");
+
+    using K = PaymentCheck::Kind;
+    // The total due is 1,250.00 throughout.
+    QTest::newRow("refund above tolerance") << "1300.00"
+                                            << "2.00" << int(K::Refund) << "Apply Refund"
+                                            << "Do you want to apply a refund of $50.00 ?"
+                                            << "0.00"
+                                            << "50.00";
+    QTest::newRow("refund with thousands") << "2500.01"
+                                           << "0" << int(K::Refund) << "Apply Refund"
+                                           << "Do you want to apply a refund of $1,250.01 ?"
+                                           << "0.00"
+                                           << "1250.01";
+    QTest::newRow("overage within tolerance") << "1251.50"
+                                              << "2.00" << int(K::Overage) << "Apply Overage"
+                                              << "Do you want to apply an overage of  $1.50 ?"
+                                              << "1.50"
+                                              << "0.00";
+    QTest::newRow("overage at the tolerance") << "1252.00"
+                                              << "2.00" << int(K::Overage) << "Apply Overage"
+                                              << "Do you want to apply an overage of  $2.00 ?"
+                                              << "2.00"
+                                              << "0.00";
+    QTest::newRow("exact") << "1250.00"
+                           << "0" << int(K::Exact) << ""
+                           << ""
+                           << "0.00"
+                           << "0.00";
+    QTest::newRow("underage within tolerance") << "1249.50"
+                                               << "2.00" << int(K::Underage) << "Apply Overage"
+                                               << "Do you want to apply an underage of  -$0.50 ?"
+                                               << "-0.50"
+                                               << "0.00";
+    QTest::newRow("underage at the tolerance") << "1248.00"
+                                               << "2.00" << int(K::Underage) << "Apply Overage"
+                                               << "Do you want to apply an underage of  -$2.00 ?"
+                                               << "-2.00"
+                                               << "0.00";
+    QTest::newRow("short beyond tolerance") << "1247.99"
+                                            << "2.00" << int(K::Refused) << "Receive Payment"
+                                            << "Payment must be within $2.00 of total due."
+                                            << "0.00"
+                                            << "0.00";
+    QTest::newRow("one cent short, no tolerance") << "1249.99"
+                                                  << "0" << int(K::Refused) << "Receive Payment"
+                                                  << "Payment must be within $.00 of total due."
+                                                  << "0.00"
+                                                  << "0.00";
+    QTest::newRow("one cent over, no tolerance") << "1250.01"
+                                                 << "0" << int(K::Refund) << "Apply Refund"
+                                                 << "Do you want to apply a refund of $0.01 ?"
+                                                 << "0.00"
+                                                 << "0.01";
+    QTest::newRow("large tolerance shown in two digits")
+        << "1100.00"
+        << "25.00" << int(K::Refused) << "Receive Payment"
+        << "Payment must be within $25.00 of total due."
+        << "0.00"
+        << "0.00";
+}
+
+void TestPaymentRulesDesk::paymentAgainstTotal() {
+    QFETCH(QString, amount);
+    QFETCH(QString, tolerance);
+    QFETCH(int, kind);
+    QFETCH(QString, title);
+    QFETCH(QString, text);
+    QFETCH(QString, overage);
+    QFETCH(QString, refund);
+
+    const PaymentCheck c =
+        CheckPaymentAgainstTotal(*Money::parse(amount), M("1250.00"), *Money::parse(tolerance));
+    QCOMPARE(int(c.kind), kind);
+    QCOMPARE(c.title, title);
+    QCOMPARE(c.text, text);
+    QCOMPARE(c.overage.toPlain(), overage);
+    QCOMPARE(c.refund.toPlain(), refund);
+    QCOMPARE(c.asks(), kind == int(PaymentCheck::Kind::Refund) ||
+                           kind == int(PaymentCheck::Kind::Overage) ||
+                           kind == int(PaymentCheck::Kind::Underage));
+}
+
+// ---------------------------------------------------------------------------------------------
+
+void TestPaymentRulesDesk::paymentInfoRealEstate() {
+    BillPayFlags bill;
+    bill.cPayFlag = "D";
+    bill.tPayFlag = "F";
+    bill.sPayFlag = "P";
+
+    // The county on two receipts (a later one wins), the rest on one.
+    PaidReceipt first = receipt("201304150001", "JOHN DOE", "101", "2013-04-15");
+    first.cPayFlag = "D";
+    first.countyAmount = M("99.00");
+    PaidReceipt second = receipt("201308010007", "MARY DOE", "CASH", "2013-08-01");
+    second.cPayFlag = "D";
+    second.tPayFlag = "F";
+    second.sPayFlag = "P";
+    second.countyAmount = M("294.00");
+    second.twpAmount = M("1580.00");
+    second.schoolAmount = M("1234.56");
+
+    const QString text = RealEstatePaymentInfoText(bill, u"B", {first, second});
+    const QString expected = "The COUNTY portion of this bill has been paid in full at DISCOUNT.\n"
+                             "          Paid By: MARY DOE\n"
+                             "          Receipt #: 201308010007 - Check #: CASH\n"
+                             "          Date Credited: 08/01/2013 - Amount Paid: $294.00\n"
+                             "\n"
+                             "The BOROUGH portion of this bill has been paid in full at FACE.\n"
+                             "          Paid By: MARY DOE\n"
+                             "          Receipt #: 201308010007 - Check #: CASH\n"
+                             "          Date Credited: 08/01/2013 - Amount Paid: $1,580.00\n"
+                             "\n"
+                             "The SCHOOL portion of this bill has been paid in full at PENALTY.\n"
+                             "          Paid By: MARY DOE\n"
+                             "          Receipt #: 201308010007 - Check #: CASH\n"
+                             "          Date Credited: 08/01/2013 - Amount Paid: $1,234.56\n"
+                             "\n"
+                             "TOTAL PAID: $3,108.56";
+    QCOMPARE(text, expected);
+
+    // A body not paid has no block, and the kind follows BTFlag.
+    bill.cPayFlag = " ";
+    bill.sPayFlag = " ";
+    const QString city = RealEstatePaymentInfoText(bill, u"C", {first, second});
+    QVERIFY(city.startsWith("The CITY portion of this bill has been paid in full at FACE."));
+    QVERIFY(city.endsWith("TOTAL PAID: $1,580.00"));
+    QCOMPARE(MunicipalKind(u"T"), QStringLiteral("TOWNSHIP"));
+}
+
+void TestPaymentRulesDesk::paymentInfoInstallments() {
+    BillPayFlags bill;
+    bill.sPayFlag = "I";
+    bill.payFlag = flags("FP ");
+    PaidReceipt one = receipt("201306010001", "A PAYOR", "11", "2013-06-01");
+    one.sPayFlag = "I";
+    one.payFlag = flags("F  ");
+    one.payment = {M("33.34"), Money(), Money()};
+    PaidReceipt two = receipt("201309020002", "B PAYOR", "12", "2013-09-02");
+    two.sPayFlag = "I";
+    two.payFlag = flags(" P ");
+    two.payment = {Money(), M("33.33"), Money()};
+    two.penPayment = {Money(), M("3.33"), Money()};
+
+    const QString text = RealEstatePaymentInfoText(bill, u"T", {one, two});
+    const QString expected =
+        "The SCHOOL PAYMENT #1 portion of this bill has been paid at FACE.\n"
+        "          Paid By: A PAYOR\n"
+        "          Receipt #: 201306010001 - Check #: 11\n"
+        "          Date Credited: 06/01/2013 - Amount Paid: $33.34\n"
+        "\n"
+        "The SCHOOL PAYMENT #2 portion of this bill has been paid at PENALTY.\n"
+        "          Paid By: B PAYOR\n"
+        "          Receipt #: 201309020002 - Check #: 12\n"
+        "          Date Credited: 09/02/2013 - Amount Paid: $36.66\n"
+        "\n"
+        "TOTAL PAID: $70.00";
+    QCOMPARE(text, expected);
+}
+
+void TestPaymentRulesDesk::paymentInfoExoneratedAndEmpty() {
+    BillPayFlags bill;
+    QCOMPARE(RealEstatePaymentInfoText(bill, u"T", {}), QString());
+    bill.cPayFlag = "X";
+    bill.tPayFlag = "X";
+    bill.sPayFlag = "X";
+    QCOMPARE(RealEstatePaymentInfoText(bill, u"T", {}),
+             QStringLiteral("The COUNTY portion of this bill has been exonerated.\n\n"
+                            "The TOWNSHIP portion of this bill has been exonerated.\n\n"
+                            "The SCHOOL portion of this bill has been exonerated.\n\n"
+                            "TOTAL PAID: $.00"));
+}
+
+void TestPaymentRulesDesk::paymentInfoPerCapitaQuirks() {
+    BillPayFlags bill;
+    bill.tPayFlag = "F";
+    bill.sPayFlag = "F";
+    PaidReceipt r = receipt("201305050003", "PAT ROE", "77", "2013-05-05");
+    r.tPayFlag = "F";
+    r.sPayFlag = "F";
+    r.twpAmount = M("10.00");
+    r.schoolAmount = M("5.00");
+    // A later receipt that paid nothing of these bodies is passed over.
+    PaidReceipt later = receipt("201306060004", "NOBODY", "78", "2013-06-06");
+    later.cPayFlag = "F";
+    const QString text = PerCapitaPaymentInfoText(bill, u"T", {r, later});
+    // The school block at face glues the check number on; the municipal one does not.
+    QVERIFY(text.contains("Receipt #: 201305050003 - Check #:77\n"));
+    QVERIFY(text.contains("Receipt #: 201305050003 - Check #: 77\n"));
+    QVERIFY(text.endsWith("TOTAL PAID: $15.00"));
+    // At penalty the school block has the blank.
+    bill.sPayFlag = "P";
+    r.sPayFlag = "P";
+    QVERIFY(!PerCapitaPaymentInfoText(bill, u"T", {r}).contains("Check #:77"));
+}
+
+void TestPaymentRulesDesk::paymentInfoFromDatabase() {
+    TempTaxDatabase t;
+    // Two county receipts on bill 7, the later one voided; one on another bill.
+    QVERIFY(t.exec("INSERT INTO TCReceipt (BillNo, Recnum, Payor, Checknum, RDate, CPayFlag, "
+                   "TPayFlag, SPayFlag, County, DCounty, Library, DLibrary) VALUES "
+                   "('    7', '201301020001', 'FIRST', '1', '2013-01-02', 'D', ' ', ' ', "
+                   "1000000, -20000, 100000, -2000)"));
+    QVERIFY(t.exec("INSERT INTO TCReceipt (BillNo, Recnum, Payor, Checknum, RDate, CPayFlag, "
+                   "TPayFlag, SPayFlag, County) VALUES "
+                   "('    7', '201301030002', 'VOIDED', '2', '2013-01-03', 'D', ' ', ' ', 1)"));
+    QVERIFY(t.exec("INSERT INTO TCVoidReceipt (BillNo, Recnum) VALUES ('    7', '201301030002')"));
+    QVERIFY(t.exec("INSERT INTO TCReceipt (BillNo, Recnum, Payor, CPayFlag) VALUES "
+                   "('   17', '201301040003', 'OTHER', 'F')"));
+
+    const std::vector<PaidReceipt> re = ReadRealEstatePaidReceipts(t.db(), "    7");
+    QCOMPARE(re.size(), size_t(1));
+    QCOMPARE(re[0].payor, QStringLiteral("FIRST"));
+    // The county's three lines with their differences: 100 - 2 + 10 - 0.20.
+    QCOMPARE(re[0].countyAmount.toPlain(), QStringLiteral("107.80"));
+    BillPayFlags bill;
+    bill.cPayFlag = "D";
+    QVERIFY(RealEstatePaymentInfoText(bill, u"T", re).contains("Paid By: FIRST"));
+
+    // Per capita reads voided receipts too.
+    QVERIFY(t.exec("INSERT INTO PCReceipt (BillNo, Recnum, Payor, CPayFlag, CPerCapita, "
+                   "DCPerCapita, COccupation) VALUES ('    3', '201301050004', 'PC ONE', 'D', "
+                   "50000, -1000, 20000)"));
+    QVERIFY(t.exec("INSERT INTO PCReceipt (BillNo, Recnum, Payor, CPayFlag) VALUES "
+                   "('    3', '201301060005', 'PC VOIDED', 'D')"));
+    QVERIFY(t.exec("INSERT INTO PCVoidReceipt (BillNo, Recnum) VALUES ('    3', '201301060005')"));
+    const std::vector<PaidReceipt> pc = ReadPerCapitaReceipts(t.db(), "    3");
+    QCOMPARE(pc.size(), size_t(2));
+    QCOMPARE(pc[0].countyAmount.toPlain(), QStringLiteral("6.90"));
+    QVERIFY(PerCapitaPaymentInfoText(bill, u"T", pc).contains("Paid By: PC VOIDED"));
+}
+
+QTEST_GUILESS_MAIN(TestPaymentRulesDesk)
+#include "test_payment_rules_desk.moc"
