@@ -1,11 +1,11 @@
 #include "rates/edit_special_taxpayers.h"
 
 #include "core/common_values.h"
+#include "core/field_leave.h"
 #include "core/main_window.h"
 #include "core/messages.h"
 #include "core/session.h"
 #include "core/tax_database.h"
-#include "rates/field_leave.h"
 #include "rates/millage_common.h"
 
 #include <QFormLayout>

@@ -1,4 +1,4 @@
-#include "rates/field_leave.h"
+#include "core/field_leave.h"
 
 #include <QFocusEvent>
 #include <QLineEdit>
