@@ -892,6 +892,14 @@ bool DemoGenerator::writeLookups() {
         }
     }
     {
+        // The office's own configuration values.
+        TableWriter w(m_db, QStringLiteral("tbl_Settings"));
+        w.text("Name", "TaxClaimBureauPhone");
+        w.text("Value", "(717) 555-0186");
+        if (!w.insert())
+            return check(w);
+    }
+    {
         TableWriter w(m_db, QStringLiteral("Spectax"));
         auto add = [&](const char* district, const char* ward, const SpecialTax& tax) {
             w.text("District", district);
