@@ -175,6 +175,18 @@ TableRow amountRow(const QString& year, const QString& description, double mills
     return row;
 }
 
+// The penalty paid with installments: PenPaymentN of each installment paid at penalty; none
+// when no installment was.
+std::optional<Money> installmentPenalty(const QSqlRecord& r) {
+    std::optional<Money> penalty;
+    const char* const installments[3][2] = {
+        {"Pay1Flag", "PenPayment1"}, {"Pay2Flag", "PenPayment2"}, {"Pay3Flag", "PenPayment3"}};
+    for (const auto& inst : installments)
+        if (flag(r, inst[0]) == QLatin1String("P"))
+            penalty = penalty.value_or(Money()) + money(r, inst[1]);
+    return penalty;
+}
+
 QString bodyWordUpper(const QString& btFlag) {
     return BodyWord(btFlag).toUpper();
 }
@@ -529,19 +541,9 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
     }
     if (!sFlag.isEmpty()) {
         if (sFlag == QLatin1String("I")) {
-            Money penalty;
-            bool anyPenalty = false;
-            const char* const installments[3][2] = {{"Pay1Flag", "PenPayment1"},
-                                                    {"Pay2Flag", "PenPayment2"},
-                                                    {"Pay3Flag", "PenPayment3"}};
-            for (const auto& inst : installments) {
-                if (flag(r, inst[0]) == QLatin1String("P")) {
-                    penalty += money(r, inst[1]);
-                    anyPenalty = true;
-                }
-            }
+            const std::optional<Money> penalty = installmentPenalty(r);
             printRow(s, amountRow(year, QStringLiteral("SCHOOL"), d.SMR, money(r, "School"), {},
-                                  penalty, sFlag, anyPenalty));
+                                  penalty.value_or(Money()), sFlag, penalty.has_value()));
         } else {
             printRow(s, amountRow(year, QStringLiteral("SCHOOL"), d.SMR, money(r, "School"),
                                   money(r, "DSchool"), money(r, "PSchool"), sFlag));
@@ -558,6 +560,12 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
         face += MoneyField(r.value(column));
         discount += MoneyField(r.value(QLatin1Char('D') + column));
         penalty += MoneyField(r.value(QLatin1Char('P') + column));
+    }
+    // The penalty of an installment is held in PenPaymentN, not in PSchool: the total takes it
+    // as the school line shows it, so that the total is what the lines above add up to.
+    if (sFlag == QLatin1String("I")) {
+        penalty -= money(r, "PSchool");
+        penalty += installmentPenalty(r).value_or(Money());
     }
     const double totalRule = s.CurrentY + 20;
     s.Line(TableLeft, totalRule, TableRight, totalRule);
