@@ -227,7 +227,7 @@ void frmMaintainMillagesSchool::loadFromTable() {
     billSchool.setFlag(billing);
     // One date group: the early set for early billing, the late set otherwise.
     const QString prefix =
-        billing.trimmed().toUpper() == QLatin1String("E") ? QString() : QStringLiteral("Late");
+        billing.trimmed() == QLatin1String("E") ? QString() : QStringLiteral("Late");
     dates.show(value, prefix);
     txtPayment1Date->setText(StoredDateText(value(prefix + QStringLiteral("Payment1Date"))));
     txtPayment2Date->setText(StoredDateText(value(prefix + QStringLiteral("Payment2Date"))));

@@ -241,7 +241,8 @@ void BillingTimeFrame::build(QWidget* parent, const char* frameName, const QStri
 }
 
 void BillingTimeFrame::setFlag(const QString& stored) {
-    const QString flag = stored.trimmed().toUpper();
+    // Only 'E' and 'L' choose an option; anything else, a lower-case letter too, chooses none.
+    const QString flag = stored.trimmed();
     if (flag == QLatin1String("E"))
         early->setChecked(true);
     else if (flag == QLatin1String("L"))
