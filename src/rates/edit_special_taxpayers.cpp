@@ -410,6 +410,14 @@ bool frmEditSpecialTaxpayers::chooseTax() {
 }
 
 void frmEditSpecialTaxpayers::accept() {
+    const std::optional<Money> amount = Money::parse(txtAmount->text());
+    if (!amount) {
+        MsgBox(QStringLiteral("Amount must be numeric."), QStringLiteral("Enter Amount"),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        txtAmount->setFocus();
+        return;
+    }
+    // Without a taxpayer there is no bill to put the amount on.
     if (m_control.isEmpty()) {
         MsgBox(QStringLiteral("Find the taxpayer by control number or bill number first."),
                QString::fromLatin1(ScreenTitle), MsgButtons::Ok, MsgIcon::Exclamation);
@@ -419,13 +427,6 @@ void frmEditSpecialTaxpayers::accept() {
     if (typedKey() != m_chosenKey || m_chosenKey.isEmpty()) {
         if (!chooseTax())
             return;
-    }
-    const std::optional<Money> amount = Money::parse(txtAmount->text());
-    if (!amount) {
-        MsgBox(QStringLiteral("Amount must be numeric."), QStringLiteral("Enter Amount"),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtAmount->setFocus();
-        return;
     }
     SpecialTaxpayerAmount v;
     v.district = m_district;

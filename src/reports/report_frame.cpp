@@ -84,8 +84,9 @@ std::optional<int> AskCopies(const CopiesQuestion& question) {
     for (;;) {
         const std::optional<QString> answer =
             InputBox(question.prompt, question.title, question.defaultText);
-        const QString text = answer ? answer->trimmed() : QString();
-        if (text.isEmpty()) {
+        // Only an empty answer (Cancel gives one) cancels; blanks are an answer that is no
+        // number.
+        if (!answer || answer->isEmpty()) {
             if (MsgBox(question.cancelQuestion, question.cancelTitle, MsgButtons::YesNo,
                        MsgIcon::Question) == MsgAnswer::Yes) {
                 MsgBox(question.notPrintedText, question.notPrintedTitle);
@@ -94,7 +95,7 @@ std::optional<int> AskCopies(const CopiesQuestion& question) {
             continue;
         }
         bool numeric = false;
-        const double value = QLocale::c().toDouble(text, &numeric);
+        const double value = QLocale::c().toDouble(answer->trimmed(), &numeric);
         if (!numeric || !std::isfinite(value)) {
             MsgBox(QStringLiteral("Number Of Receipts Must Be Numeric."), complaintTitle,
                    MsgButtons::Ok, MsgIcon::Exclamation);

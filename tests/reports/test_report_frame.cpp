@@ -102,6 +102,9 @@ void TestReportFrame::copiesQuestionLoops() {
     MessageScript script;
     script.answer(MsgAnswer::Ok, QStringLiteral("two"));
     script.answer(MsgAnswer::Ok); // "must be numeric"
+    // Blanks are an answer, not a cancel: they are no number.
+    script.answer(MsgAnswer::Ok, QStringLiteral("  "));
+    script.answer(MsgAnswer::Ok);
     script.answer(MsgAnswer::Ok, QStringLiteral("10"));
     script.answer(MsgAnswer::Ok); // "between 0 and 9"
     script.answer(MsgAnswer::Ok, QStringLiteral("2.5"));
@@ -118,13 +121,14 @@ void TestReportFrame::copiesQuestionLoops() {
         QStringLiteral("Invalid Number Of Receipts. Number must be between 0 and 9.");
     const QString ask = QStringLiteral("Enter the number of receipts to print:");
     QCOMPARE(script.texts(),
-             (QStringList{ask, numeric, ask, range, ask, range, ask, range, ask,
+             (QStringList{ask, numeric, ask, numeric, ask, range, ask, range, ask, range, ask,
                           QStringLiteral("Are you sure you want to cancel the printing of this "
                                          "receipt?"),
                           ask}));
     QCOMPARE(script.titles().at(0), QStringLiteral("Print Receipt"));
     QCOMPARE(script.titles().at(1), QStringLiteral("Print Receipt"));
-    QCOMPARE(script.titles().at(9), QStringLiteral("Cancel Print Receipt"));
+    QCOMPARE(script.titles().at(3), QStringLiteral("Print Receipt"));
+    QCOMPARE(script.titles().at(11), QStringLiteral("Cancel Print Receipt"));
     QCOMPARE(script.service().unanswered, 0);
 
     // The distribution reports' question has its own words, the complaints stay the receipt's.
