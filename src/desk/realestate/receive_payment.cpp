@@ -386,7 +386,7 @@ void frmREReceivePayment::buildScreen() {
         g->addLayout(cityRow, r++, 1);
         addRow(g, r++, new QLabel(QStringLiteral("Check #:"), fraPayor), txtChecknum);
         addRow(g, r++, new QLabel(QStringLiteral("Amount:"), fraPayor), txtAmount);
-        addRow(g, r++, new QLabel(QStringLiteral("Total Due:"), fraPayor), txtTotal);
+        addRow(g, r++, new QLabel(QStringLiteral("Total:"), fraPayor), txtTotal);
         g->addWidget(chkPrintReceipt, r++, 1);
     }
 
@@ -433,12 +433,13 @@ void frmREReceivePayment::buildScreen() {
     layout->addLayout(middle);
     layout->addLayout(buttons);
 
-    // The tab order of the entries.
-    QWidget* order[] = {txtBillNo,       txtDate,         cmdDate,     chkCounty,      chkTwp,
-                        optAll,          optTwpOnly,      optStLtOnly, chkSchool,      chkPay1,
-                        chkPay2,         chkPay3,         txtPayor,    txtPAddr1,      txtPAddr2,
-                        txtPCity,        cboPState,       txtPZipCode, txtPZipCode2,   txtChecknum,
-                        txtAmount,       chkPrintReceipt, cmdAccept,   cmdPaymentInfo, cmdPrevPayor,
+    // The tab order of the entries: the bill, the date, the bodies, the payor and the money,
+    // then the street light choice and the installments.
+    QWidget* order[] = {txtBillNo,       txtDate,       cmdDate,      chkCounty,      chkTwp,
+                        chkSchool,       txtPayor,      txtPAddr1,    txtPAddr2,      txtPCity,
+                        cboPState,       txtPZipCode,   txtPZipCode2, txtChecknum,    txtAmount,
+                        chkPrintReceipt, optAll,        optTwpOnly,   optStLtOnly,    chkPay1,
+                        chkPay2,         chkPay3,       cmdAccept,    cmdPaymentInfo, cmdPrevPayor,
                         cmdPrevComments, cmdPrintScreen};
     for (size_t i = 1; i < std::size(order); ++i)
         setTabOrder(order[i - 1], order[i]);
@@ -620,14 +621,12 @@ bool frmREReceivePayment::eventFilter(QObject* watched, QEvent* event) {
 
     QPointer<QWidget> target = QApplication::focusWidget();
     m_inLeave = true;
-    // A click does not act when the field it left was refused, or when leaving the date put
-    // new amounts on the screen that the collector has not seen yet.
+    // A click does not act when the field it left was refused: the message box took it.
     bool refused = false;
     if (watched == txtBillNo) {
         billNoLeft();
     } else if (watched == txtDate) {
-        const QString offered = txtAmount->text();
-        refused = !dateLeft() || txtAmount->text() != offered;
+        refused = !dateLeft();
     } else if (watched == txtPayor) {
         payorLeft();
     } else if (watched == txtChecknum) {
@@ -989,6 +988,8 @@ void frmREReceivePayment::refreshAmounts(bool offer) {
     txtCTotal->setText(moneyText(m_amounts.countyTotal()));
     txtTTotal->setText(moneyText(m_amounts.twpTotal()));
     txtSTotal->setText(moneyText(m_amounts.schoolTotal()));
+    // The grand total of the three bodies at their periods, ticked or not.
+    txtTotal->setText(moneyText(m_amounts.total()));
 
     fillInstallments();
     updateDetailFields();
@@ -1000,7 +1001,6 @@ void frmREReceivePayment::refreshAmounts(bool offer) {
     for (int n = 0; n < 3; ++n)
         boxes[n]->setChecked(o.installment[n]);
     txtAmount->setText(moneyText(o.amount));
-    txtTotal->setText(moneyText(TotalDue(selection(), m_amounts, m_installments)));
 }
 
 void frmREReceivePayment::fillInstallments() {
