@@ -474,6 +474,8 @@ void frmREVoidReceipt::clearScreen() {
     m_clearing = true;
     for (QLineEdit* field : findChildren<QLineEdit*>())
         field->clear();
+    // The date voided defaults to today.
+    txtVDate->setText(FormatDate(Clock::today()));
     lblTendered->clear();
     m_shownRecnum.clear();
     m_distributedRefunds = false;
