@@ -1,5 +1,6 @@
 #include "core/field_leave.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QLineEdit>
 #include <QWidget>
@@ -17,6 +18,13 @@ bool FieldLeave::eventFilter(QObject* watched, QEvent* event) {
         return false;
     auto it = m_actions.find(watched);
     if (it == m_actions.end())
+        return false;
+    // A press on a button that takes no focus gives the focus to the nearest container that
+    // does (the screen's client-area window), which hands it straight back to the field: the
+    // focus has not left the field's screen, and that is no leave.
+    auto* field = qobject_cast<QWidget*>(watched);
+    const QWidget* now = QApplication::focusWidget();
+    if (field && now && now != field && now->isAncestorOf(field))
         return false;
     m_running = true;
     const std::function<void()> action = it.value();

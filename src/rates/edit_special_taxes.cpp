@@ -10,6 +10,7 @@
 #include "rates/millage_common.h"
 
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -311,6 +312,20 @@ frmEditSpecialTaxes::frmEditSpecialTaxes(QWidget* parent) : QWidget(parent) {
     txtTaxName->setFocus();
 }
 
+frmEditSpecialTaxes::~frmEditSpecialTaxes() {
+    // The fields are destroyed after this body, the focused one with a focus-out: with the
+    // leave actions gone first, none runs on a half-destroyed screen.
+    delete m_leave;
+    m_leave = nullptr;
+}
+
+void frmEditSpecialTaxes::closeEvent(QCloseEvent* event) {
+    // The focus leaves the fields as the screen goes: that is no leave of the user's.
+    delete m_leave;
+    m_leave = nullptr;
+    QWidget::closeEvent(event);
+}
+
 QString frmEditSpecialTaxes::typedKey() const {
     return txtTaxName->text().trimmed().toUpper();
 }
@@ -369,6 +384,7 @@ bool frmEditSpecialTaxes::chooseTax() {
         if (MsgBox(QStringLiteral("Tax Name not found. Do you wish to add?"),
                    QString::fromLatin1(AddTitle), MsgButtons::YesNo,
                    MsgIcon::Question) != MsgAnswer::Yes) {
+            m_refusedKey = key;
             txtTaxName->setFocus();
             return false;
         }
@@ -381,6 +397,7 @@ bool frmEditSpecialTaxes::chooseTax() {
         }
     }
     m_chosenKey = key;
+    m_refusedKey.clear();
     enableFields(true);
     txtDescription->setFocus();
     return true;
@@ -388,6 +405,12 @@ bool frmEditSpecialTaxes::chooseTax() {
 
 void frmEditSpecialTaxes::accept() {
     if (m_chosenKey.isEmpty() || typedKey() != m_chosenKey) {
+        // The press of Accept has just left the tax name, whose question was answered No:
+        // asking it again would ask twice for one press.
+        if (!m_refusedKey.isEmpty() && typedKey() == m_refusedKey) {
+            txtTaxName->setFocus();
+            return;
+        }
         if (!chooseTax())
             return;
     }

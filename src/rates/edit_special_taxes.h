@@ -8,6 +8,7 @@
 #include <vector>
 
 class FieldLeave;
+class QCloseEvent;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
@@ -46,7 +47,13 @@ class frmEditSpecialTaxes : public QWidget {
     Q_OBJECT
 public:
     explicit frmEditSpecialTaxes(QWidget* parent = nullptr);
+    // Closing the screen is no leave of the field that has the focus.
+    ~frmEditSpecialTaxes() override;
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+public:
     QLabel* lblTwpBoro = nullptr;
     QLineEdit* txtDistrict = nullptr;
     QLineEdit* txtWard = nullptr;
@@ -79,4 +86,6 @@ private:
     FieldLeave* m_leave = nullptr;
     std::vector<SpecialTax> m_taxes;
     QString m_chosenKey;
+    // The name the user last declined to add; the leave that asked comes before Accept.
+    QString m_refusedKey;
 };

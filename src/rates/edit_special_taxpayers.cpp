@@ -8,6 +8,7 @@
 #include "core/tax_database.h"
 #include "rates/millage_common.h"
 
+#include <QCloseEvent>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -308,6 +309,20 @@ frmEditSpecialTaxpayers::frmEditSpecialTaxpayers(QWidget* parent) : QWidget(pare
     txtControl->setFocus();
 }
 
+frmEditSpecialTaxpayers::~frmEditSpecialTaxpayers() {
+    // The fields are destroyed after this body, the focused one with a focus-out: with the
+    // leave actions gone first, none runs on a half-destroyed screen.
+    delete m_leave;
+    m_leave = nullptr;
+}
+
+void frmEditSpecialTaxpayers::closeEvent(QCloseEvent* event) {
+    // The focus leaves the fields as the screen goes: that is no leave of the user's.
+    delete m_leave;
+    m_leave = nullptr;
+    QWidget::closeEvent(event);
+}
+
 QString frmEditSpecialTaxpayers::typedKey() const {
     return txtTaxName->text().trimmed().toUpper();
 }
@@ -398,12 +413,14 @@ bool frmEditSpecialTaxpayers::chooseTax() {
         MsgBox(QStringLiteral("Tax Name not found. You must add this Tax Name first."),
                QStringLiteral("Add Tax Name"), MsgButtons::Ok, MsgIcon::Exclamation);
         m_chosenKey.clear();
+        m_refusedKey = key;
         txtTaxName->setFocus();
         return false;
     }
     txtTaxName->setText(key);
     txtDescription->setText(tax->description);
     m_chosenKey = key;
+    m_refusedKey.clear();
     if (const Payment* payment = findPayment(key))
         txtAmount->setText(payment->amount.format(u"#######0.00"));
     return true;
@@ -425,6 +442,12 @@ void frmEditSpecialTaxpayers::accept() {
         return;
     }
     if (typedKey() != m_chosenKey || m_chosenKey.isEmpty()) {
+        // The press of Accept has just left the tax name, which was refused: saying so again
+        // would show the message twice for one press.
+        if (!m_refusedKey.isEmpty() && typedKey() == m_refusedKey) {
+            txtTaxName->setFocus();
+            return;
+        }
         if (!chooseTax())
             return;
     }

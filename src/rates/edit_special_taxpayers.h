@@ -11,6 +11,7 @@
 #include <vector>
 
 class FieldLeave;
+class QCloseEvent;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -58,6 +59,13 @@ class frmEditSpecialTaxpayers : public QWidget {
     Q_OBJECT
 public:
     explicit frmEditSpecialTaxpayers(QWidget* parent = nullptr);
+    // Closing the screen is no leave of the field that has the focus.
+    ~frmEditSpecialTaxpayers() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+public:
     // Opens the screen from the menu: nothing (after saying so) when the district has no
     // special tax that only certain taxpayers pay.
     static QWidget* open();
@@ -111,4 +119,7 @@ private:
     QString m_map3, m_map4, m_map5;
     bool m_foundByControl = false;
     QString m_chosenKey;
+    // The name last refused as no tax of this screen; the leave that said so comes before
+    // Accept.
+    QString m_refusedKey;
 };
