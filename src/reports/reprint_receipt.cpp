@@ -1,6 +1,7 @@
 #include "reports/reprint_receipt.h"
 
 #include "core/common_values.h"
+#include "core/field_leave.h"
 #include "core/main_window.h"
 #include "core/messages.h"
 #include "core/session.h"
@@ -11,8 +12,8 @@
 #include "reports/report_frame.h"
 
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QComboBox>
-#include <QEvent>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -22,7 +23,6 @@
 #include <QPushButton>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -91,7 +91,6 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
     txtRecnum = new QLineEdit(this);
     txtRecnum->setObjectName(QStringLiteral("txtRecnum"));
     txtRecnum->setMaxLength(12);
-    txtRecnum->installEventFilter(this);
 
     // The receipt.
     auto* receipt = new QGroupBox(QStringLiteral("Receipt"), this);
@@ -312,12 +311,21 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
     for (QLineEdit* edit : findChildren<QLineEdit*>())
         if (edit != txtRecnum)
             edit->setFocusPolicy(Qt::ClickFocus);
+
+    m_leave = new FieldLeave(this);
+    m_leave->onLeave(txtRecnum, [this] { txtRecnum_LostFocus(); });
 }
 
-bool frmREReprintReceipt::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == txtRecnum && event->type() == QEvent::FocusOut)
-        txtRecnum_LostFocus();
-    return QWidget::eventFilter(watched, event);
+frmREReprintReceipt::~frmREReprintReceipt() {
+    delete m_leave;
+    m_leave = nullptr;
+}
+
+void frmREReprintReceipt::closeEvent(QCloseEvent* event) {
+    // The focus leaves the receipt number as the screen goes: that is no leave of the user's.
+    delete m_leave;
+    m_leave = nullptr;
+    QWidget::closeEvent(event);
 }
 
 void frmREReprintReceipt::txtRecnum_LostFocus() {
@@ -325,10 +333,8 @@ void frmREReprintReceipt::txtRecnum_LostFocus() {
     m_lastLeft = recnum;
     if (recnum.isEmpty() || recnum == m_recnum)
         return;
-    if (!showReceipt(recnum)) {
-        // Back to the field once the focus change has finished.
-        QTimer::singleShot(0, txtRecnum, [edit = txtRecnum] { edit->setFocus(); });
-    }
+    if (!showReceipt(recnum))
+        txtRecnum->setFocus();
 }
 
 void frmREReprintReceipt::clearFields() {

@@ -5,7 +5,9 @@
 #include <QString>
 #include <QWidget>
 
+class FieldLeave;
 class QCheckBox;
+class QCloseEvent;
 class QComboBox;
 class QGroupBox;
 class QLabel;
@@ -94,8 +96,11 @@ public:
     // The receipt shown, or empty.
     QString shownRecnum() const { return m_recnum; }
 
+    // Closing the screen is no leave of the receipt number.
+    ~frmREReprintReceipt() override;
+
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void txtRecnum_LostFocus();
@@ -104,6 +109,7 @@ private:
     void cmdPrint_Click();
     void cmdPrintScreen_Click();
 
+    FieldLeave* m_leave = nullptr;
     QString m_recnum;
     QString m_lastLeft; // the text of txtRecnum when it was last left
 };
