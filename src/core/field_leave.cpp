@@ -6,7 +6,7 @@
 #include <QWidget>
 
 void FieldLeave::onLeave(QWidget* field, std::function<void()> action) {
-    m_actions.insert(field, std::move(action));
+    m_actions.insert(field, {std::move(action), field->metaObject()});
     field->installEventFilter(this);
 }
 
@@ -19,6 +19,10 @@ bool FieldLeave::eventFilter(QObject* watched, QEvent* event) {
     auto it = m_actions.find(watched);
     if (it == m_actions.end())
         return false;
+    // A focused field gives up the focus while it is destroyed, its screen going with it:
+    // by then it is a plain widget, and no action may run on what is left of the screen.
+    if (watched->metaObject() != it->type)
+        return false;
     // A press on a button that takes no focus gives the focus to the nearest container that
     // does (the screen's client-area window), which hands it straight back to the field: the
     // focus has not left the field's screen, and that is no leave.
@@ -27,7 +31,7 @@ bool FieldLeave::eventFilter(QObject* watched, QEvent* event) {
     if (field && now && now != field && now->isAncestorOf(field))
         return false;
     m_running = true;
-    const std::function<void()> action = it.value();
+    const std::function<void()> action = it->action;
     action();
     m_running = false;
     // When the action sent the focus back to the field, the field has it again: it must not

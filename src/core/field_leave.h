@@ -20,7 +20,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    QHash<QObject*, std::function<void()>> m_actions;
+    struct Leave {
+        std::function<void()> action;
+        // The field's class: a field being destroyed is no longer of it.
+        const QMetaObject* type = nullptr;
+    };
+    QHash<QObject*, Leave> m_actions;
     bool m_running = false;
 };
 

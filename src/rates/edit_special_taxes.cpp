@@ -312,13 +312,6 @@ frmEditSpecialTaxes::frmEditSpecialTaxes(QWidget* parent) : QWidget(parent) {
     txtTaxName->setFocus();
 }
 
-frmEditSpecialTaxes::~frmEditSpecialTaxes() {
-    // The fields are destroyed after this body, the focused one with a focus-out: with the
-    // leave actions gone first, none runs on a half-destroyed screen.
-    delete m_leave;
-    m_leave = nullptr;
-}
-
 void frmEditSpecialTaxes::closeEvent(QCloseEvent* event) {
     // The focus leaves the fields as the screen goes: that is no leave of the user's.
     delete m_leave;

@@ -47,13 +47,7 @@ class frmEditSpecialTaxes : public QWidget {
     Q_OBJECT
 public:
     explicit frmEditSpecialTaxes(QWidget* parent = nullptr);
-    // Closing the screen is no leave of the field that has the focus.
-    ~frmEditSpecialTaxes() override;
 
-protected:
-    void closeEvent(QCloseEvent* event) override;
-
-public:
     QLabel* lblTwpBoro = nullptr;
     QLineEdit* txtDistrict = nullptr;
     QLineEdit* txtWard = nullptr;
@@ -69,6 +63,10 @@ public:
     QPushButton* cmdClearScreen = nullptr;
     QPushButton* cmdPreviousYear = nullptr;
     QPushButton* cmdExit = nullptr;
+
+protected:
+    // The focus leaves the fields as the screen closes: that is no leave of the user's.
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void openList();

@@ -309,13 +309,6 @@ frmEditSpecialTaxpayers::frmEditSpecialTaxpayers(QWidget* parent) : QWidget(pare
     txtControl->setFocus();
 }
 
-frmEditSpecialTaxpayers::~frmEditSpecialTaxpayers() {
-    // The fields are destroyed after this body, the focused one with a focus-out: with the
-    // leave actions gone first, none runs on a half-destroyed screen.
-    delete m_leave;
-    m_leave = nullptr;
-}
-
 void frmEditSpecialTaxpayers::closeEvent(QCloseEvent* event) {
     // The focus leaves the fields as the screen goes: that is no leave of the user's.
     delete m_leave;

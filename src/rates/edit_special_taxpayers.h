@@ -59,13 +59,6 @@ class frmEditSpecialTaxpayers : public QWidget {
     Q_OBJECT
 public:
     explicit frmEditSpecialTaxpayers(QWidget* parent = nullptr);
-    // Closing the screen is no leave of the field that has the focus.
-    ~frmEditSpecialTaxpayers() override;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
-
-public:
     // Opens the screen from the menu: nothing (after saying so) when the district has no
     // special tax that only certain taxpayers pay.
     static QWidget* open();
@@ -85,6 +78,10 @@ public:
     QPushButton* cmdClearScreen = nullptr;
     QPushButton* cmdClearTax = nullptr;
     QPushButton* cmdExit = nullptr;
+
+protected:
+    // The focus leaves the fields as the screen closes: that is no leave of the user's.
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     struct Tax {

@@ -316,11 +316,6 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
     m_leave->onLeave(txtRecnum, [this] { txtRecnum_LostFocus(); });
 }
 
-frmREReprintReceipt::~frmREReprintReceipt() {
-    delete m_leave;
-    m_leave = nullptr;
-}
-
 void frmREReprintReceipt::closeEvent(QCloseEvent* event) {
     // The focus leaves the receipt number as the screen goes: that is no leave of the user's.
     delete m_leave;

@@ -96,9 +96,6 @@ public:
     // The receipt shown, or empty.
     QString shownRecnum() const { return m_recnum; }
 
-    // Closing the screen is no leave of the receipt number.
-    ~frmREReprintReceipt() override;
-
 protected:
     void closeEvent(QCloseEvent* event) override;
 
