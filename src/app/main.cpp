@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
                              ? QFileInfo(args.value(QStringLiteral("database"))).absoluteFilePath()
                              : defaultDatabasePath();
     frmLevyDeskMain window;
-    window.show();
+    window.showMaximized();
     if (!window.start(path))
         return 1;
     QSettings().setValue(QStringLiteral("database"), path);

@@ -167,9 +167,12 @@ frmLevyDeskMain::frmLevyDeskMain(QWidget* parent) : QMainWindow(parent) {
     m_mdi = new QMdiArea(this);
     m_mdi->setObjectName(QStringLiteral("mdiArea"));
     m_mdi->setBackground(QColor(0x0e, 0x1d, 0x2f));
+    // A screen larger than a small office monitor stays reachable.
+    m_mdi->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_mdi->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(m_mdi);
     buildMenus();
-    resize(1100, 760);
+    resize(1280, 860);
 }
 
 frmLevyDeskMain::~frmLevyDeskMain() {
