@@ -2,6 +2,7 @@
 #include "reports/report_surface.h"
 
 #include "reports/print_readback.h"
+#include "support/test_support.h"
 
 #include <QImage>
 #include <QPainter>
@@ -31,20 +32,14 @@ void TestBarcode::mod10CheckDigit_data() {
     QTest::addColumn<QString>("digits");
     QTest::addColumn<int>("check");
     // 1x3 + 2x1 + 3x3 + 4x1 + 5x3 = 33, so 10 - 3.
-    QTest::newRow("zip 12345") << "12345"
-                               << "12345" << 7;
-    QTest::newRow("all zero: r is 0") << "00000"
-                                      << "00000" << 0;
+    AddRow("zip 12345", "12345", "12345", 7);
+    AddRow("all zero: r is 0", "00000", "00000", 0);
     // 1x3 3x1 2x3 2x1 1x3 0x1 0x3 7x1 1x3 = 27.
-    QTest::newRow("non-digits dropped") << " 17001-2231 "
-                                        << "170012231" << 3;
-    QTest::newRow("no digits at all") << "PA-"
-                                      << "" << 0;
+    AddRow("non-digits dropped", " 17001-2231 ", "170012231", 3);
+    AddRow("no digits at all", "PA-", "", 0);
     // The weight starts at the last digit: 9x3 = 27, check 3; 9x1 + 0x3 = 9, check 1.
-    QTest::newRow("one digit") << "9"
-                               << "9" << 3;
-    QTest::newRow("weights from the right") << "90"
-                                            << "90" << 1;
+    AddRow("one digit", "9", "9", 3);
+    AddRow("weights from the right", "90", "90", 1);
 }
 
 void TestBarcode::mod10CheckDigit() {
@@ -77,14 +72,10 @@ void TestBarcode::code128C_data() {
     QTest::addColumn<QString>("digits");
     QTest::addColumn<int>("check");
     // 105 + 1x12 + 2x34 = 185; 185 mod 103 = 82.
-    QTest::newRow("1234") << "1234"
-                          << "1234" << 82;
-    QTest::newRow("odd count gets a 0") << "123"
-                                        << "1230" << (105 + 12 + 2 * 30) % 103;
-    QTest::newRow("trimmed, digits only") << " 12-34 "
-                                          << "1234" << 82;
-    QTest::newRow("nothing") << ""
-                             << "" << 105 % 103;
+    AddRow("1234", "1234", "1234", 82);
+    AddRow("odd count gets a 0", "123", "1230", (105 + 12 + 2 * 30) % 103);
+    AddRow("trimmed, digits only", " 12-34 ", "1234", 82);
+    AddRow("nothing", "", "", 105 % 103);
 }
 
 void TestBarcode::code128C() {
@@ -160,14 +151,10 @@ void TestBarcode::postalBars() {
 void TestBarcode::code39ReadsBack_data() {
     QTest::addColumn<QString>("fontText");
     QTest::addColumn<QString>("payload");
-    QTest::newRow("real-estate receipt") << "*(40201309150007*"
-                                         << "40201309150007";
-    QTest::newRow("per capita receipt") << "*(41201309150123*"
-                                        << "41201309150123";
-    QTest::newRow("real-estate bill") << "*201307004512*"
-                                      << "201307004512";
-    QTest::newRow("letters and dashes") << "*AB-12*"
-                                        << "AB-12";
+    AddRow("real-estate receipt", "*(40201309150007*", "40201309150007");
+    AddRow("per capita receipt", "*(41201309150123*", "41201309150123");
+    AddRow("real-estate bill", "*201307004512*", "201307004512");
+    AddRow("letters and dashes", "*AB-12*", "AB-12");
 }
 
 void TestBarcode::code39ReadsBack() {

@@ -2,6 +2,7 @@
 // from the first day of face into the later dates.
 
 #include "rates/millage_dates.h"
+#include "support/test_support.h"
 
 #include <QTest>
 
@@ -21,16 +22,16 @@ void TestMillageDates::addMonths_data() {
     QTest::addColumn<QDate>("from");
     QTest::addColumn<int>("months");
     QTest::addColumn<QDate>("expected");
-    QTest::newRow("plain") << QDate(2024, 3, 15) << 2 << QDate(2024, 5, 15);
-    QTest::newRow("jan 31 to end of march") << QDate(2024, 1, 31) << 2 << QDate(2024, 3, 31);
-    QTest::newRow("dec 31 to leap feb") << QDate(2023, 12, 31) << 2 << QDate(2024, 2, 29);
-    QTest::newRow("dec 31 to common feb") << QDate(2024, 12, 31) << 2 << QDate(2025, 2, 28);
-    QTest::newRow("dec 30 to common feb") << QDate(2022, 12, 30) << 2 << QDate(2023, 2, 28);
-    QTest::newRow("aug 31 to oct 31") << QDate(2024, 8, 31) << 2 << QDate(2024, 10, 31);
-    QTest::newRow("jul 31 to sep 30") << QDate(2024, 7, 31) << 2 << QDate(2024, 9, 30);
-    QTest::newRow("nov 30 into next year") << QDate(2024, 11, 30) << 2 << QDate(2025, 1, 30);
-    QTest::newRow("century not leap") << QDate(2099, 12, 31) << 2 << QDate(2100, 2, 28);
-    QTest::newRow("400 years leap") << QDate(1999, 12, 31) << 2 << QDate(2000, 2, 29);
+    AddRow("plain", QDate(2024, 3, 15), 2, QDate(2024, 5, 15));
+    AddRow("jan 31 to end of march", QDate(2024, 1, 31), 2, QDate(2024, 3, 31));
+    AddRow("dec 31 to leap feb", QDate(2023, 12, 31), 2, QDate(2024, 2, 29));
+    AddRow("dec 31 to common feb", QDate(2024, 12, 31), 2, QDate(2025, 2, 28));
+    AddRow("dec 30 to common feb", QDate(2022, 12, 30), 2, QDate(2023, 2, 28));
+    AddRow("aug 31 to oct 31", QDate(2024, 8, 31), 2, QDate(2024, 10, 31));
+    AddRow("jul 31 to sep 30", QDate(2024, 7, 31), 2, QDate(2024, 9, 30));
+    AddRow("nov 30 into next year", QDate(2024, 11, 30), 2, QDate(2025, 1, 30));
+    AddRow("century not leap", QDate(2099, 12, 31), 2, QDate(2100, 2, 28));
+    AddRow("400 years leap", QDate(1999, 12, 31), 2, QDate(2000, 2, 29));
 }
 
 void TestMillageDates::addMonths() {
@@ -50,38 +51,29 @@ void TestMillageDates::figure_data() {
     QTest::addColumn<QDate>("taxClaim");
 
     // The first of a month: every boundary falls on a month's first and last days.
-    QTest::newRow("3/1/2024") << QDate(2024, 3, 1) << QDate(2024, 5, 1) << QDate(2024, 4, 30)
-                              << QDate(2024, 7, 1) << QDate(2024, 6, 30) << QDate(2024, 12, 31)
-                              << QDate(2025, 1, 1);
+    AddRow("3/1/2024", QDate(2024, 3, 1), QDate(2024, 5, 1), QDate(2024, 4, 30), QDate(2024, 7, 1),
+           QDate(2024, 6, 30), QDate(2024, 12, 31), QDate(2025, 1, 1));
     // The clipped 29th of February carries into penalty and face end.
-    QTest::newRow("12/31/2023") << QDate(2023, 12, 31) << QDate(2024, 2, 29) << QDate(2024, 2, 28)
-                                << QDate(2024, 4, 29) << QDate(2024, 4, 28) << QDate(2023, 12, 31)
-                                << QDate(2024, 1, 1);
-    QTest::newRow("12/31/2024 common year")
-        << QDate(2024, 12, 31) << QDate(2025, 2, 28) << QDate(2025, 2, 27) << QDate(2025, 4, 28)
-        << QDate(2025, 4, 27) << QDate(2024, 12, 31) << QDate(2025, 1, 1);
+    AddRow("12/31/2023", QDate(2023, 12, 31), QDate(2024, 2, 29), QDate(2024, 2, 28),
+           QDate(2024, 4, 29), QDate(2024, 4, 28), QDate(2023, 12, 31), QDate(2024, 1, 1));
+    AddRow("12/31/2024 common year", QDate(2024, 12, 31), QDate(2025, 2, 28), QDate(2025, 2, 27),
+           QDate(2025, 4, 28), QDate(2025, 4, 27), QDate(2024, 12, 31), QDate(2025, 1, 1));
     // Face on March 1st: the discount ends on the last day of February.
-    QTest::newRow("1/1/2024 leap")
-        << QDate(2024, 1, 1) << QDate(2024, 3, 1) << QDate(2024, 2, 29) << QDate(2024, 5, 1)
-        << QDate(2024, 4, 30) << QDate(2024, 12, 31) << QDate(2025, 1, 1);
-    QTest::newRow("1/1/2023 common")
-        << QDate(2023, 1, 1) << QDate(2023, 3, 1) << QDate(2023, 2, 28) << QDate(2023, 5, 1)
-        << QDate(2023, 4, 30) << QDate(2023, 12, 31) << QDate(2024, 1, 1);
+    AddRow("1/1/2024 leap", QDate(2024, 1, 1), QDate(2024, 3, 1), QDate(2024, 2, 29),
+           QDate(2024, 5, 1), QDate(2024, 4, 30), QDate(2024, 12, 31), QDate(2025, 1, 1));
+    AddRow("1/1/2023 common", QDate(2023, 1, 1), QDate(2023, 3, 1), QDate(2023, 2, 28),
+           QDate(2023, 5, 1), QDate(2023, 4, 30), QDate(2023, 12, 31), QDate(2024, 1, 1));
     // March 31st has a May 31st: nothing is clipped on the way.
-    QTest::newRow("1/31/2024") << QDate(2024, 1, 31) << QDate(2024, 3, 31) << QDate(2024, 3, 30)
-                               << QDate(2024, 5, 31) << QDate(2024, 5, 30) << QDate(2024, 12, 31)
-                               << QDate(2025, 1, 1);
+    AddRow("1/31/2024", QDate(2024, 1, 31), QDate(2024, 3, 31), QDate(2024, 3, 30),
+           QDate(2024, 5, 31), QDate(2024, 5, 30), QDate(2024, 12, 31), QDate(2025, 1, 1));
     // Face clipped to the 30th of June; penalty keeps the 30th, not the mail date's 31st.
-    QTest::newRow("4/30/2013") << QDate(2013, 4, 30) << QDate(2013, 6, 30) << QDate(2013, 6, 29)
-                               << QDate(2013, 8, 30) << QDate(2013, 8, 29) << QDate(2013, 12, 31)
-                               << QDate(2014, 1, 1);
-    QTest::newRow("2/29/2024 mail")
-        << QDate(2024, 2, 29) << QDate(2024, 4, 29) << QDate(2024, 4, 28) << QDate(2024, 6, 29)
-        << QDate(2024, 6, 28) << QDate(2024, 12, 31) << QDate(2025, 1, 1);
+    AddRow("4/30/2013", QDate(2013, 4, 30), QDate(2013, 6, 30), QDate(2013, 6, 29),
+           QDate(2013, 8, 30), QDate(2013, 8, 29), QDate(2013, 12, 31), QDate(2014, 1, 1));
+    AddRow("2/29/2024 mail", QDate(2024, 2, 29), QDate(2024, 4, 29), QDate(2024, 4, 28),
+           QDate(2024, 6, 29), QDate(2024, 6, 28), QDate(2024, 12, 31), QDate(2025, 1, 1));
     // Mailing late in the year runs the periods into the next year; the last day stays.
-    QTest::newRow("11/30/2013") << QDate(2013, 11, 30) << QDate(2014, 1, 30) << QDate(2014, 1, 29)
-                                << QDate(2014, 3, 30) << QDate(2014, 3, 29) << QDate(2013, 12, 31)
-                                << QDate(2014, 1, 1);
+    AddRow("11/30/2013", QDate(2013, 11, 30), QDate(2014, 1, 30), QDate(2014, 1, 29),
+           QDate(2014, 3, 30), QDate(2014, 3, 29), QDate(2013, 12, 31), QDate(2014, 1, 1));
 }
 
 void TestMillageDates::figure() {
@@ -107,9 +99,9 @@ void TestMillageDates::invalidMailDate() {
 void TestMillageDates::shortText_data() {
     QTest::addColumn<QDate>("date");
     QTest::addColumn<QString>("text");
-    QTest::newRow("no leading zeros") << QDate(2024, 3, 1) << "3/1/2024";
-    QTest::newRow("two digits") << QDate(2023, 12, 31) << "12/31/2023";
-    QTest::newRow("four-digit year") << QDate(905, 1, 1) << "1/1/0905";
+    AddRow("no leading zeros", QDate(2024, 3, 1), "3/1/2024");
+    AddRow("two digits", QDate(2023, 12, 31), "12/31/2023");
+    AddRow("four-digit year", QDate(905, 1, 1), "1/1/0905");
 }
 
 void TestMillageDates::shortText() {

@@ -147,9 +147,9 @@ void TestReportFrame::copiesQuestionLoops() {
 void TestReportFrame::copiesQuestionCancels_data() {
     QTest::addColumn<bool>("distribution");
     QTest::addColumn<bool>("emptyAnswer");
-    QTest::newRow("receipt, cancelled") << false << false;
-    QTest::newRow("receipt, empty answer") << false << true;
-    QTest::newRow("distribution report") << true << false;
+    AddRow("receipt, cancelled", false, false);
+    AddRow("receipt, empty answer", false, true);
+    AddRow("distribution report", true, false);
 }
 
 void TestReportFrame::copiesQuestionCancels() {

@@ -8,8 +8,14 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTest>
 #include <deque>
 #include <vector>
+
+// One row of a data-driven test: QTest::newRow(name) << values..., on one line.
+template <typename... Values> void AddRow(const char* name, Values... values) {
+    (QTest::newRow(name) << ... << values);
+}
 
 struct RecordedBox {
     QString title;

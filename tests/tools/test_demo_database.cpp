@@ -190,10 +190,10 @@ void TestDemoDatabase::sizesAndCounters_data() {
     QTest::addColumn<int>("parcels");
     QTest::addColumn<int>("persons");
 
-    QTest::newRow("default") << 1000 << 600;
-    QTest::newRow("small") << 25 << 60;
-    QTest::newRow("one parcel, nobody") << 1 << 0;
-    QTest::newRow("empty") << 0 << 0;
+    AddRow("default", 1000, 600);
+    AddRow("small", 25, 60);
+    AddRow("one parcel, nobody", 1, 0);
+    AddRow("empty", 0, 0);
 }
 
 void TestDemoDatabase::sizesAndCounters() {

@@ -7,6 +7,8 @@
 #include "sql_values.h"
 #include "widget_actions.h"
 
+#include "support/test_support.h"
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -164,19 +166,17 @@ void TestScenarioDriver::splitLine_data() {
     QTest::addColumn<QString>("quotedFlags");
     QTest::addColumn<bool>("ok");
 
-    QTest::newRow("bare words") << "txtBillNo  12345" << QStringList{"txtBillNo", "12345"} << "00"
-                                << true;
-    QTest::newRow("quoted with blanks")
-        << R"(* "Backup Data")" << QStringList{"*", "Backup Data"} << "01" << true;
-    QTest::newRow("escaped quote and backslash")
-        << R"("say \"hi\"" "C:\\dir")" << QStringList{"say \"hi\"", "C:\\dir"} << "11" << true;
-    QTest::newRow("line break and tab") << R"("a\nb\tc")" << QStringList{"a\nb\tc"} << "1" << true;
-    QTest::newRow("other backslash stays")
-        << R"("\Distributions\RE")" << QStringList{"\\Distributions\\RE"} << "1" << true;
-    QTest::newRow("empty quoted") << R"(x "")" << QStringList{"x", ""} << "01" << true;
-    QTest::newRow("quote inside a bare word") << R"(ab"c)" << QStringList{"ab\"c"} << "0" << true;
-    QTest::newRow("unclosed") << R"(x "abc)" << QStringList{} << "" << false;
-    QTest::newRow("glued after quote") << R"("abc"def)" << QStringList{} << "" << false;
+    AddRow("bare words", "txtBillNo  12345", QStringList{"txtBillNo", "12345"}, "00", true);
+    AddRow("quoted with blanks", R"(* "Backup Data")", QStringList{"*", "Backup Data"}, "01", true);
+    AddRow("escaped quote and backslash", R"("say \"hi\"" "C:\\dir")",
+           QStringList{"say \"hi\"", "C:\\dir"}, "11", true);
+    AddRow("line break and tab", R"("a\nb\tc")", QStringList{"a\nb\tc"}, "1", true);
+    AddRow("other backslash stays", R"("\Distributions\RE")", QStringList{"\\Distributions\\RE"},
+           "1", true);
+    AddRow("empty quoted", R"(x "")", QStringList{"x", ""}, "01", true);
+    AddRow("quote inside a bare word", R"(ab"c)", QStringList{"ab\"c"}, "0", true);
+    AddRow("unclosed", R"(x "abc)", QStringList{}, "", false);
+    AddRow("glued after quote", R"("abc"def)", QStringList{}, "", false);
 }
 
 void TestScenarioDriver::splitLine() {
@@ -203,38 +203,29 @@ void TestScenarioDriver::parseErrors_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("error");
 
-    QTest::newRow("unknown command") << "# set-up\n\nfrobnicate x"
-                                     << "s.scn:3: expected a command but saw \"frobnicate\"";
-    QTest::newRow("unknown expectation") << "expect colour x"
-                                         << "s.scn:1: expected expect message...";
-    QTest::newRow("too few operands")
-        << "database demo\ntype txtBillNo"
-        << "s.scn:2: expected 2 operands after type but saw 1 operand";
-    QTest::newRow("too many operands") << "click a b"
-                                       << "s.scn:1: expected 1 operand after click...";
-    QTest::newRow("expect sql needs a query") << "expect sql"
-                                              << "s.scn:1: expected at least 1...";
-    QTest::newRow("bad date") << "today 13/01/2013"
-                              << "s.scn:1: expected a date MM/DD/YYYY but saw \"13/01/2013\"";
-    QTest::newRow("bad answer") << "answer Maybe"
-                                << "s.scn:1: expected Yes, No, OK or Cancel but saw \"Maybe\"";
-    QTest::newRow("bad database") << "database full"
-                                  << "s.scn:1: expected database demo...";
-    QTest::newRow("demo option without number") << "database demo parcels"
-                                                << "s.scn:1: expected a number after parcels...";
-    QTest::newRow("demo option twice") << "database demo seed 1 seed 2"
-                                       << "s.scn:1: expected seed once...";
-    QTest::newRow("demo zero parcels") << "database demo parcels 0"
-                                       << "s.scn:1: expected a whole number of 1 or more...";
-    QTest::newRow("call without result") << "call RoundTo 1 2"
-                                         << "s.scn:1: expected \"=\" and the result...";
-    QTest::newRow("call with two results") << "call RoundTo 1 2 = 1 2"
-                                           << "s.scn:1: expected one result after \"=\"...";
-    QTest::newRow("sql without statement") << "sql   "
-                                           << "s.scn:1: expected a statement...";
-    QTest::newRow("unclosed quote")
-        << "expect message \"Backup"
-        << "s.scn:1: expected a closing quote but saw the end of the line";
+    AddRow("unknown command", "# set-up\n\nfrobnicate x",
+           "s.scn:3: expected a command but saw \"frobnicate\"");
+    AddRow("unknown expectation", "expect colour x", "s.scn:1: expected expect message...");
+    AddRow("too few operands", "database demo\ntype txtBillNo",
+           "s.scn:2: expected 2 operands after type but saw 1 operand");
+    AddRow("too many operands", "click a b", "s.scn:1: expected 1 operand after click...");
+    AddRow("expect sql needs a query", "expect sql", "s.scn:1: expected at least 1...");
+    AddRow("bad date", "today 13/01/2013",
+           "s.scn:1: expected a date MM/DD/YYYY but saw \"13/01/2013\"");
+    AddRow("bad answer", "answer Maybe",
+           "s.scn:1: expected Yes, No, OK or Cancel but saw \"Maybe\"");
+    AddRow("bad database", "database full", "s.scn:1: expected database demo...");
+    AddRow("demo option without number", "database demo parcels",
+           "s.scn:1: expected a number after parcels...");
+    AddRow("demo option twice", "database demo seed 1 seed 2", "s.scn:1: expected seed once...");
+    AddRow("demo zero parcels", "database demo parcels 0",
+           "s.scn:1: expected a whole number of 1 or more...");
+    AddRow("call without result", "call RoundTo 1 2", "s.scn:1: expected \"=\" and the result...");
+    AddRow("call with two results", "call RoundTo 1 2 = 1 2",
+           "s.scn:1: expected one result after \"=\"...");
+    AddRow("sql without statement", "sql   ", "s.scn:1: expected a statement...");
+    AddRow("unclosed quote", "expect message \"Backup",
+           "s.scn:1: expected a closing quote but saw the end of the line");
 }
 
 void TestScenarioDriver::parseErrors() {
@@ -342,28 +333,27 @@ void TestScenarioDriver::decimalToUnits_data() {
     QTest::addColumn<bool>("valid");
     QTest::addColumn<qint64>("units");
 
-    QTest::newRow("dollars and cents") << "1234.56" << true << qint64(12345600);
-    QTest::newRow("whole") << "12" << true << qint64(120000);
-    QTest::newRow("negative") << "-2.5" << true << qint64(-25000);
-    QTest::newRow("plus and blanks") << " +7. " << true << qint64(70000);
-    QTest::newRow("point first") << ".0001" << true << qint64(1);
-    QTest::newRow("fifth place rounds up") << "0.00005" << true << qint64(1);
-    QTest::newRow("fifth place rounds down") << "0.00004999" << true << qint64(0);
-    QTest::newRow("negative half away from zero") << "-1.23455" << true << qint64(-12346);
-    QTest::newRow("exponent down") << "1.5e-3" << true << qint64(15);
-    QTest::newRow("exponent up") << "2E2" << true << qint64(2000000);
-    QTest::newRow("tiny exponent") << "5e-5" << true << qint64(1);
-    QTest::newRow("no decimal noise") << "0.29" << true << qint64(2900);
-    QTest::newRow("largest") << "922337203685477.5807" << true
-                             << std::numeric_limits<qint64>::max();
-    QTest::newRow("overflow") << "922337203685477.5808" << false << qint64(0);
-    QTest::newRow("rounding overflow") << "922337203685477.58075" << false << qint64(0);
-    QTest::newRow("empty") << "" << false << qint64(0);
-    QTest::newRow("sign only") << "-" << false << qint64(0);
-    QTest::newRow("separators") << "1,234.56" << false << qint64(0);
-    QTest::newRow("two points") << "1.2.3" << false << qint64(0);
-    QTest::newRow("bad exponent") << "1e" << false << qint64(0);
-    QTest::newRow("text") << "abc" << false << qint64(0);
+    AddRow("dollars and cents", "1234.56", true, qint64(12345600));
+    AddRow("whole", "12", true, qint64(120000));
+    AddRow("negative", "-2.5", true, qint64(-25000));
+    AddRow("plus and blanks", " +7. ", true, qint64(70000));
+    AddRow("point first", ".0001", true, qint64(1));
+    AddRow("fifth place rounds up", "0.00005", true, qint64(1));
+    AddRow("fifth place rounds down", "0.00004999", true, qint64(0));
+    AddRow("negative half away from zero", "-1.23455", true, qint64(-12346));
+    AddRow("exponent down", "1.5e-3", true, qint64(15));
+    AddRow("exponent up", "2E2", true, qint64(2000000));
+    AddRow("tiny exponent", "5e-5", true, qint64(1));
+    AddRow("no decimal noise", "0.29", true, qint64(2900));
+    AddRow("largest", "922337203685477.5807", true, std::numeric_limits<qint64>::max());
+    AddRow("overflow", "922337203685477.5808", false, qint64(0));
+    AddRow("rounding overflow", "922337203685477.58075", false, qint64(0));
+    AddRow("empty", "", false, qint64(0));
+    AddRow("sign only", "-", false, qint64(0));
+    AddRow("separators", "1,234.56", false, qint64(0));
+    AddRow("two points", "1.2.3", false, qint64(0));
+    AddRow("bad exponent", "1e", false, qint64(0));
+    AddRow("text", "abc", false, qint64(0));
 }
 
 void TestScenarioDriver::decimalToUnits() {
@@ -380,16 +370,16 @@ void TestScenarioDriver::unitsToDollars_data() {
     QTest::addColumn<qint64>("units");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("zero") << qint64(0) << "0.00";
-    QTest::newRow("plain") << qint64(12345600) << "1234.56";
-    QTest::newRow("no separators") << qint64(12345678900) << "1234567.89";
-    QTest::newRow("negative") << qint64(-25000) << "-2.50";
-    QTest::newRow("cent") << qint64(100) << "0.01";
-    QTest::newRow("half cent up") << qint64(50) << "0.01";
-    QTest::newRow("under half cent") << qint64(49) << "0.00";
-    QTest::newRow("negative half cent away from zero") << qint64(-150) << "-0.02";
-    QTest::newRow("negative rounding to zero") << qint64(-49) << "0.00";
-    QTest::newRow("lowest") << std::numeric_limits<qint64>::min() << "-922337203685477.58";
+    AddRow("zero", qint64(0), "0.00");
+    AddRow("plain", qint64(12345600), "1234.56");
+    AddRow("no separators", qint64(12345678900), "1234567.89");
+    AddRow("negative", qint64(-25000), "-2.50");
+    AddRow("cent", qint64(100), "0.01");
+    AddRow("half cent up", qint64(50), "0.01");
+    AddRow("under half cent", qint64(49), "0.00");
+    AddRow("negative half cent away from zero", qint64(-150), "-0.02");
+    AddRow("negative rounding to zero", qint64(-49), "0.00");
+    AddRow("lowest", std::numeric_limits<qint64>::min(), "-922337203685477.58");
 }
 
 void TestScenarioDriver::unitsToDollars() {
@@ -402,16 +392,16 @@ void TestScenarioDriver::realText_data() {
     QTest::addColumn<double>("value");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("whole") << 3.0 << "3";
-    QTest::newRow("fraction") << 2.35 << "2.35";
-    QTest::newRow("sum noise") << 0.1 + 0.2 << "0.3";
-    QTest::newRow("fifteen digits") << 1.0 / 3.0 << "0.333333333333333";
-    QTest::newRow("small") << 0.000015 << "0.000015";
-    QTest::newRow("negative small") << -0.00002 << "-0.00002";
-    QTest::newRow("large") << 1e20 << "100000000000000000000";
-    QTest::newRow("large fraction") << 1234567890123456.0 << "1234567890123460";
-    QTest::newRow("zero") << 0.0 << "0";
-    QTest::newRow("negative zero") << -0.0 << "0";
+    AddRow("whole", 3.0, "3");
+    AddRow("fraction", 2.35, "2.35");
+    AddRow("sum noise", 0.1 + 0.2, "0.3");
+    AddRow("fifteen digits", 1.0 / 3.0, "0.333333333333333");
+    AddRow("small", 0.000015, "0.000015");
+    AddRow("negative small", -0.00002, "-0.00002");
+    AddRow("large", 1e20, "100000000000000000000");
+    AddRow("large fraction", 1234567890123456.0, "1234567890123460");
+    AddRow("zero", 0.0, "0");
+    AddRow("negative zero", -0.0, "0");
 }
 
 void TestScenarioDriver::realText() {
@@ -658,8 +648,7 @@ void TestScenarioDriver::failingScenarios_data() {
         const QString first = QString::fromUtf8(f.readLine()).trimmed();
         const QRegularExpressionMatch m = header.match(first);
         QVERIFY2(m.hasMatch(), qPrintable(file + ": no header"));
-        QTest::newRow(qPrintable(QFileInfo(file).baseName()))
-            << file << m.captured(1).toInt() << m.captured(2);
+        AddRow(qPrintable(QFileInfo(file).baseName()), file, m.captured(1).toInt(), m.captured(2));
     }
 }
 

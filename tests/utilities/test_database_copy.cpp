@@ -50,14 +50,10 @@ private Q_SLOTS:
 void TestDatabaseCopy::backupName_data() {
     QTest::addColumn<QString>("database");
     QTest::addColumn<QString>("backup");
-    QTest::newRow("sqlite") << "KestLevyDsk2013.sqlite"
-                            << "KestLevyDsk2013.bkp";
-    QTest::newRow("mdb") << "Levydsk.mdb"
-                         << "Levydsk.bkp";
-    QTest::newRow("two dots") << "tax.2013.sqlite"
-                              << "tax.2013.bkp";
-    QTest::newRow("no suffix") << "Levydsk"
-                               << "Levydsk.bkp";
+    AddRow("sqlite", "KestLevyDsk2013.sqlite", "KestLevyDsk2013.bkp");
+    AddRow("mdb", "Levydsk.mdb", "Levydsk.bkp");
+    AddRow("two dots", "tax.2013.sqlite", "tax.2013.bkp");
+    AddRow("no suffix", "Levydsk", "Levydsk.bkp");
 }
 
 void TestDatabaseCopy::backupName() {
@@ -69,12 +65,12 @@ void TestDatabaseCopy::backupName() {
 void TestDatabaseCopy::safetyCopyName_data() {
     QTest::addColumn<QDateTime>("when");
     QTest::addColumn<QString>("name");
-    QTest::newRow("afternoon") << QDateTime(QDate(2013, 3, 14), QTime(15, 5, 7))
-                               << "Levydsk 2013-03-14 03-05-07 PM.tmp";
-    QTest::newRow("midnight") << QDateTime(QDate(2013, 12, 1), QTime(0, 30, 0))
-                              << "Levydsk 2013-12-01 12-30-00 AM.tmp";
-    QTest::newRow("noon") << QDateTime(QDate(2014, 1, 9), QTime(12, 0, 59))
-                          << "Levydsk 2014-01-09 12-00-59 PM.tmp";
+    AddRow("afternoon", QDateTime(QDate(2013, 3, 14), QTime(15, 5, 7)),
+           "Levydsk 2013-03-14 03-05-07 PM.tmp");
+    AddRow("midnight", QDateTime(QDate(2013, 12, 1), QTime(0, 30, 0)),
+           "Levydsk 2013-12-01 12-30-00 AM.tmp");
+    AddRow("noon", QDateTime(QDate(2014, 1, 9), QTime(12, 0, 59)),
+           "Levydsk 2014-01-09 12-00-59 PM.tmp");
 }
 
 void TestDatabaseCopy::safetyCopyName() {

@@ -54,18 +54,12 @@ void TestPaymentRulesAmounts::millageFace_data() {
     QTest::addColumn<QString>("sumRoundedOnce");
 
     // Rounding land and improvements apart gains a cent over rounding their sum.
-    QTest::newRow("parts round up apart") << qint64(10001) << qint64(20003) << 5.55 << "166.53"
-                                          << "166.52";
-    QTest::newRow("two halves") << qint64(1050) << qint64(1050) << 0.5 << "1.06"
-                                << "1.05";
-    QTest::newRow("no difference") << qint64(12345) << qint64(67890) << 4.174 << "334.90"
-                                   << "334.90";
-    QTest::newRow("land only") << qint64(33300) << qint64(0) << 2.5 << "83.25"
-                               << "83.25";
-    QTest::newRow("zero mill") << qint64(10000) << qint64(5000) << 0.0 << "0.00"
-                               << "0.00";
-    QTest::newRow("zero assessment") << qint64(0) << qint64(0) << 5.0 << "0.00"
-                                     << "0.00";
+    AddRow("parts round up apart", qint64(10001), qint64(20003), 5.55, "166.53", "166.52");
+    AddRow("two halves", qint64(1050), qint64(1050), 0.5, "1.06", "1.05");
+    AddRow("no difference", qint64(12345), qint64(67890), 4.174, "334.90", "334.90");
+    AddRow("land only", qint64(33300), qint64(0), 2.5, "83.25", "83.25");
+    AddRow("zero mill", qint64(10000), qint64(5000), 0.0, "0.00", "0.00");
+    AddRow("zero assessment", qint64(0), qint64(0), 5.0, "0.00", "0.00");
 }
 
 void TestPaymentRulesAmounts::millageFace() {
@@ -86,13 +80,13 @@ void TestPaymentRulesAmounts::discountAndPenalty_data() {
     QTest::addColumn<double>("penaltyPct");
     QTest::addColumn<QString>("triple");
 
-    QTest::newRow("round face") << "100.00" << 2.0 << 10.0 << "98.00/100.00/110.00";
-    QTest::newRow("discount rounds up") << "166.53" << 2.0 << 10.0 << "163.20/166.53/183.18";
-    QTest::newRow("penalty rounds down") << "334.90" << 2.0 << 10.0 << "328.20/334.90/368.39";
-    QTest::newRow("quarter") << "0.25" << 2.0 << 10.0 << "0.25/0.25/0.28";
-    QTest::newRow("fractional rates") << "1000.00" << 1.5 << 5.25 << "985.00/1000.00/1052.50";
-    QTest::newRow("zero rates") << "123.45" << 0.0 << 0.0 << "123.45/123.45/123.45";
-    QTest::newRow("zero face") << "0.00" << 2.0 << 10.0 << "0.00/0.00/0.00";
+    AddRow("round face", "100.00", 2.0, 10.0, "98.00/100.00/110.00");
+    AddRow("discount rounds up", "166.53", 2.0, 10.0, "163.20/166.53/183.18");
+    AddRow("penalty rounds down", "334.90", 2.0, 10.0, "328.20/334.90/368.39");
+    AddRow("quarter", "0.25", 2.0, 10.0, "0.25/0.25/0.28");
+    AddRow("fractional rates", "1000.00", 1.5, 5.25, "985.00/1000.00/1052.50");
+    AddRow("zero rates", "123.45", 0.0, 0.0, "123.45/123.45/123.45");
+    AddRow("zero face", "0.00", 2.0, 10.0, "0.00/0.00/0.00");
 }
 
 void TestPaymentRulesAmounts::discountAndPenalty() {
@@ -115,16 +109,13 @@ void TestPaymentRulesAmounts::schoolFace_data() {
     QTest::addColumn<double>("steb");
     QTest::addColumn<QString>("face");
 
-    QTest::newRow("millage on the sum") << qint64(30004) << false << 18.5 << 0.0 << 0.0 << "555.07";
-    QTest::newRow("millage ignores the ratios")
-        << qint64(30004) << false << 18.5 << 0.6 << 0.5 << "555.07";
-    QTest::newRow("millage zero mill") << qint64(30004) << false << 0.0 << 0.6 << 0.5 << "0.00";
-    QTest::newRow("formula") << qint64(30004) << true << 18.5 << 0.6 << 0.5 << "666.09";
-    QTest::newRow("formula equal ratios")
-        << qint64(30004) << true << 18.5 << 0.5 << 0.5 << "555.07";
-    QTest::newRow("formula steb zero") << qint64(30004) << true << 18.5 << 0.6 << 0.0 << "0.00";
-    QTest::newRow("formula steb negative")
-        << qint64(30004) << true << 18.5 << 0.6 << -1.0 << "0.00";
+    AddRow("millage on the sum", qint64(30004), false, 18.5, 0.0, 0.0, "555.07");
+    AddRow("millage ignores the ratios", qint64(30004), false, 18.5, 0.6, 0.5, "555.07");
+    AddRow("millage zero mill", qint64(30004), false, 0.0, 0.6, 0.5, "0.00");
+    AddRow("formula", qint64(30004), true, 18.5, 0.6, 0.5, "666.09");
+    AddRow("formula equal ratios", qint64(30004), true, 18.5, 0.5, 0.5, "555.07");
+    AddRow("formula steb zero", qint64(30004), true, 18.5, 0.6, 0.0, "0.00");
+    AddRow("formula steb negative", qint64(30004), true, 18.5, 0.6, -1.0, "0.00");
 }
 
 void TestPaymentRulesAmounts::schoolFace() {
@@ -144,13 +135,13 @@ void TestPaymentRulesAmounts::schoolFormulaFlag_data() {
     QTest::addColumn<QString>("flag");
     QTest::addColumn<bool>("formula");
 
-    QTest::newRow("N") << "N" << false;
-    QTest::newRow("N padded") << "N " << false;
-    QTest::newRow("Y") << "Y" << true;
+    AddRow("N", "N", false);
+    AddRow("N padded", "N ", false);
+    AddRow("Y", "Y", true);
     // Only "N" means plain millage: a blank or lower-case flag takes the formula.
-    QTest::newRow("blank") << " " << true;
-    QTest::newRow("empty") << "" << true;
-    QTest::newRow("lower n") << "n" << true;
+    AddRow("blank", " ", true);
+    AddRow("empty", "", true);
+    AddRow("lower n", "n", true);
 }
 
 void TestPaymentRulesAmounts::schoolFormulaFlag() {
@@ -169,36 +160,21 @@ void TestPaymentRulesAmounts::act1Exclusion_data() {
     QTest::addColumn<QString>("farmstead");
     QTest::addColumn<QString>("excFace");
 
-    QTest::newRow("within the assessment")
-        << qint64(20000) << qint64(60000) << "30000"
-        << "5000" << 18.5 << "30000.00"
-        << "5000.00"
-        // 647.50 goes to the even dollar 648 for its discount and penalty.
-        << "635.04/647.50/712.80";
-    QTest::newRow("homestead above the assessment") << qint64(20000) << qint64(60000) << "90000"
-                                                    << "5000" << 18.5 << "80000.00"
-                                                    << "0.00"
-                                                    << "1450.40/1480.00/1628.00";
-    QTest::newRow("farmstead cut to what is left") << qint64(20000) << qint64(60000) << "70000"
-                                                   << "15000" << 18.5 << "70000.00"
-                                                   << "10000.00"
-                                                   << "1450.40/1480.00/1628.00";
-    QTest::newRow("half dollar up to even") << qint64(5000) << qint64(20000) << "10000"
-                                            << "0" << 12.35 << "10000.00"
-                                            << "0.00"
-                                            << "121.52/123.50/136.40";
-    QTest::newRow("half dollar down to even") << qint64(5000) << qint64(20000) << "10000"
-                                              << "0" << 12.25 << "10000.00"
-                                              << "0.00"
-                                              << "119.56/122.50/134.20";
-    QTest::newRow("zero school rate") << qint64(5000) << qint64(20000) << "10000"
-                                      << "2000" << 0.0 << "10000.00"
-                                      << "2000.00"
-                                      << "0.00/0.00/0.00";
-    QTest::newRow("no exclusion") << qint64(5000) << qint64(20000) << "0"
-                                  << "0" << 18.5 << "0.00"
-                                  << "0.00"
-                                  << "0.00/0.00/0.00";
+    // 647.50 goes to the even dollar 648 for its discount and penalty.
+    AddRow("within the assessment", qint64(20000), qint64(60000), "30000", "5000", 18.5, "30000.00",
+           "5000.00", "635.04/647.50/712.80");
+    AddRow("homestead above the assessment", qint64(20000), qint64(60000), "90000", "5000", 18.5,
+           "80000.00", "0.00", "1450.40/1480.00/1628.00");
+    AddRow("farmstead cut to what is left", qint64(20000), qint64(60000), "70000", "15000", 18.5,
+           "70000.00", "10000.00", "1450.40/1480.00/1628.00");
+    AddRow("half dollar up to even", qint64(5000), qint64(20000), "10000", "0", 12.35, "10000.00",
+           "0.00", "121.52/123.50/136.40");
+    AddRow("half dollar down to even", qint64(5000), qint64(20000), "10000", "0", 12.25, "10000.00",
+           "0.00", "119.56/122.50/134.20");
+    AddRow("zero school rate", qint64(5000), qint64(20000), "10000", "2000", 0.0, "10000.00",
+           "2000.00", "0.00/0.00/0.00");
+    AddRow("no exclusion", qint64(5000), qint64(20000), "0", "0", 18.5, "0.00", "0.00",
+           "0.00/0.00/0.00");
 }
 
 void TestPaymentRulesAmounts::act1Exclusion() {
@@ -226,11 +202,11 @@ void TestPaymentRulesAmounts::schoolLineAfterExclusion_data() {
     QTest::addColumn<QString>("school");
 
     // Gross 1480.00, exclusion 647.50, net 832.50.
-    QTest::newRow("on the net face") << false << 18.5 << false << "815.85/832.50/915.75";
-    QTest::newRow("share of the gross face") << false << 18.5 << true << "802.90/832.50/980.50";
+    AddRow("on the net face", false, 18.5, false, "815.85/832.50/915.75");
+    AddRow("share of the gross face", false, 18.5, true, "802.90/832.50/980.50");
     // Under the formula the collector's face plays no part.
-    QTest::newRow("formula ignores the share") << true << 18.5 << true << "815.85/832.50/915.75";
-    QTest::newRow("plain zero mill") << false << 0.0 << false << "0.00/832.50/0.00";
+    AddRow("formula ignores the share", true, 18.5, true, "815.85/832.50/915.75");
+    AddRow("plain zero mill", false, 0.0, false, "0.00/832.50/0.00");
 }
 
 void TestPaymentRulesAmounts::schoolLineAfterExclusion() {
@@ -260,27 +236,13 @@ void TestPaymentRulesAmounts::installments_data() {
     QTest::addColumn<QString>("payments");
     QTest::addColumn<QString>("penalties");
 
-    QTest::newRow("100.00") << "100.00"
-                            << "33.34/33.33/33.33"
-                            << "0.00/36.66/36.66";
-    QTest::newRow("100.01") << "100.01"
-                            << "33.34/33.34/33.33"
-                            << "0.00/36.67/36.66";
-    QTest::newRow("100.02") << "100.02"
-                            << "33.34/33.34/33.34"
-                            << "0.00/36.67/36.67";
-    QTest::newRow("1000.00") << "1000.00"
-                             << "333.34/333.33/333.33"
-                             << "0.00/366.66/366.66";
-    QTest::newRow("even thirds") << "99.99"
-                                 << "33.33/33.33/33.33"
-                                 << "0.00/36.66/36.66";
-    QTest::newRow("one cent") << "0.01"
-                              << "0.01/0.00/0.00"
-                              << "0.00/0.00/0.00";
-    QTest::newRow("zero") << "0.00"
-                          << "0.00/0.00/0.00"
-                          << "0.00/0.00/0.00";
+    AddRow("100.00", "100.00", "33.34/33.33/33.33", "0.00/36.66/36.66");
+    AddRow("100.01", "100.01", "33.34/33.34/33.33", "0.00/36.67/36.66");
+    AddRow("100.02", "100.02", "33.34/33.34/33.34", "0.00/36.67/36.67");
+    AddRow("1000.00", "1000.00", "333.34/333.33/333.33", "0.00/366.66/366.66");
+    AddRow("even thirds", "99.99", "33.33/33.33/33.33", "0.00/36.66/36.66");
+    AddRow("one cent", "0.01", "0.01/0.00/0.00", "0.00/0.00/0.00");
+    AddRow("zero", "0.00", "0.00/0.00/0.00", "0.00/0.00/0.00");
 }
 
 void TestPaymentRulesAmounts::installments() {

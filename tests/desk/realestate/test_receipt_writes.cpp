@@ -124,10 +124,10 @@ private Q_SLOTS:
 void TestReceiptWrites::recnum_data() {
     QTest::addColumn<qint64>("counter");
     QTest::addColumn<QString>("recnum");
-    QTest::newRow("first") << qint64(1) << "201309150001";
-    QTest::newRow("four digits") << qint64(9999) << "201309159999";
+    AddRow("first", qint64(1), "201309150001");
+    AddRow("four digits", qint64(9999), "201309159999");
     // The twelve-character field loses the last digit of a five-digit counter.
-    QTest::newRow("five digits") << qint64(12345) << "201309151234";
+    AddRow("five digits", qint64(12345), "201309151234");
 }
 
 void TestReceiptWrites::recnum() {
@@ -278,24 +278,12 @@ void TestReceiptWrites::flagsAfterVoid_data() {
     QTest::addColumn<QString>("bill");    // P1 P2 P3 on the bill
     QTest::addColumn<QString>("written"); // C T S P1 P2 P3, "-" not written
 
-    QTest::newRow("county and school") << "D P   "
-                                       << "   "
-                                       << " - ---";
-    QTest::newRow("municipal only") << " F    "
-                                    << "   "
-                                    << "- ----";
-    QTest::newRow("installment 2 of two") << "  I P "
-                                          << "FP "
-                                          << "--I- -";
-    QTest::newRow("the only installment") << "  IF  "
-                                          << "F  "
-                                          << "--  --";
-    QTest::newRow("installments 1 and 2 of all three") << "  IFF "
-                                                       << "FFF"
-                                                       << "--I  -";
-    QTest::newRow("nothing paid") << "      "
-                                  << "   "
-                                  << "------";
+    AddRow("county and school", "D P   ", "   ", " - ---");
+    AddRow("municipal only", " F    ", "   ", "- ----");
+    AddRow("installment 2 of two", "  I P ", "FP ", "--I- -");
+    AddRow("the only installment", "  IF  ", "F  ", "--  --");
+    AddRow("installments 1 and 2 of all three", "  IFF ", "FFF", "--I  -");
+    AddRow("nothing paid", "      ", "   ", "------");
 }
 
 void TestReceiptWrites::flagsAfterVoid() {
