@@ -71,7 +71,6 @@ class TestSpecialTaxSaves : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void saveInsertsThenUpdates();
-    void deleteLeavesOtherYearsAndTaxpayers();
     void previousYear_data();
     void previousYear();
     void copyPreviousYear();
@@ -79,8 +78,6 @@ private Q_SLOTS:
     void flatAmounts_data();
     void flatAmounts();
     void slots();
-    void amountLandsInThirdSpecial();
-    void secondTaxOverwritesThirdSpecial();
     void deleteClearsSlotOfTheTax_data();
     void deleteClearsSlotOfTheTax();
     void failedBillUpdateWritesNothing();
@@ -110,29 +107,14 @@ void TestSpecialTaxSaves::saveInsertsThenUpdates() {
     QVERIFY(list[1].exempt && list[1].specials);
 }
 
-void TestSpecialTaxSaves::deleteLeavesOtherYearsAndTaxpayers() {
-    TempTaxDatabase t;
-    seedTaxes(t);
-    QVERIFY(t.exec("INSERT INTO Specpay (District, Ward, Control, TaxKey, Amount) VALUES "
-                   "('12', '3', '000101', 'LIGHT', 250000)"));
-    QVERIFY(DeleteSpecialTax(t.db(), "12", "3", "LIGHT", "2013"));
-    QCOMPARE(rows(t, "SELECT TaxYear FROM Spectax WHERE TaxKey = 'LIGHT'"), QStringList{"2012"});
-    QCOMPARE(rows(t, "SELECT count(*) FROM Specpay"), QStringList{"1"});
-}
-
 void TestSpecialTaxSaves::previousYear_data() {
     QTest::addColumn<QString>("year");
     QTest::addColumn<QString>("previous");
-    QTest::newRow("plain") << "2013"
-                           << "2012";
-    QTest::newRow("century") << "2000"
-                             << "1999";
-    QTest::newRow("blanks") << " 2014 "
-                            << "2013";
-    QTest::newRow("not a year") << "20x3"
-                                << "";
-    QTest::newRow("empty") << ""
-                           << "";
+    AddRow("plain", "2013", "2012");
+    AddRow("century", "2000", "1999");
+    AddRow("blanks", " 2014 ", "2013");
+    AddRow("not a year", "20x3", "");
+    AddRow("empty", "", "");
 }
 
 void TestSpecialTaxSaves::previousYear() {
@@ -169,13 +151,13 @@ void TestSpecialTaxSaves::flatAmounts_data() {
     QTest::addColumn<double>("tp");
     QTest::addColumn<qint64>("discountCents");
     QTest::addColumn<qint64>("penaltyCents");
-    QTest::newRow("round shares") << qint64(2500) << 2.0 << 10.0 << qint64(2450) << qint64(2750);
+    AddRow("round shares", qint64(2500), 2.0, 10.0, qint64(2450), qint64(2750));
     // 33.33 x 2% = 0.6666 rounds to 0.67; x 10% = 3.333 rounds to 3.33.
-    QTest::newRow("share rounded") << qint64(3333) << 2.0 << 10.0 << qint64(3266) << qint64(3666);
+    AddRow("share rounded", qint64(3333), 2.0, 10.0, qint64(3266), qint64(3666));
     // 12.25 x 2% = 0.245 and 12.25 x 10% = 1.225: the half goes up.
-    QTest::newRow("half up") << qint64(1225) << 2.0 << 10.0 << qint64(1200) << qint64(1348);
-    QTest::newRow("no rates") << qint64(1999) << 0.0 << 0.0 << qint64(1999) << qint64(1999);
-    QTest::newRow("zero amount") << qint64(0) << 2.0 << 10.0 << qint64(0) << qint64(0);
+    AddRow("half up", qint64(1225), 2.0, 10.0, qint64(1200), qint64(1348));
+    AddRow("no rates", qint64(1999), 0.0, 0.0, qint64(1999), qint64(1999));
+    AddRow("zero amount", qint64(0), 2.0, 10.0, qint64(0), qint64(0));
 }
 
 void TestSpecialTaxSaves::flatAmounts() {
@@ -203,51 +185,15 @@ void TestSpecialTaxSaves::slots() {
     QCOMPARE(SpecialTaxSlot(t.db(), "ZZZ"), 5);
 }
 
-void TestSpecialTaxSaves::amountLandsInThirdSpecial() {
-    TempTaxDatabase t;
-    seedTaxes(t);
-    seedBills(t);
-    // FIRE is slot 2, but the amount goes to the third special.
-    QVERIFY(SaveSpecialTaxpayerAmount(t.db(), flat("FIRE", Money::fromCents(3333))));
-    QCOMPARE(rows(t, QString::fromLatin1(BillSpecials).arg("12", "3")),
-             QStringList{"110000|107800|121000|220000|333300|326600|366600"});
-    QCOMPARE(rows(t, "SELECT District, Ward, Control, TaxKey, Map, Map3, Map4, Map5, Name, "
-                     "Amount FROM Specpay"),
-             QStringList{"12|3|000101|FIRE|12-0030010000|12-003|001|0000|SMITH JOHN|333300"});
-    // The same control number in another district is another bill.
-    QCOMPARE(rows(t, QString::fromLatin1(BillSpecials).arg("45", "1")),
-             QStringList{"110000|107800|121000|0|330000|323400|363000"});
-    // Saving again updates the row.
-    QVERIFY(SaveSpecialTaxpayerAmount(t.db(), flat("FIRE", Money::fromCents(1000))));
-    QCOMPARE(rows(t, "SELECT TaxKey, Amount FROM Specpay"), QStringList{"FIRE|100000"});
-    QCOMPARE(rows(t, "SELECT S3Face, DS3Face, PS3Face FROM TCMaster WHERE District = '12'"),
-             QStringList{"100000|98000|110000"});
-}
-
-void TestSpecialTaxSaves::secondTaxOverwritesThirdSpecial() {
-    TempTaxDatabase t;
-    seedTaxes(t);
-    seedBills(t);
-    QVERIFY(SaveSpecialTaxpayerAmount(t.db(), flat("LIGHT", Money::fromCents(2500))));
-    QVERIFY(SaveSpecialTaxpayerAmount(t.db(), flat("FIRE", Money::fromCents(4000))));
-    QCOMPARE(rows(t, "SELECT TaxKey, Amount FROM Specpay ORDER BY TaxKey"),
-             (QStringList{"FIRE|400000", "LIGHT|250000"}));
-    QCOMPARE(rows(t, "SELECT S3Face FROM TCMaster WHERE District = '12'"), QStringList{"400000"});
-}
-
 void TestSpecialTaxSaves::deleteClearsSlotOfTheTax_data() {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("bill");
     // AMBUL is slot 1: the first special is zeroed and the third, where its amount stood, stays.
-    QTest::newRow("slot 1") << "AMBUL"
-                            << "0|0|0|220000|330000|323400|363000";
-    QTest::newRow("slot 2") << "FIRE"
-                            << "110000|107800|121000|0|330000|323400|363000";
-    QTest::newRow("slot 3") << "LIGHT"
-                            << "110000|107800|121000|220000|0|0|0";
+    AddRow("slot 1", "AMBUL", "0|0|0|220000|330000|323400|363000");
+    AddRow("slot 2", "FIRE", "110000|107800|121000|0|330000|323400|363000");
+    AddRow("slot 3", "LIGHT", "110000|107800|121000|220000|0|0|0");
     // A fourth tax changes no bill.
-    QTest::newRow("slot 4") << "ZZZ"
-                            << "110000|107800|121000|220000|330000|323400|363000";
+    AddRow("slot 4", "ZZZ", "110000|107800|121000|220000|330000|323400|363000");
 }
 
 void TestSpecialTaxSaves::deleteClearsSlotOfTheTax() {
