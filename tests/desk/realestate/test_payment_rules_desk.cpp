@@ -78,7 +78,6 @@ private Q_SLOTS:
     void paymentAgainstTotal_data();
     void paymentAgainstTotal();
     void paymentInfoRealEstate();
-    void paymentInfoInstallments();
     void paymentInfoExoneratedAndEmpty();
     void paymentInfoPerCapitaQuirks();
     void paymentInfoFromDatabase();
@@ -94,17 +93,17 @@ void TestPaymentRulesDesk::periodForDate_data() {
 
     const QDate disc = D("2013-04-30");
     const QDate pen = D("2013-07-01");
-    QTest::newRow("before discount") << D("2013-03-01") << disc << pen << "D";
-    QTest::newRow("last day of discount") << disc << disc << pen << "D";
-    QTest::newRow("day after discount") << D("2013-05-01") << disc << pen << "F";
-    QTest::newRow("day before penalty") << D("2013-06-30") << disc << pen << "F";
-    QTest::newRow("first day of penalty") << pen << disc << pen << "P";
-    QTest::newRow("long after the last day") << D("2014-03-01") << disc << pen << "P";
+    AddRow("before discount", D("2013-03-01"), disc, pen, "D");
+    AddRow("last day of discount", disc, disc, pen, "D");
+    AddRow("day after discount", D("2013-05-01"), disc, pen, "F");
+    AddRow("day before penalty", D("2013-06-30"), disc, pen, "F");
+    AddRow("first day of penalty", pen, disc, pen, "P");
+    AddRow("long after the last day", D("2014-03-01"), disc, pen, "P");
     // With the penalty the day after the discount there is no face period at all.
-    QTest::newRow("no face: last discount day") << disc << disc << disc.addDays(1) << "D";
-    QTest::newRow("no face: next day") << disc.addDays(1) << disc << disc.addDays(1) << "P";
-    QTest::newRow("no discount date") << D("2013-01-01") << QDate() << pen << "F";
-    QTest::newRow("no penalty date") << D("2014-01-01") << disc << QDate() << "F";
+    AddRow("no face: last discount day", disc, disc, disc.addDays(1), "D");
+    AddRow("no face: next day", disc.addDays(1), disc, disc.addDays(1), "P");
+    AddRow("no discount date", D("2013-01-01"), QDate(), pen, "F");
+    AddRow("no penalty date", D("2014-01-01"), disc, QDate(), "F");
 }
 
 void TestPaymentRulesDesk::periodForDate() {
@@ -178,22 +177,10 @@ void TestPaymentRulesDesk::amountsOfPeriod_data() {
     QTest::addColumn<QString>("schoolTotal");
 
     // Faces: county 100+110+120, twp 130+140+150+160, school 170+180.
-    QTest::newRow("all face") << "FFF"
-                              << "330.00"
-                              << "580.00"
-                              << "350.00";
-    QTest::newRow("all discount") << "DDD"
-                                  << "324.00"
-                                  << "572.00"
-                                  << "346.00";
-    QTest::newRow("all penalty") << "PPP"
-                                 << "360.00"
-                                 << "620.00"
-                                 << "370.00";
-    QTest::newRow("one each") << "DFP"
-                              << "324.00"
-                              << "580.00"
-                              << "370.00";
+    AddRow("all face", "FFF", "330.00", "580.00", "350.00");
+    AddRow("all discount", "DDD", "324.00", "572.00", "346.00");
+    AddRow("all penalty", "PPP", "360.00", "620.00", "370.00");
+    AddRow("one each", "DFP", "324.00", "580.00", "370.00");
 }
 
 void TestPaymentRulesDesk::amountsOfPeriod() {
@@ -250,22 +237,14 @@ void TestPaymentRulesDesk::municipalFlags_data() {
     const int all = int(StreetLightChoice::All);
     const int twp = int(StreetLightChoice::TwpOnly);
     const int lights = int(StreetLightChoice::StreetLightOnly);
-    QTest::newRow("twp only, nothing paid") << true << true << twp << " "
-                                            << " D T";
-    QTest::newRow("twp only after lights") << true << true << twp << "S"
-                                           << "DD  ";
-    QTest::newRow("lights only, nothing paid") << true << true << lights << " "
-                                               << "  DS";
-    QTest::newRow("lights only after twp") << true << true << lights << "T"
-                                           << "D D ";
-    QTest::newRow("all") << true << true << all << " "
-                         << "DDD ";
-    QTest::newRow("all with twp paid") << true << true << all << "T"
-                                       << "DDD ";
-    QTest::newRow("no split") << true << false << twp << "T"
-                              << "D   ";
-    QTest::newRow("not ticked") << false << true << all << "T"
-                                << "--- ";
+    AddRow("twp only, nothing paid", true, true, twp, " ", " D T");
+    AddRow("twp only after lights", true, true, twp, "S", "DD  ");
+    AddRow("lights only, nothing paid", true, true, lights, " ", "  DS");
+    AddRow("lights only after twp", true, true, lights, "T", "D D ");
+    AddRow("all", true, true, all, " ", "DDD ");
+    AddRow("all with twp paid", true, true, all, "T", "DDD ");
+    AddRow("no split", true, false, twp, "T", "D   ");
+    AddRow("not ticked", false, true, all, "T", "--- ");
 }
 
 void TestPaymentRulesDesk::municipalFlags() {
@@ -290,25 +269,19 @@ void TestPaymentRulesDesk::installmentRule_data() {
     QTest::addColumn<QString>("nextLabel");
     QTest::addColumn<QDate>("nextDate");
 
-    QTest::newRow("all unpaid, on the first date")
-        << "   " << D("2013-06-30") << QStringList{"33.34 F FACE", "33.33 F FACE", "33.33 F FACE"}
-        << "FACE" << D("2013-06-30");
-    QTest::newRow("first past its date")
-        << "   " << D("2013-07-01")
-        << QStringList{"33.34 - PAST DATE!", "33.33 F FACE", "33.33 F FACE"} << "PAST DATE!"
-        << D("2013-06-30");
-    QTest::newRow("first paid, second on its date")
-        << "F  " << D("2013-08-31") << QStringList{"33.34 F -", "33.33 F FACE", "33.33 F FACE"}
-        << "FACE" << D("2013-08-31");
-    QTest::newRow("first paid, second past its date")
-        << "F  " << D("2013-09-01") << QStringList{"33.34 F -", "36.66 P PENALTY", "33.33 F FACE"}
-        << "PENALTY" << D("2013-08-31");
-    QTest::newRow("second paid at penalty, third late")
-        << "FP " << D("2013-11-01") << QStringList{"33.34 F -", "36.66 P -", "36.66 P PENALTY"}
-        << "PENALTY" << D("2013-10-31");
-    QTest::newRow("all paid") << "FFP" << D("2013-12-01")
-                              << QStringList{"33.34 F -", "33.33 F -", "36.66 P -"}
-                              << "PAID IN FULL" << QDate();
+    AddRow("all unpaid, on the first date", "   ", D("2013-06-30"),
+           QStringList{"33.34 F FACE", "33.33 F FACE", "33.33 F FACE"}, "FACE", D("2013-06-30"));
+    AddRow("first past its date", "   ", D("2013-07-01"),
+           QStringList{"33.34 - PAST DATE!", "33.33 F FACE", "33.33 F FACE"}, "PAST DATE!",
+           D("2013-06-30"));
+    AddRow("first paid, second on its date", "F  ", D("2013-08-31"),
+           QStringList{"33.34 F -", "33.33 F FACE", "33.33 F FACE"}, "FACE", D("2013-08-31"));
+    AddRow("first paid, second past its date", "F  ", D("2013-09-01"),
+           QStringList{"33.34 F -", "36.66 P PENALTY", "33.33 F FACE"}, "PENALTY", D("2013-08-31"));
+    AddRow("second paid at penalty, third late", "FP ", D("2013-11-01"),
+           QStringList{"33.34 F -", "36.66 P -", "36.66 P PENALTY"}, "PENALTY", D("2013-10-31"));
+    AddRow("all paid", "FFP", D("2013-12-01"), QStringList{"33.34 F -", "33.33 F -", "36.66 P -"},
+           "PAID IN FULL", QDate());
 }
 
 void TestPaymentRulesDesk::installmentRule() {
@@ -344,39 +317,17 @@ void TestPaymentRulesDesk::installmentBoxes_data() {
     QTest::addColumn<QString>("ruled");
 
     const QDate early = D("2013-06-01");
-    QTest::newRow("first alone") << "   " << early << true << "000"
-                                 << "100"
-                                 << "100";
-    QTest::newRow("second needs the first") << "   " << early << true << "000"
-                                            << "010"
-                                            << "000";
-    QTest::newRow("first and second") << "   " << early << true << "100"
-                                      << "110"
-                                      << "110";
-    QTest::newRow("third needs the second") << "   " << early << true << "100"
-                                            << "101"
-                                            << "100";
-    QTest::newRow("first off takes the rest") << "   " << early << true << "111"
-                                              << "011"
-                                              << "000";
-    QTest::newRow("second off takes the third") << "   " << early << true << "111"
-                                                << "101"
-                                                << "100";
-    QTest::newRow("first paid: second alone") << "F  " << early << true << "000"
-                                              << "010"
-                                              << "010";
-    QTest::newRow("first paid: third needs second") << "F  " << early << true << "000"
-                                                    << "001"
-                                                    << "000";
-    QTest::newRow("paid box goes off") << "F  " << early << true << "000"
-                                       << "110"
-                                       << "010";
-    QTest::newRow("school off") << "   " << early << false << "000"
-                                << "100"
-                                << "000";
-    QTest::newRow("first past its date") << "   " << D("2013-07-15") << true << "000"
-                                         << "110"
-                                         << "000";
+    AddRow("first alone", "   ", early, true, "000", "100", "100");
+    AddRow("second needs the first", "   ", early, true, "000", "010", "000");
+    AddRow("first and second", "   ", early, true, "100", "110", "110");
+    AddRow("third needs the second", "   ", early, true, "100", "101", "100");
+    AddRow("first off takes the rest", "   ", early, true, "111", "011", "000");
+    AddRow("second off takes the third", "   ", early, true, "111", "101", "100");
+    AddRow("first paid: second alone", "F  ", early, true, "000", "010", "010");
+    AddRow("first paid: third needs second", "F  ", early, true, "000", "001", "000");
+    AddRow("paid box goes off", "F  ", early, true, "000", "110", "010");
+    AddRow("school off", "   ", early, false, "000", "100", "000");
+    AddRow("first past its date", "   ", D("2013-07-15"), true, "000", "110", "000");
 }
 
 void TestPaymentRulesDesk::installmentBoxes() {
@@ -406,54 +357,14 @@ void TestPaymentRulesDesk::amountOffered_data() {
     QTest::addColumn<QString>("tickedAfter");
 
     // At face: county 330, twp 580, school 350; installments 33.34/33.33/33.33 (on time).
-    QTest::newRow("everything") << "111"
-                                << "   "
-                                << "   "
-                                << "000"
-                                << "1260.00"
-                                << "000";
-    QTest::newRow("county only") << "100"
-                                 << "   "
-                                 << "   "
-                                 << "000"
-                                 << "330.00"
-                                 << "000";
-    QTest::newRow("county paid offers nothing") << "100"
-                                                << "F  "
-                                                << "   "
-                                                << "000"
-                                                << "0.00"
-                                                << "000";
-    QTest::newRow("first installment ticked") << "001"
-                                              << "   "
-                                              << "   "
-                                              << "100"
-                                              << "33.34"
-                                              << "100";
-    QTest::newRow("two installments ticked") << "001"
-                                             << "   "
-                                             << "   "
-                                             << "110"
-                                             << "66.67"
-                                             << "110";
-    QTest::newRow("next installment by itself") << "001"
-                                                << "  I"
-                                                << "F  "
-                                                << "000"
-                                                << "33.33"
-                                                << "010";
-    QTest::newRow("third by itself") << "011"
-                                     << "  I"
-                                     << "FF "
-                                     << "000"
-                                     << "613.33"
-                                     << "001";
-    QTest::newRow("paying by installments, none paid") << "001"
-                                                       << "  I"
-                                                       << "   "
-                                                       << "000"
-                                                       << "350.00"
-                                                       << "000";
+    AddRow("everything", "111", "   ", "   ", "000", "1260.00", "000");
+    AddRow("county only", "100", "   ", "   ", "000", "330.00", "000");
+    AddRow("county paid offers nothing", "100", "F  ", "   ", "000", "0.00", "000");
+    AddRow("first installment ticked", "001", "   ", "   ", "100", "33.34", "100");
+    AddRow("two installments ticked", "001", "   ", "   ", "110", "66.67", "110");
+    AddRow("next installment by itself", "001", "  I", "F  ", "000", "33.33", "010");
+    AddRow("third by itself", "011", "  I", "FF ", "000", "613.33", "001");
+    AddRow("paying by installments, none paid", "001", "  I", "   ", "000", "350.00", "000");
 }
 
 void TestPaymentRulesDesk::amountOffered() {
@@ -509,62 +420,27 @@ void TestPaymentRulesDesk::paymentAgainstTotal_data() {
 
     using K = PaymentCheck::Kind;
     // The total due is 1,250.00 throughout.
-    QTest::newRow("refund above tolerance") << "1300.00"
-                                            << "2.00" << int(K::Refund) << "Apply Refund"
-                                            << "Do you want to apply a refund of $50.00 ?"
-                                            << "0.00"
-                                            << "50.00";
-    QTest::newRow("refund with thousands") << "2500.01"
-                                           << "0" << int(K::Refund) << "Apply Refund"
-                                           << "Do you want to apply a refund of $1,250.01 ?"
-                                           << "0.00"
-                                           << "1250.01";
-    QTest::newRow("overage within tolerance") << "1251.50"
-                                              << "2.00" << int(K::Overage) << "Apply Overage"
-                                              << "Do you want to apply an overage of  $1.50 ?"
-                                              << "1.50"
-                                              << "0.00";
-    QTest::newRow("overage at the tolerance") << "1252.00"
-                                              << "2.00" << int(K::Overage) << "Apply Overage"
-                                              << "Do you want to apply an overage of  $2.00 ?"
-                                              << "2.00"
-                                              << "0.00";
-    QTest::newRow("exact") << "1250.00"
-                           << "0" << int(K::Exact) << ""
-                           << ""
-                           << "0.00"
-                           << "0.00";
-    QTest::newRow("underage within tolerance") << "1249.50"
-                                               << "2.00" << int(K::Underage) << "Apply Overage"
-                                               << "Do you want to apply an underage of  -$0.50 ?"
-                                               << "-0.50"
-                                               << "0.00";
-    QTest::newRow("underage at the tolerance") << "1248.00"
-                                               << "2.00" << int(K::Underage) << "Apply Overage"
-                                               << "Do you want to apply an underage of  -$2.00 ?"
-                                               << "-2.00"
-                                               << "0.00";
-    QTest::newRow("short beyond tolerance") << "1247.99"
-                                            << "2.00" << int(K::Refused) << "Receive Payment"
-                                            << "Payment must be within $2.00 of total due."
-                                            << "0.00"
-                                            << "0.00";
-    QTest::newRow("one cent short, no tolerance") << "1249.99"
-                                                  << "0" << int(K::Refused) << "Receive Payment"
-                                                  << "Payment must be within $.00 of total due."
-                                                  << "0.00"
-                                                  << "0.00";
-    QTest::newRow("one cent over, no tolerance") << "1250.01"
-                                                 << "0" << int(K::Refund) << "Apply Refund"
-                                                 << "Do you want to apply a refund of $0.01 ?"
-                                                 << "0.00"
-                                                 << "0.01";
-    QTest::newRow("large tolerance shown in two digits")
-        << "1100.00"
-        << "25.00" << int(K::Refused) << "Receive Payment"
-        << "Payment must be within $25.00 of total due."
-        << "0.00"
-        << "0.00";
+    AddRow("refund above tolerance", "1300.00", "2.00", int(K::Refund), "Apply Refund",
+           "Do you want to apply a refund of $50.00 ?", "0.00", "50.00");
+    AddRow("refund with thousands", "2500.01", "0", int(K::Refund), "Apply Refund",
+           "Do you want to apply a refund of $1,250.01 ?", "0.00", "1250.01");
+    AddRow("overage within tolerance", "1251.50", "2.00", int(K::Overage), "Apply Overage",
+           "Do you want to apply an overage of  $1.50 ?", "1.50", "0.00");
+    AddRow("overage at the tolerance", "1252.00", "2.00", int(K::Overage), "Apply Overage",
+           "Do you want to apply an overage of  $2.00 ?", "2.00", "0.00");
+    AddRow("exact", "1250.00", "0", int(K::Exact), "", "", "0.00", "0.00");
+    AddRow("underage within tolerance", "1249.50", "2.00", int(K::Underage), "Apply Overage",
+           "Do you want to apply an underage of  -$0.50 ?", "-0.50", "0.00");
+    AddRow("underage at the tolerance", "1248.00", "2.00", int(K::Underage), "Apply Overage",
+           "Do you want to apply an underage of  -$2.00 ?", "-2.00", "0.00");
+    AddRow("short beyond tolerance", "1247.99", "2.00", int(K::Refused), "Receive Payment",
+           "Payment must be within $2.00 of total due.", "0.00", "0.00");
+    AddRow("one cent short, no tolerance", "1249.99", "0", int(K::Refused), "Receive Payment",
+           "Payment must be within $.00 of total due.", "0.00", "0.00");
+    AddRow("one cent over, no tolerance", "1250.01", "0", int(K::Refund), "Apply Refund",
+           "Do you want to apply a refund of $0.01 ?", "0.00", "0.01");
+    AddRow("large tolerance shown in two digits", "1100.00", "25.00", int(K::Refused),
+           "Receive Payment", "Payment must be within $25.00 of total due.", "0.00", "0.00");
 }
 
 void TestPaymentRulesDesk::paymentAgainstTotal() {
@@ -636,35 +512,6 @@ void TestPaymentRulesDesk::paymentInfoRealEstate() {
     QCOMPARE(MunicipalKind(u"T"), QStringLiteral("TOWNSHIP"));
 }
 
-void TestPaymentRulesDesk::paymentInfoInstallments() {
-    BillPayFlags bill;
-    bill.sPayFlag = "I";
-    bill.payFlag = flags("FP ");
-    PaidReceipt one = receipt("201306010001", "A PAYOR", "11", "2013-06-01");
-    one.sPayFlag = "I";
-    one.payFlag = flags("F  ");
-    one.payment = {M("33.34"), Money(), Money()};
-    PaidReceipt two = receipt("201309020002", "B PAYOR", "12", "2013-09-02");
-    two.sPayFlag = "I";
-    two.payFlag = flags(" P ");
-    two.payment = {Money(), M("33.33"), Money()};
-    two.penPayment = {Money(), M("3.33"), Money()};
-
-    const QString text = RealEstatePaymentInfoText(bill, u"T", {one, two});
-    const QString expected =
-        "The SCHOOL PAYMENT #1 portion of this bill has been paid at FACE.\n"
-        "          Paid By: A PAYOR\n"
-        "          Receipt #: 201306010001 - Check #: 11\n"
-        "          Date Credited: 06/01/2013 - Amount Paid: $33.34\n"
-        "\n"
-        "The SCHOOL PAYMENT #2 portion of this bill has been paid at PENALTY.\n"
-        "          Paid By: B PAYOR\n"
-        "          Receipt #: 201309020002 - Check #: 12\n"
-        "          Date Credited: 09/02/2013 - Amount Paid: $36.66\n"
-        "\n"
-        "TOTAL PAID: $70.00";
-    QCOMPARE(text, expected);
-}
 
 void TestPaymentRulesDesk::paymentInfoExoneratedAndEmpty() {
     BillPayFlags bill;
