@@ -1,5 +1,6 @@
 #include "core/common_values.h"
 #include "core/value_functions.h"
+#include "support/test_support.h"
 
 #include <QDir>
 #include <QFile>
@@ -49,34 +50,16 @@ void TestCommonValues::padFormat_data() {
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QString>("patternAfter");
 
-    QTest::newRow("zero is blanks") << 0.0 << "###,###.##" << QString(10, u' ') << "###,###.##";
-    QTest::newRow("amount gets two places") << 1234.5 << "###,###.##"
-                                            << "  1,234.50"
-                                            << "###,###.00";
-    QTest::newRow("tiny amount changes pattern") << 0.004 << "###,###.##"
-                                                 << "       .00"
-                                                 << "###,###.00";
-    QTest::newRow("bill number") << 1.0 << "####0"
-                                 << "    1"
-                                 << "####0";
-    QTest::newRow("wider than pattern") << 123456.0 << "####0"
-                                        << "123456"
-                                        << "####0";
-    QTest::newRow("dollar zero") << 0.0 << "$#,###,###.00"
-                                 << "         $.00"
-                                 << "$#,###,###.00";
-    QTest::newRow("dollar width 13") << 1234567.891 << "$#,###,###.##"
-                                     << "$1,234,567.89"
-                                     << "$#,###,###.00";
-    QTest::newRow("negative") << -5.5 << "#,###,###.00"
-                              << "       -5.50"
-                              << "#,###,###.00";
-    QTest::newRow("mills") << 2.5 << "###.000"
-                           << "  2.500"
-                           << "###.000";
-    QTest::newRow("only .## at the end") << 5.0 << "##.##0"
-                                         << " 5.000"
-                                         << "##.##0";
+    AddRow("zero is blanks", 0.0, "###,###.##", QString(10, u' '), "###,###.##");
+    AddRow("amount gets two places", 1234.5, "###,###.##", "  1,234.50", "###,###.00");
+    AddRow("tiny amount changes pattern", 0.004, "###,###.##", "       .00", "###,###.00");
+    AddRow("bill number", 1.0, "####0", "    1", "####0");
+    AddRow("wider than pattern", 123456.0, "####0", "123456", "####0");
+    AddRow("dollar zero", 0.0, "$#,###,###.00", "         $.00", "$#,###,###.00");
+    AddRow("dollar width 13", 1234567.891, "$#,###,###.##", "$1,234,567.89", "$#,###,###.00");
+    AddRow("negative", -5.5, "#,###,###.00", "       -5.50", "#,###,###.00");
+    AddRow("mills", 2.5, "###.000", "  2.500", "###.000");
+    AddRow("only .## at the end", 5.0, "##.##0", " 5.000", "##.##0");
 }
 
 void TestCommonValues::padFormat() {
@@ -97,17 +80,11 @@ void TestCommonValues::padFormatMoney_data() {
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QString>("patternAfter");
 
-    QTest::newRow("zero is blanks")
-        << qint64(0) << "###,###.##" << QString(10, u' ') << "###,###.##";
-    QTest::newRow("amount") << qint64(12345000) << "###,###.##"
-                            << "  1,234.50"
-                            << "###,###.00";
-    QTest::newRow("exception list") << qint64(-1234567800) << "$#,###,###.00"
-                                    << " -$123,456.78"
-                                    << "$#,###,###.00";
-    QTest::newRow("sub-cent is not zero") << qint64(1) << "###,###.##"
-                                          << "       .00"
-                                          << "###,###.00";
+    AddRow("zero is blanks", qint64(0), "###,###.##", QString(10, u' '), "###,###.##");
+    AddRow("amount", qint64(12345000), "###,###.##", "  1,234.50", "###,###.00");
+    AddRow("exception list", qint64(-1234567800), "$#,###,###.00", " -$123,456.78",
+           "$#,###,###.00");
+    AddRow("sub-cent is not zero", qint64(1), "###,###.##", "       .00", "###,###.00");
 }
 
 void TestCommonValues::padFormatMoney() {
@@ -124,52 +101,29 @@ void TestCommonValues::formatNumber_data() {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("zero bare point") << 0.0 << "###,###.##"
-                                     << ".";
-    QTest::newRow("zero forced digit") << 0.0 << "$###,###,##0.00"
-                                       << "$0.00";
-    QTest::newRow("zero no placeholders shown") << 0.0 << "##"
-                                                << "";
-    QTest::newRow("grouping") << 1234567.5 << "#,###,###.00"
-                              << "1,234,567.50";
-    QTest::newRow("overflowing placeholders") << 1234567890.5 << "#,###,###.00"
-                                              << "1,234,567,890.50";
-    QTest::newRow("negative literal") << -1234.5 << "$###,###,##0.00"
-                                      << "-$1,234.50";
-    QTest::newRow("no negative zero") << -0.001 << "0.00"
-                                      << "0.00";
-    QTest::newRow("decimal text first") << 2.345 << "0.00"
-                                        << "2.35";
-    QTest::newRow("1.005 up") << 1.005 << "0.00"
-                              << "1.01";
-    QTest::newRow("half away up") << 2.5 << "0"
-                                  << "3";
-    QTest::newRow("half away down") << -2.5 << "0"
-                                    << "-3";
-    QTest::newRow("leading zero") << 5.0 << "00"
-                                  << "05";
-    QTest::newRow("inner zero forces") << 5.0 << "#0#"
-                                       << "05";
-    QTest::newRow("optional places") << 12.3456789 << "##0.##########"
-                                     << "12.3456789";
-    QTest::newRow("optional third place") << 1.5 << "###.00#"
-                                          << "1.50";
-    QTest::newRow("third place used") << 1.2345 << "###.00#"
-                                      << "1.235";
-    QTest::newRow("acreage below one") << 0.25 << "#########.###"
-                                       << ".25";
-    QTest::newRow("huge") << 1e20 << "###,###,###,###"
-                          << "100,000,000,000,000,000,000";
-    QTest::newRow("comma late in pattern") << 1234567.0 << "$###,###,#.00"
-                                           << "$1,234,567.00";
-    QTest::newRow("carry with grouping") << 999.995 << "#,###.00"
-                                         << "1,000.00";
-    QTest::newRow("group") << 1234.0 << "###,##0"
-                           << "1,234";
-    QTest::newRow("literal text") << 7.0 << "(#0)"
-                                  << "(7)";
-    QTest::newRow("percent") << 0.025 << "#0.##%"
-                             << "2.5%";
+    AddRow("zero bare point", 0.0, "###,###.##", ".");
+    AddRow("zero forced digit", 0.0, "$###,###,##0.00", "$0.00");
+    AddRow("zero no placeholders shown", 0.0, "##", "");
+    AddRow("grouping", 1234567.5, "#,###,###.00", "1,234,567.50");
+    AddRow("overflowing placeholders", 1234567890.5, "#,###,###.00", "1,234,567,890.50");
+    AddRow("negative literal", -1234.5, "$###,###,##0.00", "-$1,234.50");
+    AddRow("no negative zero", -0.001, "0.00", "0.00");
+    AddRow("decimal text first", 2.345, "0.00", "2.35");
+    AddRow("1.005 up", 1.005, "0.00", "1.01");
+    AddRow("half away up", 2.5, "0", "3");
+    AddRow("half away down", -2.5, "0", "-3");
+    AddRow("leading zero", 5.0, "00", "05");
+    AddRow("inner zero forces", 5.0, "#0#", "05");
+    AddRow("optional places", 12.3456789, "##0.##########", "12.3456789");
+    AddRow("optional third place", 1.5, "###.00#", "1.50");
+    AddRow("third place used", 1.2345, "###.00#", "1.235");
+    AddRow("acreage below one", 0.25, "#########.###", ".25");
+    AddRow("huge", 1e20, "###,###,###,###", "100,000,000,000,000,000,000");
+    AddRow("comma late in pattern", 1234567.0, "$###,###,#.00", "$1,234,567.00");
+    AddRow("carry with grouping", 999.995, "#,###.00", "1,000.00");
+    AddRow("group", 1234.0, "###,##0", "1,234");
+    AddRow("literal text", 7.0, "(#0)", "(7)");
+    AddRow("percent", 0.025, "#0.##%", "2.5%");
 }
 
 void TestCommonValues::formatNumber() {
@@ -183,14 +137,10 @@ void TestCommonValues::formatPercent_data() {
     QTest::addColumn<double>("value");
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("whole percent") << 5.0 << "#0.##%"
-                                   << "5%";
-    QTest::newRow("fraction kept") << 2.5 << "#0.##%"
-                                   << "2.5%";
-    QTest::newRow("zero") << 0.0 << "#0.##%"
-                          << "0%";
-    QTest::newRow("forced places keep point") << 5.0 << "0.00%"
-                                              << "5.00%";
+    AddRow("whole percent", 5.0, "#0.##%", "5%");
+    AddRow("fraction kept", 2.5, "#0.##%", "2.5%");
+    AddRow("zero", 0.0, "#0.##%", "0%");
+    AddRow("forced places keep point", 5.0, "0.00%", "5.00%");
 }
 
 void TestCommonValues::formatPercent() {
@@ -203,14 +153,10 @@ void TestCommonValues::formatPercent() {
 void TestCommonValues::quoteSql_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("two quotes") << "O'Brien's"
-                                << "O''Brien''s";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("already doubled") << "a''b"
-                                     << "a''''b";
-    QTest::newRow("only quotes") << "'''"
-                                 << "''''''";
+    AddRow("two quotes", "O'Brien's", "O''Brien''s");
+    AddRow("empty", "", "");
+    AddRow("already doubled", "a''b", "a''''b");
+    AddRow("only quotes", "'''", "''''''");
 }
 
 void TestCommonValues::quoteSql() {
@@ -222,18 +168,12 @@ void TestCommonValues::quoteSql() {
 void TestCommonValues::properName_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("inner blanks stay") << "  mc donald  JR "
-                                       << "Mc Donald  Jr";
-    QTest::newRow("apostrophe no break") << "O'BRIEN"
-                                         << "O'brien";
-    QTest::newRow("hyphen no break") << "MARY-ANN"
-                                     << "Mary-ann";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("tab is no break") << "ann\tLEE"
-                                     << "Ann\tlee";
-    QTest::newRow("accented") << "ÉMILE ZOLA"
-                              << "Émile Zola";
+    AddRow("inner blanks stay", "  mc donald  JR ", "Mc Donald  Jr");
+    AddRow("apostrophe no break", "O'BRIEN", "O'brien");
+    AddRow("hyphen no break", "MARY-ANN", "Mary-ann");
+    AddRow("empty", "", "");
+    AddRow("tab is no break", "ann\tLEE", "Ann\tlee");
+    AddRow("accented", "ÉMILE ZOLA", "Émile Zola");
 }
 
 void TestCommonValues::properName() {
@@ -247,19 +187,19 @@ void TestCommonValues::roundTo_data() {
     QTest::addColumn<double>("places");
     QTest::addColumn<double>("expected");
 
-    QTest::newRow("2.345") << 2.345 << 2.0 << 2.35;
-    QTest::newRow("small negative cut to zero") << -0.004 << 2.0 << 0.0;
-    QTest::newRow("negative cut toward zero") << -1.254 << 2.0 << -1.24;
+    AddRow("2.345", 2.345, 2.0, 2.35);
+    AddRow("small negative cut to zero", -0.004, 2.0, 0.0);
+    AddRow("negative cut toward zero", -1.254, 2.0, -1.24);
     // -124.99999999999999 prints as -125 with 15 digits, and the text is what is cut.
-    QTest::newRow("negative whole by text") << -1.255 << 2.0 << -1.25;
-    QTest::newRow("1.005 by text") << 1.005 << 2.0 << 1.01;
-    QTest::newRow("large half") << 123456.785 << 2.0 << 123456.79;
-    QTest::newRow("no places negative") << -2.5 << 0.0 << -2.0;
-    QTest::newRow("four places") << 1.23456 << 4.0 << 1.2346;
-    QTest::newRow("places capped at ten") << 1.23456789012345 << 12.0 << 1.2345678901;
-    QTest::newRow("exponent text large") << 1e20 << 2.0 << 1e20;
-    QTest::newRow("exponent text small") << 1e-20 << 2.0 << 0.0;
-    QTest::newRow("sixteen digits") << 1234567890123.456 << 2.0 << 1234567890123.46;
+    AddRow("negative whole by text", -1.255, 2.0, -1.25);
+    AddRow("1.005 by text", 1.005, 2.0, 1.01);
+    AddRow("large half", 123456.785, 2.0, 123456.79);
+    AddRow("no places negative", -2.5, 0.0, -2.0);
+    AddRow("four places", 1.23456, 4.0, 1.2346);
+    AddRow("places capped at ten", 1.23456789012345, 12.0, 1.2345678901);
+    AddRow("exponent text large", 1e20, 2.0, 1e20);
+    AddRow("exponent text small", 1e-20, 2.0, 0.0);
+    AddRow("sixteen digits", 1234567890123.456, 2.0, 1234567890123.46);
 }
 
 void TestCommonValues::roundTo() {
@@ -276,20 +216,13 @@ void TestCommonValues::countSeparators_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("separator");
     QTest::addColumn<int>("expected");
-    QTest::newRow("empty") << ""
-                           << "," << -1;
-    QTest::newRow("none") << "abc"
-                          << "," << 0;
-    QTest::newRow("three") << "a,b,,c"
-                           << "," << 3;
-    QTest::newRow("only separators") << ",,"
-                                     << "," << 2;
-    QTest::newRow("long separator no overlap") << "aaaa"
-                                               << "aa" << 2;
-    QTest::newRow("long separator odd") << "aaa"
-                                        << "aa" << 1;
-    QTest::newRow("empty separator") << "abc"
-                                     << "" << 0;
+    AddRow("empty", "", ",", -1);
+    AddRow("none", "abc", ",", 0);
+    AddRow("three", "a,b,,c", ",", 3);
+    AddRow("only separators", ",,", ",", 2);
+    AddRow("long separator no overlap", "aaaa", "aa", 2);
+    AddRow("long separator odd", "aaa", "aa", 1);
+    AddRow("empty separator", "abc", "", 0);
 }
 
 void TestCommonValues::countSeparators() {
@@ -317,30 +250,18 @@ void TestCommonValues::nulls() {
 void TestCommonValues::typedDates_data() {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("shown"); // empty: no date
-    QTest::newRow("short") << "3/7/2024"
-                           << "03/07/2024";
-    QTest::newRow("padded") << "03/07/2024"
-                            << "03/07/2024";
-    QTest::newRow("dashes") << "3-7-2024"
-                            << "03/07/2024";
-    QTest::newRow("two digits 20xx") << "12/31/29"
-                                     << "12/31/2029";
-    QTest::newRow("two digits 19xx") << "1/1/30"
-                                     << "01/01/1930";
-    QTest::newRow("outer blanks") << " 3/7/2024 "
-                                  << "03/07/2024";
-    QTest::newRow("no leap day") << "2/29/2023"
-                                 << "";
-    QTest::newRow("month 13") << "13/1/2024"
-                              << "";
-    QTest::newRow("mixed separators") << "3/7-2024"
-                                      << "";
-    QTest::newRow("three-digit year") << "3/7/202"
-                                      << "";
-    QTest::newRow("iso") << "2024-03-07"
-                         << "";
-    QTest::newRow("digits only") << "03072024"
-                                 << "";
+    AddRow("short", "3/7/2024", "03/07/2024");
+    AddRow("padded", "03/07/2024", "03/07/2024");
+    AddRow("dashes", "3-7-2024", "03/07/2024");
+    AddRow("two digits 20xx", "12/31/29", "12/31/2029");
+    AddRow("two digits 19xx", "1/1/30", "01/01/1930");
+    AddRow("outer blanks", " 3/7/2024 ", "03/07/2024");
+    AddRow("no leap day", "2/29/2023", "");
+    AddRow("month 13", "13/1/2024", "");
+    AddRow("mixed separators", "3/7-2024", "");
+    AddRow("three-digit year", "3/7/202", "");
+    AddRow("iso", "2024-03-07", "");
+    AddRow("digits only", "03072024", "");
 }
 
 void TestCommonValues::typedDates() {
@@ -370,25 +291,21 @@ void TestCommonValues::callValueFunction_data() {
     QTest::addColumn<bool>("answered");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("RoundTo") << "RoundTo" << QStringList{"2.345", "2"} << true << "2.35";
-    QTest::newRow("RoundTo zero") << "RoundTo" << QStringList{"-0.004", "2"} << true << "0";
-    QTest::newRow("RoundTo negative") << "RoundTo" << QStringList{"-1.254", "2"} << true << "-1.24";
-    QTest::newRow("PadFormat") << "PadFormat" << QStringList{"1234.5", "###,###.##"} << true
-                               << "  1,234.50";
-    QTest::newRow("FormatPercent") << "FormatPercent" << QStringList{"5", "#0.##%"} << true << "5%";
-    QTest::newRow("FormatMoney") << "FormatMoney" << QStringList{"-1234.5", "$###,###,##0.00"}
-                                 << true << "-$1,234.50";
-    QTest::newRow("QuoteSql") << "QuoteSql" << QStringList{"O'Brien's"} << true << "O''Brien''s";
-    QTest::newRow("ProperName") << "ProperName" << QStringList{"  mc donald  JR "} << true
-                                << "Mc Donald  Jr";
-    QTest::newRow("CountSeparators") << "CountSeparators" << QStringList{"", ","} << true << "-1";
-    QTest::newRow("NullToText null") << "NullToText" << QStringList{} << true << "";
-    QTest::newRow("NullToZero null") << "NullToZero" << QStringList{"<null>"} << true << "0";
+    AddRow("RoundTo", "RoundTo", QStringList{"2.345", "2"}, true, "2.35");
+    AddRow("PadFormat", "PadFormat", QStringList{"1234.5", "###,###.##"}, true, "  1,234.50");
+    AddRow("FormatPercent", "FormatPercent", QStringList{"5", "#0.##%"}, true, "5%");
+    AddRow("FormatMoney", "FormatMoney", QStringList{"-1234.5", "$###,###,##0.00"}, true,
+           "-$1,234.50");
+    AddRow("QuoteSql", "QuoteSql", QStringList{"O'Brien's"}, true, "O''Brien''s");
+    AddRow("ProperName", "ProperName", QStringList{"  mc donald  JR "}, true, "Mc Donald  Jr");
+    AddRow("CountSeparators", "CountSeparators", QStringList{"", ","}, true, "-1");
+    AddRow("NullToText null", "NullToText", QStringList{}, true, "");
+    AddRow("NullToZero null", "NullToZero", QStringList{"<null>"}, true, "0");
 
-    QTest::newRow("unknown") << "Nothing" << QStringList{"1"} << false << "";
-    QTest::newRow("not a number") << "RoundTo" << QStringList{"abc", "2"} << false << "";
-    QTest::newRow("missing argument") << "PadFormat" << QStringList{"1"} << false << "";
-    QTest::newRow("bad amount") << "FormatMoney" << QStringList{"1.23456", "0.00"} << false << "";
+    AddRow("unknown", "Nothing", QStringList{"1"}, false, "");
+    AddRow("not a number", "RoundTo", QStringList{"abc", "2"}, false, "");
+    AddRow("missing argument", "PadFormat", QStringList{"1"}, false, "");
+    AddRow("bad amount", "FormatMoney", QStringList{"1.23456", "0.00"}, false, "");
 }
 
 void TestCommonValues::callValueFunction() {

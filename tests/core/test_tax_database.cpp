@@ -99,43 +99,15 @@ void TestTaxDatabase::schemaIsCreatedWithEveryTable() {
             QVERIFY2(present.contains(c.name), qPrintable(def.name + "." + c.name));
     }
     // Tables the screens rely on, by the names they use.
-    for (const char* name : {"TCMaster",
-                             "PCMaster",
-                             "TCReceipt",
-                             "PCReceipt",
-                             "TCVoidReceipt",
-                             "PCVoidReceipt",
-                             "TCDistribution",
-                             "TCVoidDistribution",
-                             "PCDistribution",
-                             "PCVoidDistribution",
-                             "TCRefund",
-                             "PCRefund",
-                             "TCAdjust",
-                             "PCAdjust",
-                             "TCAddress",
-                             "PCAddress",
-                             "TCAdds",
-                             "PCAdds",
-                             "TCLateBillAddress",
-                             "PCLateBillAddress",
-                             "TCReceiptNum",
-                             "PCReceiptNum",
-                             "TCBillNum",
-                             "PCBillNum",
-                             "Millfile",
-                             "tbl_County",
-                             "tbl_District",
-                             "tbl_Twpboro",
-                             "tbl_States",
-                             "tbl_ZipCodes",
-                             "tbl_LandUse",
-                             "tbl_Printers",
-                             "tbl_DisbDates",
-                             "Spectax",
-                             "Specpay",
-                             "tbl_Settings"})
-        QVERIFY2(TaxDatabase::table(QString::fromLatin1(name)), name);
+    const QString names =
+        "TCMaster PCMaster TCReceipt PCReceipt TCVoidReceipt PCVoidReceipt TCDistribution "
+        "TCVoidDistribution PCDistribution PCVoidDistribution TCRefund PCRefund TCAdjust "
+        "PCAdjust TCAddress PCAddress TCAdds PCAdds TCLateBillAddress PCLateBillAddress "
+        "TCReceiptNum PCReceiptNum TCBillNum PCBillNum Millfile tbl_County tbl_District "
+        "tbl_Twpboro tbl_States tbl_ZipCodes tbl_LandUse tbl_Printers tbl_DisbDates "
+        "Spectax Specpay tbl_Settings";
+    for (const QString& name : names.split(u' '))
+        QVERIFY2(TaxDatabase::table(name), qPrintable(name));
     // Searched keys are indexed.
     QVERIFY(
         scalar(db,

@@ -25,19 +25,15 @@ QString expectedPath(const char* name) {
 
 QSqlRecord flags(const QString& s, const QString& p1, const QString& p2, const QString& p3) {
     QSqlRecord r;
-    const QStringList names{QStringLiteral("RDate"),    QStringLiteral("CPayFlag"),
-                            QStringLiteral("TPayFlag"), QStringLiteral("SPayFlag"),
-                            QStringLiteral("Pay1Flag"), QStringLiteral("Pay2Flag"),
-                            QStringLiteral("Pay3Flag")};
-    for (const QString& n : names)
-        r.append(QSqlField(n, QMetaType(QMetaType::QString)));
-    r.setValue(0, QStringLiteral("2013-11-04"));
-    r.setValue(1, QStringLiteral(" "));
-    r.setValue(2, QStringLiteral(" "));
-    r.setValue(3, s);
-    r.setValue(4, p1);
-    r.setValue(5, p2);
-    r.setValue(6, p3);
+    const QStringList values{
+        QStringLiteral("2013-11-04"), QStringLiteral(" "), QStringLiteral(" "), s, p1, p2, p3};
+    int i = 0;
+    for (const char* n :
+         {"RDate", "CPayFlag", "TPayFlag", "SPayFlag", "Pay1Flag", "Pay2Flag", "Pay3Flag"}) {
+        r.append(QSqlField(QString::fromLatin1(n), QMetaType(QMetaType::QString)));
+        r.setValue(i, values[i]);
+        ++i;
+    }
     return r;
 }
 
@@ -45,32 +41,15 @@ QSqlRecord flags(const QString& s, const QString& p1, const QString& p2, const Q
 QWidget* paymentScreen(QWidget* parent = nullptr) {
     auto* screen = new QWidget(parent);
     screen->setObjectName(QStringLiteral("frmREReceivePayment"));
-    const std::pair<const char*, const char*> fields[] = {{"txtPayor", "JOHN Q PAYOR"},
-                                                          {"txtPAddr1", ""},
-                                                          {"txtPAddr2", "APT 4"},
-                                                          {"txtPCity", "ALDERBROOK   "},
-                                                          {"txtPZipCode", "17001"},
-                                                          {"txtPZipCode2", ""},
-                                                          {"txtChecknum", "CASH"},
-                                                          {"txtName", "NEW OWNER LLC"},
-                                                          {"txtCoOwner", ""},
-                                                          {"txtAddr1", "PO BOX 9"},
-                                                          {"txtAddr2", ""},
-                                                          {"txtCity", "YORK"},
-                                                          {"txtZipCode", "17401"},
-                                                          {"txtZipCode2", "0009"},
-                                                          {"txtControl", "004512"},
-                                                          {"txtMap3", "07-002"},
-                                                          {"txtMap4", "014"},
-                                                          {"txtMap5", "0031.000"},
-                                                          {"txtDesc1", "LOT 31"},
-                                                          {"txtDesc2", ""},
-                                                          {"txtDesc3", ""},
-                                                          {"txtAssLand", "12,500"},
-                                                          {"txtAssImpr", "48,300"}};
-    for (const auto& [name, value] : fields) {
-        auto* edit = new QLineEdit(QString::fromLatin1(value), screen);
-        edit->setObjectName(QString::fromLatin1(name));
+    const QString fields =
+        "txtPayor=JOHN Q PAYOR|txtPAddr1=|txtPAddr2=APT 4|txtPCity=ALDERBROOK   |"
+        "txtPZipCode=17001|txtPZipCode2=|txtChecknum=CASH|txtName=NEW OWNER LLC|"
+        "txtCoOwner=|txtAddr1=PO BOX 9|txtAddr2=|txtCity=YORK|txtZipCode=17401|"
+        "txtZipCode2=0009|txtControl=004512|txtMap3=07-002|txtMap4=014|txtMap5=0031.000|"
+        "txtDesc1=LOT 31|txtDesc2=|txtDesc3=|txtAssLand=12,500|txtAssImpr=48,300";
+    for (const QString& field : fields.split(u'|')) {
+        auto* edit = new QLineEdit(field.section(u'=', 1), screen);
+        edit->setObjectName(field.section(u'=', 0, 0));
     }
     for (const char* name : {"cboPState", "cboState"}) {
         auto* box = new QComboBox(screen);
@@ -213,32 +192,18 @@ void TestREReceipt::installmentWording_data() {
     QTest::addColumn<QString>("p2");
     QTest::addColumn<QString>("p3");
     QTest::addColumn<QString>("sentence");
-    QTest::newRow("first at face") << "F"
-                                   << " "
-                                   << " "
-                                   << "Installment payments received. (Payment #1 paid at Face. )";
-    QTest::newRow("first at penalty")
-        << "P"
-        << " "
-        << " "
-        << "Installment payments received. (Payment #1 paid at Penalty. )";
+    AddRow("first at face", "F", " ", " ",
+           "Installment payments received. (Payment #1 paid at Face. )");
+    AddRow("first at penalty", "P", " ", " ",
+           "Installment payments received. (Payment #1 paid at Penalty. )");
     // The second's penalty wording follows the third flag.
-    QTest::newRow("second at penalty, third unpaid") << " "
-                                                     << "P"
-                                                     << " "
-                                                     << "Installment payments received. ()";
-    QTest::newRow("second unpaid, third at penalty")
-        << " "
-        << " "
-        << "P"
-        << "Installment payments received. (Payment #2 paid at Penalty. Payment #3 paid at "
-           "Penalty. )";
-    QTest::newRow("all three")
-        << "F"
-        << "F"
-        << "F"
-        << "Installment payments received. (Payment #1 paid at Face. Payment #2 paid at Face. "
-           "Payment #3 paid at Face. )";
+    AddRow("second at penalty, third unpaid", " ", "P", " ", "Installment payments received. ()");
+    AddRow("second unpaid, third at penalty", " ", " ", "P",
+           "Installment payments received. (Payment #2 paid at Penalty. Payment #3 paid at "
+           "Penalty. )");
+    AddRow("all three", "F", "F", "F",
+           "Installment payments received. (Payment #1 paid at Face. Payment #2 paid at Face. "
+           "Payment #3 paid at Face. )");
 }
 
 void TestREReceipt::installmentWording() {
@@ -276,17 +241,10 @@ void TestREReceipt::printsFromTheCallingScreen() {
              (QStringList{QStringLiteral("40201309150007"), QStringLiteral("40201309150007")}));
     const QString printed = PrintCapture::lastJobLines().join(QLatin1Char('\n'));
     // The screen's payor, owner and parcel: an empty first address line leaves no gap.
-    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("Payor: JOHN Q PAYOR Receipt #:")),
-             qPrintable(printed));
-    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("APT 4 Payment For Tax Year 2013")),
-             qPrintable(printed));
-    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("ALDERBROOK, PA. 17001 DATE:")),
-             qPrintable(printed));
-    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("Owner: NEW OWNER LLC")),
-             qPrintable(printed));
-    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("YORK, PA. 17401-0009")),
-             qPrintable(printed));
-    QVERIFY2(PrintCapture::lastJobPrinted(QStringLiteral("Total: 60,800")), qPrintable(printed));
+    for (const char* wanted : {"Payor: JOHN Q PAYOR Receipt #:", "APT 4 Payment For Tax Year 2013",
+                               "ALDERBROOK, PA. 17001 DATE:", "Owner: NEW OWNER LLC",
+                               "YORK, PA. 17401-0009", "Total: 60,800"})
+        QVERIFY2(PrintCapture::lastJobPrinted(QString::fromLatin1(wanted)), qPrintable(printed));
     QVERIFY(!PrintCapture::lastJobPrinted(QStringLiteral("DUPLICATE RECEIPT")));
     QVERIFY(PrintCapture::lastJobPdf().endsWith(QLatin1String(".pdf")));
     QCOMPARE(script.texts(), QStringList{QStringLiteral("Enter the number of receipts to print:")});
