@@ -496,6 +496,31 @@ QString FlagField(const QVariant& value) {
     return text.isEmpty() ? QStringLiteral(" ") : text;
 }
 
+bool InOneTransaction(QSqlDatabase db, QString* error, const std::function<bool()>& writes) {
+    if (!db.transaction()) {
+        if (error)
+            *error = db.lastError().text();
+        return false;
+    }
+    if (!writes()) {
+        db.rollback();
+        return false;
+    }
+    if (!db.commit()) {
+        if (error)
+            *error = db.lastError().text();
+        db.rollback();
+        return false;
+    }
+    return true;
+}
+
+bool QueryFailed(const QSqlDatabase& db, const QSqlQuery& q, QString* error) {
+    if (error)
+        *error = q.lastError().isValid() ? q.lastError().text() : db.lastError().text();
+    return false;
+}
+
 namespace {
 
 // Copies the columns of the history row that the bill also has, except its keys and flags.

@@ -11,7 +11,10 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <functional>
 #include <vector>
+
+class QSqlQuery;
 
 namespace TaxDatabase {
 
@@ -64,6 +67,13 @@ QVariant DateValue(const QDate& date); // Null for an invalid date
 QString TextField(const QVariant& value);
 // A one-character flag: blank (one space) when Null or empty.
 QString FlagField(const QVariant& value);
+
+// Runs writes in one transaction: committed when they succeed, rolled back when they fail or
+// the commit does. A write that fails puts its reason in *error (QueryFailed does).
+bool InOneTransaction(QSqlDatabase db, QString* error, const std::function<bool()>& writes);
+// The reason a query failed, in *error: its own error, or the database's when it has none.
+// Always false, for returning.
+bool QueryFailed(const QSqlDatabase& db, const QSqlQuery& q, QString* error);
 
 // Which duplicate a bill belongs to.
 enum class Duplicate { RealEstate, PerCapita };

@@ -2,13 +2,13 @@
 // frmMaintainMillagesCounty: the county's rates on the county row of Millfile (District '00',
 // Ward '0'), held in the columns that on a municipal row are the school's.
 
+#include "rates/millage_common.h"
+
 #include <QSqlDatabase>
 #include <QString>
 #include <QWidget>
 
 class QLabel;
-class QLineEdit;
-class QPushButton;
 
 // What the county screen writes: its rates and the name of its special tax, on the county
 // row of that tax year.
@@ -34,20 +34,8 @@ public:
     explicit frmMaintainMillagesCounty(QWidget* parent = nullptr);
 
     QLabel* lblCountyName = nullptr;
-    QLineEdit* txtCMR = nullptr;
-    QLineEdit* txtC1MR = nullptr;
-    QLineEdit* txtC1TaxName = nullptr;
-    QLineEdit* txtCD = nullptr;
-    QLineEdit* txtCP = nullptr;
-    QLineEdit* txtCMO = nullptr;
-    QLineEdit* txtCPC = nullptr;
-    QLineEdit* txtPCCD = nullptr;
-    QLineEdit* txtPCCP = nullptr;
-    QPushButton* cmdAccept = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdReset = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
+    BodyRateFields county; // fraCounty: txtCMR, txtC1MR, ... txtPCCP
+    MillageButtons buttons;
 
     // Fills the screen from the county row.
     void loadFromTable();

@@ -1,13 +1,10 @@
 #include "rates/maintain_millages_school.h"
 
 #include "core/common_values.h"
-#include "core/main_window.h"
 #include "core/message_window.h"
 #include "core/messages.h"
 #include "core/session.h"
 #include "core/tax_database.h"
-#include "reports/print_output.h"
-#include "reports/print_screen.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -18,87 +15,38 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QVBoxLayout>
 
 bool SaveSchoolMillages(QSqlDatabase db, const SchoolMillages& v, QString* error) {
     const QString p = v.lateBilling ? QStringLiteral("Late") : QString();
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("UPDATE Millfile SET SMR = ?, SMO = ?, SPC = ?, SD = ?, SP = ?, "
-                             "PCSD = ?, PCSP = ?, S1MR = ?, S1TaxName = ?, "
-                             "%1MailDate = ?, %1DiscDate = ?, %1FaceDate1 = ?, %1FaceDate2 = ?, "
-                             "%1PenDate = ?, %1LastDate = ?, %1TaxDate = ?, "
-                             "%1Payment1Date = ?, %1Payment2Date = ?, %1Payment3Date = ?, "
-                             "BillSchool = ?, SchoolFormula = ?, SchoolStebRatio = ?, "
-                             "SchoolMarketRatio = ?, HSExclusion = ?, FSExclusion = ? "
-                             "WHERE District = ? AND Ward = ? AND TaxYear = ?")
-                  .arg(p));
-    for (double rate : {v.smr, v.smo, v.spc, v.sd, v.sp, v.pcsd, v.pcsp, v.s1mr})
-        q.addBindValue(rate);
-    q.addBindValue(v.s1TaxName);
-    const MillageDateSet& d = v.dates;
-    for (const QDate& date :
-         {d.mail, d.discountEnd, d.faceFirst, d.faceLast, d.penaltyFirst, d.lastDay, d.taxClaim})
-        q.addBindValue(DateValue(date));
+    QVariantList values = BodyRateValues(v);
+    values << DateSetValues(v.dates);
     for (const QDate& date : v.paymentDates)
-        q.addBindValue(DateValue(date));
-    q.addBindValue(v.lateBilling ? QStringLiteral("L") : QStringLiteral("E"));
-    q.addBindValue(v.formula ? QStringLiteral("Y") : QStringLiteral("N"));
-    q.addBindValue(v.stebRatio);
-    q.addBindValue(v.marketRatio);
-    q.addBindValue(MoneyValue(v.hsExclusion));
-    q.addBindValue(MoneyValue(v.fsExclusion));
-    q.addBindValue(v.district);
-    q.addBindValue(v.ward);
-    q.addBindValue(v.taxYear);
-    if (!q.exec() || !db.commit()) {
-        if (error)
-            *error = q.lastError().isValid() ? q.lastError().text() : db.lastError().text();
-        db.rollback();
-        return false;
-    }
-    return true;
+        values << DateValue(date);
+    values << (v.lateBilling ? QStringLiteral("L") : QStringLiteral("E"))
+           << (v.formula ? QStringLiteral("Y") : QStringLiteral("N")) << v.stebRatio
+           << v.marketRatio << MoneyValue(v.hsExclusion) << MoneyValue(v.fsExclusion) << v.district
+           << v.ward << v.taxYear;
+    return UpdateInOneTransaction(
+        db,
+        QStringLiteral("UPDATE Millfile SET %2, "
+                       "%1MailDate = ?, %1DiscDate = ?, %1FaceDate1 = ?, %1FaceDate2 = ?, "
+                       "%1PenDate = ?, %1LastDate = ?, %1TaxDate = ?, "
+                       "%1Payment1Date = ?, %1Payment2Date = ?, %1Payment3Date = ?, "
+                       "BillSchool = ?, SchoolFormula = ?, SchoolStebRatio = ?, "
+                       "SchoolMarketRatio = ?, HSExclusion = ?, FSExclusion = ? "
+                       "WHERE District = ? AND Ward = ? AND TaxYear = ?")
+            .arg(p, QLatin1String(BodyRateAssignments)),
+        values, error);
 }
 
 frmMaintainMillagesSchool::frmMaintainMillagesSchool(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmMaintainMillagesSchool"));
     setWindowTitle(QStringLiteral("Maintain School Millages"));
 
-    lblSchoolName = NamedLabel(this, "lblSchoolName");
-    QFont big = lblSchoolName->font();
-    big.setBold(true);
-    big.setPointSize(big.pointSize() + 2);
-    lblSchoolName->setFont(big);
-    lblSchoolName->setAlignment(Qt::AlignCenter);
-
-    auto* rates = new QGroupBox(QStringLiteral("School"), this);
-    rates->setObjectName(QStringLiteral("fraSchool"));
-    txtSMR = NamedField(rates, "txtSMR");
-    txtS1TaxName = NamedField(rates, "txtS1TaxName", 10);
-    txtS1MR = NamedField(rates, "txtS1MR");
-    txtSD = NamedField(rates, "txtSD");
-    txtSP = NamedField(rates, "txtSP");
-    txtSPC = NamedField(rates, "txtSPC");
-    txtSMO = NamedField(rates, "txtSMO");
-    txtPCSD = NamedField(rates, "txtPCSD");
-    txtPCSP = NamedField(rates, "txtPCSP");
-    auto* rateForm = new QFormLayout(rates);
-    rateForm->addRow(QStringLiteral("Real Estate Millage:"), txtSMR);
-    rateForm->addRow(QStringLiteral("Special Tax Name:"), txtS1TaxName);
-    rateForm->addRow(QStringLiteral("Special Millage:"), txtS1MR);
-    rateForm->addRow(QStringLiteral("Real Estate Discount %:"), txtSD);
-    rateForm->addRow(QStringLiteral("Real Estate Penalty %:"), txtSP);
-    rateForm->addRow(QStringLiteral("Per Capita Amount:"), txtSPC);
-    rateForm->addRow(QStringLiteral("Occupation Rate:"), txtSMO);
-    rateForm->addRow(QStringLiteral("Per Capita Discount %:"), txtPCSD);
-    rateForm->addRow(QStringLiteral("Per Capita Penalty %:"), txtPCSP);
+    lblSchoolName = TitleLabel(this, "lblSchoolName");
+    QGroupBox* rates = school.build(this, "fraSchool", QStringLiteral("School"), 'S');
 
     auto* formula = new QGroupBox(QStringLiteral("Formula and Exclusions"), this);
     formula->setObjectName(QStringLiteral("fraFormula"));
@@ -133,17 +81,7 @@ frmMaintainMillagesSchool::frmMaintainMillagesSchool(QWidget* parent) : QWidget(
     dateForm->addRow(QStringLiteral("Payment 2 Date:"), txtPayment2Date);
     dateForm->addRow(QStringLiteral("Payment 3 Date:"), txtPayment3Date);
 
-    cmdAccept = NamedButton(this, "cmdAccept", QStringLiteral("&Accept"));
-    cmdClearScreen = NamedButton(this, "cmdClearScreen", QStringLiteral("&Clear Screen"), false);
-    cmdReset = NamedButton(this, "cmdReset", QStringLiteral("&Reset"), false);
-    cmdPrintScreen = NamedButton(this, "cmdPrintScreen", QStringLiteral("&Print Screen"), false);
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    cmdExit = NamedButton(this, "cmdExit", QStringLiteral("E&xit"), false);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    for (QPushButton* b : {cmdAccept, cmdClearScreen, cmdReset, cmdPrintScreen, cmdExit})
-        buttons->addWidget(b);
+    buttons.build(this, true);
 
     auto* grid = new QGridLayout;
     grid->addWidget(rates, 0, 0, 2, 1);
@@ -153,24 +91,27 @@ frmMaintainMillagesSchool::frmMaintainMillagesSchool(QWidget* parent) : QWidget(
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lblSchoolName);
     layout->addLayout(grid);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.row);
 
-    QList<QWidget*> order{txtSMR,         txtS1TaxName,   txtS1MR,          txtSD,
-                          txtSP,          txtSPC,         txtSMO,           txtPCSD,
-                          txtPCSP,        chkFormula,     txtStebRatio,     txtMarketRatio,
-                          txtHSExclusion, txtFSExclusion, billSchool.early, billSchool.late};
+    QList<QWidget*> order;
+    for (QLineEdit* f : school.editOrder())
+        order << f;
+    order << chkFormula << txtStebRatio << txtMarketRatio << txtHSExclusion << txtFSExclusion
+          << billSchool.early << billSchool.late;
     for (QLineEdit* f : dates.fields())
         order << f;
-    order << cmdCalcDates << txtPayment1Date << txtPayment2Date << txtPayment3Date << cmdAccept;
+    order << cmdCalcDates << txtPayment1Date << txtPayment2Date << txtPayment3Date
+          << buttons.cmdAccept;
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 
     connect(cmdCalcDates, &QPushButton::clicked, this,
             [this] { dates.figure(SchoolDateMessages[0]); });
-    connect(cmdAccept, &QPushButton::clicked, this, &frmMaintainMillagesSchool::accept);
-    connect(cmdClearScreen, &QPushButton::clicked, this, &frmMaintainMillagesSchool::clearScreen);
-    connect(cmdReset, &QPushButton::clicked, this, &frmMaintainMillagesSchool::loadFromTable);
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(buttons.cmdAccept, &QPushButton::clicked, this, &frmMaintainMillagesSchool::accept);
+    connect(buttons.cmdClearScreen, &QPushButton::clicked, this,
+            &frmMaintainMillagesSchool::clearScreen);
+    connect(buttons.cmdReset, &QPushButton::clicked, this,
+            &frmMaintainMillagesSchool::loadFromTable);
 
     loadFromTable();
     ReloadOnActivation(this, [this] { loadFromTable(); });
@@ -180,43 +121,14 @@ void frmMaintainMillagesSchool::loadFromTable() {
     PleaseWait wait(frmMessage::Searching);
     QSqlDatabase db = session().DbConnection;
 
-    m_district.clear();
-    m_ward.clear();
-    QSqlQuery district(db);
-    if (district.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) &&
-        district.next()) {
-        m_district = TextField(district.value(0));
-        m_ward = TextField(district.value(1));
-    }
-    QSqlQuery name(db);
-    name.prepare(
-        QStringLiteral("SELECT SchoolName FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    name.addBindValue(m_district);
-    name.addBindValue(m_ward);
-    lblSchoolName->clear();
-    if (name.exec() && name.next())
-        lblSchoolName->setText(TextField(name.value(0)));
-
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District = ? AND Ward = ?"));
-    q.addBindValue(m_district);
-    q.addBindValue(m_ward);
-    QSqlRecord row;
-    if (q.exec() && q.next())
-        row = q.record();
+    m_office = ReadOfficeDistrict(db);
+    lblSchoolName->setText(ReadTwpboroName(db, "SchoolName", m_office));
+    const QSqlRecord row = ReadMillfileRow(db, m_office);
     auto value = [&row](const QString& column) { return row.value(column); };
     auto col = [&row](const char* column) { return row.value(QLatin1String(column)); };
 
     m_taxYear = TextField(col("TaxYear")).left(4);
-    txtSMR->setText(RateText(col("SMR")));
-    txtS1MR->setText(RateText(col("S1MR")));
-    txtS1TaxName->setText(TextField(col("S1TaxName")));
-    txtSD->setText(RateText(col("SD")));
-    txtSP->setText(RateText(col("SP")));
-    txtSMO->setText(RateText(col("SMO")));
-    txtSPC->setText(RateText(col("SPC")));
-    txtPCSD->setText(RateText(col("PCSD")));
-    txtPCSP->setText(RateText(col("PCSP")));
+    school.show(row);
     chkFormula->setChecked(TextField(col("SchoolFormula")).trimmed() == QLatin1String("Y"));
     txtStebRatio->setText(RateText(col("SchoolStebRatio")));
     txtMarketRatio->setText(RateText(col("SchoolMarketRatio")));
@@ -233,14 +145,14 @@ void frmMaintainMillagesSchool::loadFromTable() {
     txtPayment2Date->setText(StoredDateText(value(prefix + QStringLiteral("Payment2Date"))));
     txtPayment3Date->setText(StoredDateText(value(prefix + QStringLiteral("Payment3Date"))));
 
-    txtSMR->setFocus();
+    school.mr->setFocus();
 }
 
 void frmMaintainMillagesSchool::clearScreen() {
     for (QLineEdit* field : findChildren<QLineEdit*>())
         field->clear();
     billSchool.clear();
-    txtSMR->setFocus();
+    school.mr->setFocus();
 }
 
 void frmMaintainMillagesSchool::accept() {
@@ -271,35 +183,21 @@ void frmMaintainMillagesSchool::accept() {
             }
         }
     }
-    if (!CheckNumberFields({
-            {txtSMR, "School Real Estate Millage Rate must be numeric."},
-            {txtS1MR, "School Special Millage Rate must be numeric."},
-            {txtSD, "School Real Estate Discount Rate must be numeric."},
-            {txtSP, "School Real Estate Penalty Rate must be numeric."},
-            {txtSMO, "School Occupation Rate must be numeric."},
-            {txtSPC, "School Per Capita Rate must be numeric"},
-            {txtPCSD, "School Per Capita Discount Rate must be numeric"},
-            {txtPCSP, "School Per Capita Penalty Rate must be numeric"},
-            {txtStebRatio, "Steb Ratio must be numeric"},
-            {txtMarketRatio, "Market Ratio must be numeric"},
-            {txtHSExclusion, "Homestead Exclusion must be numeric", true},
-            {txtFSExclusion, "Farmstead Exclusion must be numeric", true},
-        }))
+    std::vector<NumberCheck> checks = school.checks("School");
+    checks.insert(checks.end(), {
+                                    {txtStebRatio, "Steb Ratio must be numeric"},
+                                    {txtMarketRatio, "Market Ratio must be numeric"},
+                                    {txtHSExclusion, "Homestead Exclusion must be numeric", true},
+                                    {txtFSExclusion, "Farmstead Exclusion must be numeric", true},
+                                });
+    if (!CheckNumberFields(checks))
         return;
 
     SchoolMillages v;
-    v.district = m_district;
-    v.ward = m_ward;
+    v.district = m_office.district;
+    v.ward = m_office.ward;
     v.taxYear = m_taxYear;
-    v.smr = RateOf(txtSMR);
-    v.s1mr = RateOf(txtS1MR);
-    v.s1TaxName = txtS1TaxName->text();
-    v.sd = RateOf(txtSD);
-    v.sp = RateOf(txtSP);
-    v.smo = RateOf(txtSMO);
-    v.spc = RateOf(txtSPC);
-    v.pcsd = RateOf(txtPCSD);
-    v.pcsp = RateOf(txtPCSP);
+    school.store(v);
     v.lateBilling = billSchool.flag() == QLatin1String("L");
     v.dates = dates.dates();
     for (int i = 0; i < 3; ++i)
@@ -310,17 +208,7 @@ void frmMaintainMillagesSchool::accept() {
     v.hsExclusion = AmountOf(txtHSExclusion);
     v.fsExclusion = AmountOf(txtFSExclusion);
 
-    QString error;
-    bool saved = false;
-    {
-        PleaseWait wait(frmMessage::SavingData);
-        saved = SaveSchoolMillages(session().DbConnection, v, &error);
-    }
-    if (!saved) {
-        MsgBox(QStringLiteral("The millages could not be saved: ") + error,
-               QString::fromLatin1(MillagesTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    MsgBox(QStringLiteral("Record Updated"), QString::fromLatin1(MillagesTitle), MsgButtons::Ok,
-           MsgIcon::Exclamation);
+    SaveMillages(
+        [&v](QString* error) { return SaveSchoolMillages(session().DbConnection, v, error); },
+        "Record Updated");
 }

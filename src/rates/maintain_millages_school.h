@@ -49,15 +49,7 @@ public:
     explicit frmMaintainMillagesSchool(QWidget* parent = nullptr);
 
     QLabel* lblSchoolName = nullptr;
-    QLineEdit* txtSMR = nullptr;
-    QLineEdit* txtS1MR = nullptr;
-    QLineEdit* txtS1TaxName = nullptr;
-    QLineEdit* txtSD = nullptr;
-    QLineEdit* txtSP = nullptr;
-    QLineEdit* txtSMO = nullptr;
-    QLineEdit* txtSPC = nullptr;
-    QLineEdit* txtPCSD = nullptr;
-    QLineEdit* txtPCSP = nullptr;
+    BodyRateFields school; // fraSchool: txtSMR, txtS1MR, ... txtPCSP
     QCheckBox* chkFormula = nullptr;
     QLineEdit* txtStebRatio = nullptr;
     QLineEdit* txtMarketRatio = nullptr;
@@ -69,11 +61,7 @@ public:
     QLineEdit* txtPayment3Date = nullptr;
     QPushButton* cmdCalcDates = nullptr;
     BillingTimeFrame billSchool; // fraBillSchool: optBillSchoolEarly, optBillSchoolLate
-    QPushButton* cmdAccept = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdReset = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
+    MillageButtons buttons;
 
     void loadFromTable();
 
@@ -81,7 +69,6 @@ private:
     void accept();
     void clearScreen();
 
-    QString m_district;
-    QString m_ward;
+    OfficeDistrict m_office;
     QString m_taxYear;
 };

@@ -1,12 +1,9 @@
 #include "rates/maintain_millages_township.h"
 
-#include "core/main_window.h"
 #include "core/message_window.h"
 #include "core/messages.h"
 #include "core/session.h"
 #include "core/tax_database.h"
-#include "reports/print_output.h"
-#include "reports/print_screen.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -17,24 +14,17 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QVBoxLayout>
 
 namespace {
 
-void bindDates(QSqlQuery& q, const MillageDateSet& d) {
-    for (const QDate& date :
-         {d.mail, d.discountEnd, d.faceFirst, d.faceLast, d.penaltyFirst, d.lastDay, d.taxClaim})
-        q.addBindValue(DateValue(date));
-}
-
-void bindNotice(QSqlQuery& q, const BillNotice& n) {
+QVariantList noticeValues(const BillNotice& n) {
+    QVariantList values;
     for (const QString& line : n.lines)
-        q.addBindValue(line);
-    q.addBindValue(n.phone);
-    q.addBindValue(n.printEscrow ? 1 : 0);
+        values << line;
+    values << n.phone << (n.printEscrow ? 1 : 0);
+    return values;
 }
 
 QGroupBox* rateFrame(QWidget* parent, const char* name, const QString& title) {
@@ -46,57 +36,34 @@ QGroupBox* rateFrame(QWidget* parent, const char* name, const QString& title) {
 } // namespace
 
 bool SaveTownshipMillages(QSqlDatabase db, const TownshipMillages& v, QString* error) {
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral(
-        "UPDATE Millfile SET TMR = ?, LMR = ?, TMO = ?, TPC = ?, TD = ?, TP = ?, PCTD = ?, "
-        "PCTP = ?, "
-        "Line1 = ?, Line2 = ?, Line3 = ?, Line4 = ?, Line5 = ?, Line6 = ?, Line7 = ?, "
-        "TCPhone = ?, PrintEscrow = ?, "
-        "LateLine1 = ?, LateLine2 = ?, LateLine3 = ?, LateLine4 = ?, LateLine5 = ?, "
-        "LateLine6 = ?, LateLine7 = ?, LateTCPhone = ?, LatePrintEscrow = ?, "
-        "MailDate = ?, DiscDate = ?, FaceDate1 = ?, FaceDate2 = ?, PenDate = ?, LastDate = ?, "
-        "TaxDate = ?, "
-        "LateMailDate = ?, LateDiscDate = ?, LateFaceDate1 = ?, LateFaceDate2 = ?, "
-        "LatePenDate = ?, LateLastDate = ?, LateTaxDate = ?, "
-        "PLine1 = '', PLine2 = '', LatePLine1 = '', LatePLine2 = '', "
-        "BillCounty = ?, BillTwp = ?, Tolerance = ? "
-        "WHERE District = ? AND Ward = ? AND TaxYear = ?"));
-    for (double rate : {v.tmr, v.lmr, v.tmo, v.tpc, v.td, v.tp, v.pctd, v.pctp})
-        q.addBindValue(rate);
-    bindNotice(q, v.early);
-    bindNotice(q, v.late);
-    bindDates(q, v.earlyDates);
-    bindDates(q, v.lateDates);
-    q.addBindValue(v.billCounty);
-    q.addBindValue(v.billTwp);
-    q.addBindValue(MoneyValue(v.tolerance));
-    q.addBindValue(v.district);
-    q.addBindValue(v.ward);
-    q.addBindValue(v.taxYear);
-    if (!q.exec() || !db.commit()) {
-        if (error)
-            *error = q.lastError().isValid() ? q.lastError().text() : db.lastError().text();
-        db.rollback();
-        return false;
-    }
-    return true;
+    QVariantList values{v.tmr, v.lmr, v.tmo, v.tpc, v.td, v.tp, v.pctd, v.pctp};
+    values << noticeValues(v.early) << noticeValues(v.late) << DateSetValues(v.earlyDates)
+           << DateSetValues(v.lateDates) << v.billCounty << v.billTwp << MoneyValue(v.tolerance)
+           << v.district << v.ward << v.taxYear;
+    return UpdateInOneTransaction(
+        db,
+        QStringLiteral(
+            "UPDATE Millfile SET TMR = ?, LMR = ?, TMO = ?, TPC = ?, TD = ?, TP = ?, PCTD = ?, "
+            "PCTP = ?, "
+            "Line1 = ?, Line2 = ?, Line3 = ?, Line4 = ?, Line5 = ?, Line6 = ?, Line7 = ?, "
+            "TCPhone = ?, PrintEscrow = ?, "
+            "LateLine1 = ?, LateLine2 = ?, LateLine3 = ?, LateLine4 = ?, LateLine5 = ?, "
+            "LateLine6 = ?, LateLine7 = ?, LateTCPhone = ?, LatePrintEscrow = ?, "
+            "MailDate = ?, DiscDate = ?, FaceDate1 = ?, FaceDate2 = ?, PenDate = ?, LastDate = ?, "
+            "TaxDate = ?, "
+            "LateMailDate = ?, LateDiscDate = ?, LateFaceDate1 = ?, LateFaceDate2 = ?, "
+            "LatePenDate = ?, LateLastDate = ?, LateTaxDate = ?, "
+            "PLine1 = '', PLine2 = '', LatePLine1 = '', LatePLine2 = '', "
+            "BillCounty = ?, BillTwp = ?, Tolerance = ? "
+            "WHERE District = ? AND Ward = ? AND TaxYear = ?"),
+        values, error);
 }
 
 frmMaintainMillagesTownship::frmMaintainMillagesTownship(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmMaintainMillagesTownship"));
     setWindowTitle(QStringLiteral("Maintain Township/Borough/City Millages"));
 
-    lblTwpBoro = NamedLabel(this, "lblTwpBoro");
-    QFont big = lblTwpBoro->font();
-    big.setBold(true);
-    big.setPointSize(big.pointSize() + 2);
-    lblTwpBoro->setFont(big);
-    lblTwpBoro->setAlignment(Qt::AlignCenter);
+    lblTwpBoro = TitleLabel(this, "lblTwpBoro");
 
     // The municipality's own rates.
     QGroupBox* twp = rateFrame(this, "fraTwp", QStringLiteral("Twp/Boro/City"));
@@ -121,32 +88,10 @@ frmMaintainMillagesTownship::frmMaintainMillagesTownship(QWidget* parent) : QWid
     twpForm->addRow(QStringLiteral("Overage / Underage Tolerance:"), txtTolerance);
 
     // The school's and the county's rates, shown for reference only.
-    auto referenceFrame = [this](const char* name, const QString& title,
-                                 std::array<QLineEdit**, 9> members,
-                                 std::array<const char*, 9> names) {
-        QGroupBox* frame = rateFrame(this, name, title);
-        static const char* const labels[9] = {
-            "Real Estate Millage:",    "Special Millage:",       "Special Tax Name:",
-            "Real Estate Discount %:", "Real Estate Penalty %:", "Occupation Rate:",
-            "Per Capita Amount:",      "Per Capita Discount %:", "Per Capita Penalty %:"};
-        auto* form = new QFormLayout(frame);
-        for (int i = 0; i < 9; ++i) {
-            *members[i] = NamedField(frame, names[i]);
-            (*members[i])->setReadOnly(true);
-            form->addRow(QString::fromLatin1(labels[i]), *members[i]);
-        }
-        return frame;
-    };
-    QGroupBox* school = referenceFrame(
-        "fraSchool", QStringLiteral("School"),
-        {&txtSMR, &txtS1MR, &txtS1TaxName, &txtSD, &txtSP, &txtSMO, &txtSPC, &txtPCSD, &txtPCSP},
-        {"txtSMR", "txtS1MR", "txtS1TaxName", "txtSD", "txtSP", "txtSMO", "txtSPC", "txtPCSD",
-         "txtPCSP"});
-    QGroupBox* county = referenceFrame(
-        "fraCounty", QStringLiteral("County"),
-        {&txtCMR, &txtC1MR, &txtC1TaxName, &txtCD, &txtCP, &txtCMO, &txtCPC, &txtPCCD, &txtPCCP},
-        {"txtCMR", "txtC1MR", "txtC1TaxName", "txtCD", "txtCP", "txtCMO", "txtCPC", "txtPCCD",
-         "txtPCCP"});
+    QGroupBox* school =
+        schoolRates.buildReference(this, "fraSchool", QStringLiteral("School"), 'S');
+    QGroupBox* county =
+        countyRates.buildReference(this, "fraCounty", QStringLiteral("County"), 'C');
 
     // One frame per billing time frame: notice lines, phone, escrow box and dates.
     auto billingFrame = [this](const char* name, const QString& title, const QString& prefix,
@@ -194,17 +139,7 @@ frmMaintainMillagesTownship::frmMaintainMillagesTownship(QWidget* parent) : QWid
     timeFrames->addWidget(billCounty.frame);
     timeFrames->addStretch();
 
-    cmdAccept = NamedButton(this, "cmdAccept", QStringLiteral("&Accept"));
-    cmdClearScreen = NamedButton(this, "cmdClearScreen", QStringLiteral("&Clear Screen"), false);
-    cmdReset = NamedButton(this, "cmdReset", QStringLiteral("&Reset"), false);
-    cmdPrintScreen = NamedButton(this, "cmdPrintScreen", QStringLiteral("&Print Screen"), false);
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    cmdExit = NamedButton(this, "cmdExit", QStringLiteral("E&xit"), false);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    for (QPushButton* b : {cmdAccept, cmdClearScreen, cmdReset, cmdPrintScreen, cmdExit})
-        buttons->addWidget(b);
+    buttons.build(this, true);
 
     auto* grid = new QGridLayout;
     grid->addWidget(twp, 0, 0);
@@ -216,7 +151,7 @@ frmMaintainMillagesTownship::frmMaintainMillagesTownship(QWidget* parent) : QWid
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lblTwpBoro);
     layout->addLayout(grid);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.row);
 
     // Tab order: the municipality's rates, then early and late billing, then the time frames.
     QList<QWidget*> order{txtTMR, txtLMR,  txtTD,   txtTP,       txtTPC,
@@ -233,7 +168,7 @@ frmMaintainMillagesTownship::frmMaintainMillagesTownship(QWidget* parent) : QWid
     for (QLineEdit* f : late.fields())
         order << f;
     order << cmdCalcDatesLate << billTwp.early << billTwp.late << billSchool.early
-          << billSchool.late << billCounty.early << billCounty.late << cmdAccept;
+          << billSchool.late << billCounty.early << billCounty.late << buttons.cmdAccept;
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 
@@ -241,10 +176,11 @@ frmMaintainMillagesTownship::frmMaintainMillagesTownship(QWidget* parent) : QWid
             [this] { early.figure(EarlyDateMessages[0]); });
     connect(cmdCalcDatesLate, &QPushButton::clicked, this,
             [this] { late.figure(LateDateMessages[0]); });
-    connect(cmdAccept, &QPushButton::clicked, this, &frmMaintainMillagesTownship::accept);
-    connect(cmdClearScreen, &QPushButton::clicked, this, &frmMaintainMillagesTownship::clearScreen);
-    connect(cmdReset, &QPushButton::clicked, this, &frmMaintainMillagesTownship::loadFromTable);
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(buttons.cmdAccept, &QPushButton::clicked, this, &frmMaintainMillagesTownship::accept);
+    connect(buttons.cmdClearScreen, &QPushButton::clicked, this,
+            &frmMaintainMillagesTownship::clearScreen);
+    connect(buttons.cmdReset, &QPushButton::clicked, this,
+            &frmMaintainMillagesTownship::loadFromTable);
 
     loadFromTable();
     ReloadOnActivation(this, [this] { loadFromTable(); });
@@ -258,29 +194,9 @@ void frmMaintainMillagesTownship::loadFromTable() {
     PleaseWait wait(frmMessage::Searching);
     QSqlDatabase db = session().DbConnection;
 
-    m_district.clear();
-    m_ward.clear();
-    QSqlQuery district(db);
-    if (district.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) &&
-        district.next()) {
-        m_district = TextField(district.value(0));
-        m_ward = TextField(district.value(1));
-    }
-    QSqlQuery name(db);
-    name.prepare(QStringLiteral("SELECT TwpBoro FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    name.addBindValue(m_district);
-    name.addBindValue(m_ward);
-    lblTwpBoro->clear();
-    if (name.exec() && name.next())
-        lblTwpBoro->setText(TextField(name.value(0)));
-
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District = ? AND Ward = ?"));
-    q.addBindValue(m_district);
-    q.addBindValue(m_ward);
-    QSqlRecord row;
-    if (q.exec() && q.next())
-        row = q.record();
+    m_office = ReadOfficeDistrict(db);
+    lblTwpBoro->setText(ReadTwpboroName(db, "TwpBoro", m_office));
+    const QSqlRecord row = ReadMillfileRow(db, m_office);
     auto value = [&row](const QString& column) { return row.value(column); };
     auto col = [&row](const char* column) { return row.value(QLatin1String(column)); };
 
@@ -308,36 +224,13 @@ void frmMaintainMillagesTownship::loadFromTable() {
     txtTolerance->setMaxLength(std::max<int>(4, tolerance.size()));
     txtTolerance->setText(tolerance);
 
-    txtSMR->setText(RateText(col("SMR")));
-    txtS1MR->setText(RateText(col("S1MR")));
-    txtS1TaxName->setText(TextField(col("S1TaxName")));
-    txtSD->setText(RateText(col("SD")));
-    txtSP->setText(RateText(col("SP")));
-    txtSMO->setText(RateText(col("SMO")));
-    txtSPC->setText(RateText(col("SPC")));
-    txtPCSD->setText(RateText(col("PCSD")));
-    txtPCSP->setText(RateText(col("PCSP")));
+    schoolRates.show(row);
 
     billTwp.setFlag(TextField(col("BillTwp")));
     billSchool.setFlag(TextField(col("BillSchool")));
     billCounty.setFlag(TextField(col("BillCounty")));
 
-    QSqlQuery countyRow(db);
-    QSqlRecord c;
-    if (countyRow.exec(
-            QStringLiteral("SELECT * FROM Millfile WHERE District = '00' AND Ward = '0'")) &&
-        countyRow.next())
-        c = countyRow.record();
-    auto ccol = [&c](const char* column) { return c.value(QLatin1String(column)); };
-    txtCMR->setText(RateText(ccol("SMR")));
-    txtC1MR->setText(RateText(ccol("S1MR")));
-    txtC1TaxName->setText(TextField(ccol("S1TaxName")));
-    txtCD->setText(RateText(ccol("SD")));
-    txtCP->setText(RateText(ccol("SP")));
-    txtCMO->setText(RateText(ccol("SMO")));
-    txtCPC->setText(RateText(ccol("SPC")));
-    txtPCCD->setText(RateText(ccol("PCSD")));
-    txtPCCP->setText(RateText(ccol("PCSP")));
+    countyRates.show(ReadCountyMillfileRow(db));
 
     txtTMR->setFocus();
 }
@@ -384,8 +277,8 @@ void frmMaintainMillagesTownship::accept() {
         return;
 
     TownshipMillages v;
-    v.district = m_district;
-    v.ward = m_ward;
+    v.district = m_office.district;
+    v.ward = m_office.ward;
     v.taxYear = m_taxYear;
     v.tmr = RateOf(txtTMR);
     v.lmr = RateOf(txtLMR);
@@ -409,17 +302,7 @@ void frmMaintainMillagesTownship::accept() {
     v.billTwp = billTwp.flag();
     v.tolerance = AmountOf(txtTolerance);
 
-    QString error;
-    bool saved = false;
-    {
-        PleaseWait wait(frmMessage::SavingData);
-        saved = SaveTownshipMillages(session().DbConnection, v, &error);
-    }
-    if (!saved) {
-        MsgBox(QStringLiteral("The millages could not be saved: ") + error,
-               QString::fromLatin1(MillagesTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    MsgBox(QStringLiteral("Record Changed"), QString::fromLatin1(MillagesTitle), MsgButtons::Ok,
-           MsgIcon::Exclamation);
+    SaveMillages(
+        [&v](QString* error) { return SaveTownshipMillages(session().DbConnection, v, error); },
+        "Record Changed");
 }

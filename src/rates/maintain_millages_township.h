@@ -66,26 +66,9 @@ public:
     QLineEdit* txtPCTD = nullptr;
     QLineEdit* txtPCTP = nullptr;
     QLineEdit* txtTolerance = nullptr;
-    // School rates of the district row, for reference.
-    QLineEdit* txtSMR = nullptr;
-    QLineEdit* txtS1MR = nullptr;
-    QLineEdit* txtS1TaxName = nullptr;
-    QLineEdit* txtSD = nullptr;
-    QLineEdit* txtSP = nullptr;
-    QLineEdit* txtSMO = nullptr;
-    QLineEdit* txtSPC = nullptr;
-    QLineEdit* txtPCSD = nullptr;
-    QLineEdit* txtPCSP = nullptr;
-    // County rates of the county row, for reference.
-    QLineEdit* txtCMR = nullptr;
-    QLineEdit* txtC1MR = nullptr;
-    QLineEdit* txtC1TaxName = nullptr;
-    QLineEdit* txtCD = nullptr;
-    QLineEdit* txtCP = nullptr;
-    QLineEdit* txtCMO = nullptr;
-    QLineEdit* txtCPC = nullptr;
-    QLineEdit* txtPCCD = nullptr;
-    QLineEdit* txtPCCP = nullptr;
+    // School rates of the district row and county rates of the county row, for reference.
+    BodyRateFields schoolRates; // fraSchool: txtSMR, txtS1MR, ... txtPCSP
+    BodyRateFields countyRates; // fraCounty: txtCMR, txtC1MR, ... txtPCCP
     // Notice lines of early and late billing.
     std::array<QLineEdit*, 7> txtLine{};
     std::array<QLineEdit*, 7> txtLateLine{};
@@ -101,11 +84,7 @@ public:
     BillingTimeFrame billTwp;    // fraBillTwp: optBillTwpEarly, optBillTwpLate
     BillingTimeFrame billSchool; // fraBillSchool: optBillSchoolEarly, optBillSchoolLate
     BillingTimeFrame billCounty; // fraBillCounty: optBillCountyEarly, optBillCountyLate
-    QPushButton* cmdAccept = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdReset = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
+    MillageButtons buttons;
 
     void loadFromTable();
 
@@ -114,7 +93,6 @@ private:
     void clearScreen();
     QList<QLineEdit*> textFields() const;
 
-    QString m_district;
-    QString m_ward;
+    OfficeDistrict m_office;
     QString m_taxYear;
 };

@@ -2,9 +2,12 @@
 
 #include "core/common_values.h"
 #include "core/main_window.h"
+#include "core/message_window.h"
 #include "core/messages.h"
 #include "core/tax_database.h"
 #include "rates/millage_dates.h"
+#include "reports/print_output.h"
+#include "reports/print_screen.h"
 
 #include <QButtonGroup>
 #include <QFormLayout>
@@ -17,6 +20,8 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <memory>
 
 namespace {
@@ -121,6 +126,16 @@ QPushButton* NamedButton(QWidget* parent, const char* name, const QString& capti
     return button;
 }
 
+QLabel* TitleLabel(QWidget* parent, const char* name) {
+    QLabel* label = NamedLabel(parent, name);
+    QFont big = label->font();
+    big.setBold(true);
+    big.setPointSize(big.pointSize() + 2);
+    label->setFont(big);
+    label->setAlignment(Qt::AlignCenter);
+    return label;
+}
+
 bool CheckNumberFields(const std::vector<NumberCheck>& checks) {
     for (const NumberCheck& c : checks)
         if (c.field->text().trimmed().isEmpty())
@@ -129,8 +144,8 @@ bool CheckNumberFields(const std::vector<NumberCheck>& checks) {
         const bool numeric = c.amount ? Money::parse(c.field->text()).has_value()
                                       : ParseRate(c.field->text()).has_value();
         if (!numeric) {
-            MsgBox(QString::fromLatin1(c.message), QString::fromLatin1(EnterRatesTitle),
-                   MsgButtons::Ok, MsgIcon::Exclamation);
+            MsgBox(c.message, QString::fromLatin1(EnterRatesTitle), MsgButtons::Ok,
+                   MsgIcon::Exclamation);
             c.field->setFocus();
             return false;
         }
@@ -144,6 +159,198 @@ double RateOf(const QLineEdit* field) {
 
 Money AmountOf(const QLineEdit* field) {
     return Money::parse(field->text()).value_or(Money());
+}
+
+namespace {
+
+// The rates in the order of the columns: name and column ('?' the body's letter), label.
+struct BodyRate {
+    QLineEdit* BodyRateFields::*member;
+    const char* name;
+    const char* label;
+};
+const BodyRate BodyRates[9] = {
+    {&BodyRateFields::mr, "?MR", "Real Estate Millage:"},
+    {&BodyRateFields::specialMr, "?1MR", "Special Millage:"},
+    {&BodyRateFields::specialName, "?1TaxName", "Special Tax Name:"},
+    {&BodyRateFields::discount, "?D", "Real Estate Discount %:"},
+    {&BodyRateFields::penalty, "?P", "Real Estate Penalty %:"},
+    {&BodyRateFields::occupation, "?MO", "Occupation Rate:"},
+    {&BodyRateFields::perCapita, "?PC", "Per Capita Amount:"},
+    {&BodyRateFields::perCapitaDiscount, "PC?D", "Per Capita Discount %:"},
+    {&BodyRateFields::perCapitaPenalty, "PC?P", "Per Capita Penalty %:"}};
+// The body's own rates as its screen shows them.
+const int EditOrder[9] = {0, 2, 1, 3, 4, 6, 5, 7, 8};
+
+QString bodyColumn(const BodyRate& rate, char letter) {
+    return QString::fromLatin1(rate.name).replace(u'?', QLatin1Char(letter));
+}
+
+QGroupBox* buildRates(BodyRateFields& fields, QWidget* parent, const char* frameName,
+                      const QString& title, char letter, bool reference) {
+    auto* frame = new QGroupBox(title, parent);
+    frame->setObjectName(QString::fromLatin1(frameName));
+    auto* form = new QFormLayout(frame);
+    for (int i = 0; i < 9; ++i) {
+        const BodyRate& rate = BodyRates[reference ? i : EditOrder[i]];
+        auto* field = new QLineEdit(frame);
+        field->setObjectName(QStringLiteral("txt") + bodyColumn(rate, letter));
+        if (reference)
+            field->setReadOnly(true);
+        else if (rate.member == &BodyRateFields::specialName)
+            field->setMaxLength(10);
+        fields.*rate.member = field;
+        form->addRow(QString::fromLatin1(rate.label), field);
+    }
+    return frame;
+}
+
+} // namespace
+
+QGroupBox* BodyRateFields::build(QWidget* parent, const char* frameName, const QString& title,
+                                 char letter) {
+    return buildRates(*this, parent, frameName, title, letter, false);
+}
+
+QGroupBox* BodyRateFields::buildReference(QWidget* parent, const char* frameName,
+                                          const QString& title, char letter) {
+    return buildRates(*this, parent, frameName, title, letter, true);
+}
+
+std::array<QLineEdit*, 9> BodyRateFields::editOrder() const {
+    std::array<QLineEdit*, 9> order{};
+    for (int i = 0; i < 9; ++i)
+        order[i] = this->*BodyRates[EditOrder[i]].member;
+    return order;
+}
+
+void BodyRateFields::show(const QSqlRecord& row) {
+    for (const BodyRate& rate : BodyRates) {
+        const QVariant stored = row.value(bodyColumn(rate, 'S'));
+        (this->*rate.member)
+            ->setText(rate.member == &BodyRateFields::specialName ? TextField(stored)
+                                                                  : RateText(stored));
+    }
+}
+
+QString BodyRateFields::specialNameText() const {
+    return specialName->text();
+}
+
+void BodyRateFields::clear() {
+    for (const BodyRate& rate : BodyRates)
+        (this->*rate.member)->clear();
+}
+
+std::vector<NumberCheck> BodyRateFields::checks(const char* body) const {
+    const QString name = QString::fromLatin1(body);
+    return {
+        {mr, name + QStringLiteral(" Real Estate Millage Rate must be numeric.")},
+        {specialMr, name + QStringLiteral(" Special Millage Rate must be numeric.")},
+        {discount, name + QStringLiteral(" Real Estate Discount Rate must be numeric.")},
+        {penalty, name + QStringLiteral(" Real Estate Penalty Rate must be numeric.")},
+        {occupation, name + QStringLiteral(" Occupation Rate must be numeric.")},
+        {perCapita, name + QStringLiteral(" Per Capita Rate must be numeric")},
+        {perCapitaDiscount, name + QStringLiteral(" Per Capita Discount Rate must be numeric")},
+        {perCapitaPenalty, name + QStringLiteral(" Per Capita Penalty Rate must be numeric")},
+    };
+}
+
+QVariantList DateSetValues(const MillageDateSet& d) {
+    QVariantList values;
+    for (const QDate& date :
+         {d.mail, d.discountEnd, d.faceFirst, d.faceLast, d.penaltyFirst, d.lastDay, d.taxClaim})
+        values << DateValue(date);
+    return values;
+}
+
+bool UpdateInOneTransaction(QSqlDatabase db, const QString& sql, const QVariantList& values,
+                            QString* error) {
+    return InOneTransaction(db, error, [&] {
+        QSqlQuery q(db);
+        q.prepare(sql);
+        for (const QVariant& value : values)
+            q.addBindValue(value);
+        return q.exec() || QueryFailed(db, q, error);
+    });
+}
+
+OfficeDistrict ReadOfficeDistrict(QSqlDatabase db) {
+    OfficeDistrict office;
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        office.district = TextField(q.value(0));
+        office.ward = TextField(q.value(1));
+    }
+    return office;
+}
+
+QString ReadTwpboroName(QSqlDatabase db, const char* column, const OfficeDistrict& office) {
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT %1 FROM tbl_Twpboro WHERE District = ? AND Ward = ?")
+                  .arg(QLatin1String(column)));
+    q.addBindValue(office.district);
+    q.addBindValue(office.ward);
+    if (q.exec() && q.next())
+        return TextField(q.value(0));
+    return {};
+}
+
+QString ReadCountyName(QSqlDatabase db) {
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("SELECT County FROM tbl_County")) && q.next())
+        return TextField(q.value(0));
+    return {};
+}
+
+QSqlRecord ReadMillfileRow(QSqlDatabase db, const OfficeDistrict& office) {
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District = ? AND Ward = ?"));
+    q.addBindValue(office.district);
+    q.addBindValue(office.ward);
+    if (q.exec() && q.next())
+        return q.record();
+    return {};
+}
+
+QSqlRecord ReadCountyMillfileRow(QSqlDatabase db) {
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District = '00' AND Ward = '0'")) &&
+        q.next())
+        return q.record();
+    return {};
+}
+
+void MillageButtons::build(QWidget* screen, bool stretch) {
+    cmdAccept = NamedButton(screen, "cmdAccept", QStringLiteral("&Accept"));
+    cmdClearScreen = NamedButton(screen, "cmdClearScreen", QStringLiteral("&Clear Screen"), false);
+    cmdReset = NamedButton(screen, "cmdReset", QStringLiteral("&Reset"), false);
+    cmdPrintScreen = NamedButton(screen, "cmdPrintScreen", QStringLiteral("&Print Screen"), false);
+    QObject::connect(cmdPrintScreen, &QPushButton::clicked, screen,
+                     [screen] { PrintScreenImage(screen, QString::fromLatin1(LetterPrinter)); });
+    cmdExit = NamedButton(screen, "cmdExit", QStringLiteral("E&xit"), false);
+    QObject::connect(cmdExit, &QPushButton::clicked, screen, [screen] { CloseScreen(screen); });
+    row = new QHBoxLayout;
+    if (stretch)
+        row->addStretch();
+    for (QPushButton* b : {cmdAccept, cmdClearScreen, cmdReset, cmdPrintScreen, cmdExit})
+        row->addWidget(b);
+}
+
+void SaveMillages(const std::function<bool(QString*)>& save, const char* doneText) {
+    QString error;
+    bool saved = false;
+    {
+        PleaseWait wait(frmMessage::SavingData);
+        saved = save(&error);
+    }
+    if (!saved) {
+        MsgBox(QStringLiteral("The millages could not be saved: ") + error,
+               QString::fromLatin1(MillagesTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    MsgBox(QString::fromLatin1(doneText), QString::fromLatin1(MillagesTitle), MsgButtons::Ok,
+           MsgIcon::Exclamation);
 }
 
 void DateGroupFields::build(QWidget* parent, QFormLayout* form, const QString& prefix) {

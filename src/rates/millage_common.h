@@ -1,11 +1,14 @@
 #pragma once
 // What the three millage screens share: reading and checking typed rates and amounts, the
-// date groups with their "Figure Dates On Mail Date" button, the billing time frame options,
-// and the plain values their saves take.
+// rates of the school and the county, the date groups with their "Figure Dates On Mail Date"
+// button, the billing time frame options, the buttons, reading the rows they show, and the
+// plain values their saves take. The special tax screens use the field and row helpers too.
 
 #include "core/money.h"
 
 #include <QDate>
+#include <QSqlDatabase>
+#include <QSqlRecord>
 #include <QString>
 #include <QStringView>
 #include <QVariant>
@@ -22,6 +25,7 @@ class QPushButton;
 class QRadioButton;
 class QWidget;
 class QFormLayout;
+class QHBoxLayout;
 
 inline constexpr const char* MillagesTitle = "Maintain Millages";
 inline constexpr const char* EnterRatesTitle = "Enter Millage Rates";
@@ -54,11 +58,13 @@ QLineEdit* NamedField(QWidget* parent, const char* name, int maxLength = 0);
 QLabel* NamedLabel(QWidget* parent, const char* name, const QString& text = QString());
 QPushButton* NamedButton(QWidget* parent, const char* name, const QString& caption,
                          bool takesFocus = true);
+// The name over a screen: bold, two points larger, centred.
+QLabel* TitleLabel(QWidget* parent, const char* name);
 
 // A rate or amount field of a save, with the message of its numeric test.
 struct NumberCheck {
     QLineEdit* field;
-    const char* message;
+    QString message;
     bool amount = false; // money ("$1,234.50" allowed) rather than a rate
 };
 // Every blank field becomes "0" first; then each is tested in order, and the first that is
@@ -93,6 +99,91 @@ struct DateGroupFields {
     // message and puts the focus there.
     void figure(const char* mailDateMessage);
 };
+
+// The rates of the school or the county, named "txt" + letter + column ("txtSMR", "txtC1MR",
+// "txtPCCD"). The county's are kept in the school's columns of its own row, so both show the
+// columns SMR, S1MR, S1TaxName, SD, SP, SMO, SPC, PCSD and PCSP.
+struct BodyRateFields {
+    QLineEdit* mr = nullptr;          // real-estate millage
+    QLineEdit* specialMr = nullptr;   // special millage
+    QLineEdit* specialName = nullptr; // special tax name
+    QLineEdit* discount = nullptr;    // real-estate discount, percent
+    QLineEdit* penalty = nullptr;     // real-estate penalty, percent
+    QLineEdit* occupation = nullptr;
+    QLineEdit* perCapita = nullptr;
+    QLineEdit* perCapitaDiscount = nullptr;
+    QLineEdit* perCapitaPenalty = nullptr;
+
+    // The body's own rates, to edit, in the order the screen shows them; the tax name takes
+    // ten characters at most.
+    QGroupBox* build(QWidget* parent, const char* frameName, const QString& title, char letter);
+    // Another body's rates beside the screen's own: read-only, in the order of the columns.
+    QGroupBox* buildReference(QWidget* parent, const char* frameName, const QString& title,
+                              char letter);
+    // The fields in the order build() shows them.
+    std::array<QLineEdit*, 9> editOrder() const;
+    void show(const QSqlRecord& row);
+    void clear();
+    // The numeric tests of the rates, their messages naming the body ("County").
+    std::vector<NumberCheck> checks(const char* body) const;
+    QString specialNameText() const;
+    // The rates of fields that passed checks(), into a save's values.
+    template <class Values> void store(Values& v) const {
+        v.smr = RateOf(mr);
+        v.s1mr = RateOf(specialMr);
+        v.s1TaxName = specialNameText();
+        v.sd = RateOf(discount);
+        v.sp = RateOf(penalty);
+        v.smo = RateOf(occupation);
+        v.spc = RateOf(perCapita);
+        v.pcsd = RateOf(perCapitaDiscount);
+        v.pcsp = RateOf(perCapitaPenalty);
+    }
+};
+
+// The columns a save of the school's or the county's rates sets, and their values in that
+// order.
+inline constexpr const char* BodyRateAssignments =
+    "SMR = ?, SMO = ?, SPC = ?, SD = ?, SP = ?, PCSD = ?, PCSP = ?, S1MR = ?, S1TaxName = ?";
+template <class Values> QVariantList BodyRateValues(const Values& v) {
+    return {v.smr, v.smo, v.spc, v.sd, v.sp, v.pcsd, v.pcsp, v.s1mr, v.s1TaxName};
+}
+// The seven dates of a set as they are written, blank ones Null.
+QVariantList DateSetValues(const MillageDateSet& d);
+
+// One transaction, one statement with its values bound in order.
+bool UpdateInOneTransaction(QSqlDatabase db, const QString& sql, const QVariantList& values,
+                            QString* error);
+
+// The office's district and ward (tbl_District); blanks when there is none.
+struct OfficeDistrict {
+    QString district;
+    QString ward;
+};
+OfficeDistrict ReadOfficeDistrict(QSqlDatabase db);
+// A name of the district's tbl_Twpboro row ("TwpBoro", "SchoolName"); blank when none.
+QString ReadTwpboroName(QSqlDatabase db, const char* column, const OfficeDistrict& office);
+QString ReadCountyName(QSqlDatabase db);
+// The district's Millfile row, and the county's (District '00', Ward '0'); empty when none.
+QSqlRecord ReadMillfileRow(QSqlDatabase db, const OfficeDistrict& office);
+QSqlRecord ReadCountyMillfileRow(QSqlDatabase db);
+
+// Accept, Clear Screen, Reset, Print Screen and Exit of a millage screen in a row. Print
+// Screen and Exit do their work; the screen connects the other three.
+struct MillageButtons {
+    QPushButton* cmdAccept = nullptr;
+    QPushButton* cmdClearScreen = nullptr;
+    QPushButton* cmdReset = nullptr;
+    QPushButton* cmdPrintScreen = nullptr;
+    QPushButton* cmdExit = nullptr;
+    QHBoxLayout* row = nullptr;
+
+    // stretch: the buttons stand at the right.
+    void build(QWidget* screen, bool stretch);
+};
+
+// Saves behind the "Saving Data" box; a failure shows its reason, a success doneText.
+void SaveMillages(const std::function<bool(QString*)>& save, const char* doneText);
 
 // The messages of the date group checks.
 extern const std::array<const char*, 7> EarlyDateMessages;
