@@ -18,7 +18,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSqlError>
 #include <QSqlQuery>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -32,22 +31,15 @@ QString flagOf(bool set) {
     return set ? QStringLiteral("Y") : QStringLiteral("N");
 }
 
-bool fail(QSqlDatabase& db, const QSqlQuery& q, QString* error) {
-    if (error)
-        *error = q.lastError().isValid() ? q.lastError().text() : db.lastError().text();
-    db.rollback();
-    return false;
-}
-
 // Update when the row is there, insert otherwise; inside the caller's transaction.
-bool writeTax(QSqlDatabase& db, const SpecialTax& t, QString* error) {
+bool writeTax(const QSqlDatabase& db, const SpecialTax& t, QString* error) {
     QSqlQuery find(db);
     find.prepare(QStringLiteral("SELECT count(*) FROM Spectax WHERE District = ? AND Ward = ? "
                                 "AND TaxKey = ? AND TaxYear = ?"));
     for (const QString& v : {t.district, t.ward, t.taxKey, t.taxYear})
         find.addBindValue(v);
     if (!find.exec() || !find.next())
-        return fail(db, find, error);
+        return QueryFailed(db, find, error);
     const bool exists = find.value(0).toInt() > 0;
     QSqlQuery q(db);
     if (exists) {
@@ -72,9 +64,7 @@ bool writeTax(QSqlDatabase& db, const SpecialTax& t, QString* error) {
         q.addBindValue(flagOf(t.specials));
         q.addBindValue(t.taxYear);
     }
-    if (!q.exec())
-        return fail(db, q, error);
-    return true;
+    return q.exec() || QueryFailed(db, q, error);
 }
 
 QTableWidgetItem* cell(const QString& text) {
@@ -112,37 +102,15 @@ std::vector<SpecialTax> ReadSpecialTaxes(QSqlDatabase db, const QString& distric
 }
 
 bool SaveSpecialTax(QSqlDatabase db, const SpecialTax& tax, QString* error) {
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    if (!writeTax(db, tax, error))
-        return false;
-    if (!db.commit()) {
-        if (error)
-            *error = db.lastError().text();
-        db.rollback();
-        return false;
-    }
-    return true;
+    return InOneTransaction(db, error, [&] { return writeTax(db, tax, error); });
 }
 
 bool DeleteSpecialTax(QSqlDatabase db, const QString& district, const QString& ward,
                       const QString& taxKey, const QString& taxYear, QString* error) {
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("DELETE FROM Spectax WHERE District = ? AND Ward = ? AND "
-                             "TaxKey = ? AND TaxYear = ?"));
-    for (const QString& v : {district, ward, taxKey, taxYear})
-        q.addBindValue(v);
-    if (!q.exec() || !db.commit())
-        return fail(db, q, error);
-    return true;
+    return UpdateInOneTransaction(db,
+                                  QStringLiteral("DELETE FROM Spectax WHERE District = ? AND "
+                                                 "Ward = ? AND TaxKey = ? AND TaxYear = ?"),
+                                  {district, ward, taxKey, taxYear}, error);
 }
 
 QString PreviousTaxYear(const QString& taxYear) {
@@ -159,35 +127,21 @@ bool CopySpecialTaxesFromPreviousYear(QSqlDatabase db, const QString& district, 
     if (previous.isEmpty())
         return true;
     const std::vector<SpecialTax> old = ReadSpecialTaxes(db, district, ward, previous);
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    for (SpecialTax tax : old) {
-        tax.taxYear = taxYear;
-        if (!writeTax(db, tax, error))
-            return false;
-    }
-    if (!db.commit()) {
-        if (error)
-            *error = db.lastError().text();
-        db.rollback();
-        return false;
-    }
-    return true;
+    return InOneTransaction(db, error, [&] {
+        for (SpecialTax tax : old) {
+            tax.taxYear = taxYear;
+            if (!writeTax(db, tax, error))
+                return false;
+        }
+        return true;
+    });
 }
 
 frmEditSpecialTaxes::frmEditSpecialTaxes(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmEditSpecialTaxes"));
     setWindowTitle(QStringLiteral("Edit Special Taxes"));
 
-    lblTwpBoro = NamedLabel(this, "lblTwpBoro");
-    QFont big = lblTwpBoro->font();
-    big.setBold(true);
-    big.setPointSize(big.pointSize() + 2);
-    lblTwpBoro->setFont(big);
-    lblTwpBoro->setAlignment(Qt::AlignCenter);
+    lblTwpBoro = TitleLabel(this, "lblTwpBoro");
 
     txtDistrict = NamedField(this, "txtDistrict", 2);
     txtWard = NamedField(this, "txtWard", 1);
@@ -287,26 +241,13 @@ frmEditSpecialTaxes::frmEditSpecialTaxes(QWidget* parent) : QWidget(parent) {
 
     // The office's municipality, and the calendar year of today.
     QSqlDatabase db = session().DbConnection;
-    QSqlQuery district(db);
-    if (district.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) &&
-        district.next()) {
-        txtDistrict->setText(TextField(district.value(0)));
-        txtWard->setText(TextField(district.value(1)));
-    }
+    const OfficeDistrict office = ReadOfficeDistrict(db);
+    txtDistrict->setText(office.district);
+    txtWard->setText(office.ward);
     txtYear->setText(QString::number(Clock::today().year()));
-    if (txtDistrict->text() + txtWard->text() == QLatin1String("000")) {
-        QSqlQuery county(db);
-        if (county.exec(QStringLiteral("SELECT County FROM tbl_County")) && county.next())
-            lblTwpBoro->setText(TextField(county.value(0)));
-    } else {
-        QSqlQuery name(db);
-        name.prepare(
-            QStringLiteral("SELECT TwpBoro FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-        name.addBindValue(txtDistrict->text());
-        name.addBindValue(txtWard->text());
-        if (name.exec() && name.next())
-            lblTwpBoro->setText(TextField(name.value(0)));
-    }
+    lblTwpBoro->setText(office.district + office.ward == QLatin1String("000")
+                            ? ReadCountyName(db)
+                            : ReadTwpboroName(db, "TwpBoro", office));
     openList();
     clearFields();
     txtTaxName->setFocus();

@@ -15,7 +15,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTableWidget>
@@ -33,13 +32,6 @@ bool allDigits(const QString& text) {
         if (c < u'0' || c > u'9')
             return false;
     return true;
-}
-
-bool fail(QSqlDatabase& db, const QSqlQuery& q, QString* error) {
-    if (error)
-        *error = q.lastError().isValid() ? q.lastError().text() : db.lastError().text();
-    db.rollback();
-    return false;
 }
 
 QTableWidgetItem* cell(const QString& text, Qt::Alignment align = Qt::AlignLeft) {
@@ -74,97 +66,79 @@ int SpecialTaxSlot(QSqlDatabase db, const QString& taxKey) {
 }
 
 bool SaveSpecialTaxpayerAmount(QSqlDatabase db, const SpecialTaxpayerAmount& v, QString* error) {
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    QSqlQuery find(db);
-    find.prepare(QStringLiteral("SELECT count(*) FROM Specpay WHERE District = ? AND Ward = ? "
-                                "AND Control = ? AND TaxKey = ?"));
-    for (const QString& key : {v.district, v.ward, v.control, v.taxKey})
-        find.addBindValue(key);
-    if (!find.exec() || !find.next())
-        return fail(db, find, error);
-    QSqlQuery q(db);
-    if (find.value(0).toInt() > 0) {
-        q.prepare(QStringLiteral("UPDATE Specpay SET Map = ?, Map3 = ?, Map4 = ?, Map5 = ?, "
-                                 "Name = ?, Amount = ? WHERE District = ? AND Ward = ? AND "
-                                 "Control = ? AND TaxKey = ?"));
-        for (const QString& text : {v.map, v.map3, v.map4, v.map5, v.name})
-            q.addBindValue(text);
-        q.addBindValue(MoneyValue(v.amount));
+    return InOneTransaction(db, error, [&] {
+        QSqlQuery find(db);
+        find.prepare(QStringLiteral("SELECT count(*) FROM Specpay WHERE District = ? AND Ward = ? "
+                                    "AND Control = ? AND TaxKey = ?"));
         for (const QString& key : {v.district, v.ward, v.control, v.taxKey})
-            q.addBindValue(key);
-    } else {
-        q.prepare(QStringLiteral("INSERT INTO Specpay (District, Ward, Control, TaxKey, Map, "
-                                 "Map3, Map4, Map5, Name, Amount) VALUES (?, ?, ?, ?, ?, ?, ?, "
-                                 "?, ?, ?)"));
-        for (const QString& text :
-             {v.district, v.ward, v.control, v.taxKey, v.map, v.map3, v.map4, v.map5, v.name})
-            q.addBindValue(text);
-        q.addBindValue(MoneyValue(v.amount));
-    }
-    if (!q.exec())
-        return fail(db, q, error);
+            find.addBindValue(key);
+        if (!find.exec() || !find.next())
+            return QueryFailed(db, find, error);
+        QSqlQuery q(db);
+        if (find.value(0).toInt() > 0) {
+            q.prepare(QStringLiteral("UPDATE Specpay SET Map = ?, Map3 = ?, Map4 = ?, Map5 = ?, "
+                                     "Name = ?, Amount = ? WHERE District = ? AND Ward = ? AND "
+                                     "Control = ? AND TaxKey = ?"));
+            for (const QString& text : {v.map, v.map3, v.map4, v.map5, v.name})
+                q.addBindValue(text);
+            q.addBindValue(MoneyValue(v.amount));
+            for (const QString& key : {v.district, v.ward, v.control, v.taxKey})
+                q.addBindValue(key);
+        } else {
+            q.prepare(QStringLiteral("INSERT INTO Specpay (District, Ward, Control, TaxKey, Map, "
+                                     "Map3, Map4, Map5, Name, Amount) VALUES (?, ?, ?, ?, ?, ?, ?, "
+                                     "?, ?, ?)"));
+            for (const QString& text :
+                 {v.district, v.ward, v.control, v.taxKey, v.map, v.map3, v.map4, v.map5, v.name})
+                q.addBindValue(text);
+            q.addBindValue(MoneyValue(v.amount));
+        }
+        if (!q.exec())
+            return QueryFailed(db, q, error);
 
-    // The amount always lands in the bill's third special.
-    const FlatSpecialAmounts bill =
-        FigureFlatSpecial(v.amount, v.discountPercent, v.penaltyPercent);
-    QSqlQuery master(db);
-    master.prepare(QStringLiteral("UPDATE TCMaster SET S3Face = ?, DS3Face = ?, PS3Face = ? "
-                                  "WHERE District = ? AND Ward = ? AND Control = ?"));
-    master.addBindValue(MoneyValue(bill.face));
-    master.addBindValue(MoneyValue(bill.discount));
-    master.addBindValue(MoneyValue(bill.penalty));
-    for (const QString& key : {v.district, v.ward, v.control})
-        master.addBindValue(key);
-    if (!master.exec())
-        return fail(db, master, error);
-    if (!db.commit()) {
-        if (error)
-            *error = db.lastError().text();
-        db.rollback();
-        return false;
-    }
-    return true;
+        // The amount always lands in the bill's third special.
+        const FlatSpecialAmounts bill =
+            FigureFlatSpecial(v.amount, v.discountPercent, v.penaltyPercent);
+        QSqlQuery master(db);
+        master.prepare(QStringLiteral("UPDATE TCMaster SET S3Face = ?, DS3Face = ?, PS3Face = ? "
+                                      "WHERE District = ? AND Ward = ? AND Control = ?"));
+        master.addBindValue(MoneyValue(bill.face));
+        master.addBindValue(MoneyValue(bill.discount));
+        master.addBindValue(MoneyValue(bill.penalty));
+        for (const QString& key : {v.district, v.ward, v.control})
+            master.addBindValue(key);
+        if (!master.exec())
+            return QueryFailed(db, master, error);
+        return true;
+    });
 }
 
 bool DeleteSpecialTaxpayerAmount(QSqlDatabase db, const QString& district, const QString& ward,
                                  const QString& control, const QString& taxKey, QString* error) {
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("DELETE FROM Specpay WHERE District = ? AND Ward = ? AND "
-                             "Control = ? AND TaxKey = ?"));
-    for (const QString& key : {district, ward, control, taxKey})
-        q.addBindValue(key);
-    if (!q.exec())
-        return fail(db, q, error);
+    return InOneTransaction(db, error, [&] {
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("DELETE FROM Specpay WHERE District = ? AND Ward = ? AND "
+                                 "Control = ? AND TaxKey = ?"));
+        for (const QString& key : {district, ward, control, taxKey})
+            q.addBindValue(key);
+        if (!q.exec())
+            return QueryFailed(db, q, error);
 
-    // The special of the tax's own slot is cleared, whichever slot the amount was saved in.
-    const int slot = SpecialTaxSlot(db, taxKey);
-    if (slot >= 1 && slot <= 3) {
-        QSqlQuery master(db);
-        master.prepare(QStringLiteral("UPDATE TCMaster SET S%1Face = 0, DS%1Face = 0, "
-                                      "PS%1Face = 0 WHERE District = ? AND Ward = ? AND "
-                                      "Control = ?")
-                           .arg(slot));
-        for (const QString& key : {district, ward, control})
-            master.addBindValue(key);
-        if (!master.exec())
-            return fail(db, master, error);
-    }
-    if (!db.commit()) {
-        if (error)
-            *error = db.lastError().text();
-        db.rollback();
-        return false;
-    }
-    return true;
+        // The special of the tax's own slot is cleared, whichever slot the amount was saved in.
+        const int slot = SpecialTaxSlot(db, taxKey);
+        if (slot >= 1 && slot <= 3) {
+            QSqlQuery master(db);
+            master.prepare(QStringLiteral("UPDATE TCMaster SET S%1Face = 0, DS%1Face = 0, "
+                                          "PS%1Face = 0 WHERE District = ? AND Ward = ? AND "
+                                          "Control = ?")
+                               .arg(slot));
+            for (const QString& key : {district, ward, control})
+                master.addBindValue(key);
+            if (!master.exec())
+                return QueryFailed(db, master, error);
+        }
+        return true;
+    });
 }
 
 QWidget* frmEditSpecialTaxpayers::open() {
@@ -183,12 +157,7 @@ frmEditSpecialTaxpayers::frmEditSpecialTaxpayers(QWidget* parent) : QWidget(pare
     setObjectName(QStringLiteral("frmEditSpecialTaxpayers"));
     setWindowTitle(QString::fromLatin1(ScreenTitle));
 
-    lblTwpBoro = NamedLabel(this, "lblTwpBoro");
-    QFont big = lblTwpBoro->font();
-    big.setBold(true);
-    big.setPointSize(big.pointSize() + 2);
-    lblTwpBoro->setFont(big);
-    lblTwpBoro->setAlignment(Qt::AlignCenter);
+    lblTwpBoro = TitleLabel(this, "lblTwpBoro");
 
     txtControl = NamedField(this, "txtControl", 6);
     txtBillNo = NamedField(this, "txtBillNo", 5);
@@ -273,18 +242,10 @@ frmEditSpecialTaxpayers::frmEditSpecialTaxpayers(QWidget* parent) : QWidget(pare
     connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
 
     QSqlDatabase db = session().DbConnection;
-    QSqlQuery district(db);
-    if (district.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) &&
-        district.next()) {
-        m_district = TextField(district.value(0));
-        m_ward = TextField(district.value(1));
-    }
-    QSqlQuery name(db);
-    name.prepare(QStringLiteral("SELECT TwpBoro FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    name.addBindValue(m_district);
-    name.addBindValue(m_ward);
-    if (name.exec() && name.next())
-        lblTwpBoro->setText(TextField(name.value(0)));
+    const OfficeDistrict office = ReadOfficeDistrict(db);
+    m_district = office.district;
+    m_ward = office.ward;
+    lblTwpBoro->setText(ReadTwpboroName(db, "TwpBoro", office));
     QSqlQuery rates(db);
     rates.prepare(QStringLiteral("SELECT TD, TP FROM Millfile WHERE District = ? AND Ward = ?"));
     rates.addBindValue(m_district);
