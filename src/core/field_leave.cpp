@@ -1,8 +1,11 @@
 #include "core/field_leave.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QFocusEvent>
 #include <QLineEdit>
+#include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 void FieldLeave::onLeave(QWidget* field, std::function<void()> action) {
@@ -38,6 +41,49 @@ bool FieldLeave::eventFilter(QObject* watched, QEvent* event) {
     // also take the leave as its own.
     auto* widget = qobject_cast<QWidget*>(watched);
     return widget && widget->hasFocus();
+}
+
+namespace {
+
+const char* const RefusedClick = "levydeskRefusedClick";
+
+} // namespace
+
+bool IsFieldLeave(const QEvent* event) {
+    if (event->type() != QEvent::FocusOut)
+        return false;
+    const auto reason = static_cast<const QFocusEvent*>(event)->reason();
+    return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason;
+}
+
+void MarkRefusedClick(QObject* context, QWidget* target, const QEvent* focusOut) {
+    if (static_cast<const QFocusEvent*>(focusOut)->reason() != Qt::MouseFocusReason)
+        return;
+    auto* b = qobject_cast<QAbstractButton*>(target);
+    if (!b)
+        return;
+    b->setProperty(RefusedClick, true);
+    QPointer<QAbstractButton> button(b);
+    QTimer::singleShot(0, context, [button] {
+        if (button) {
+            button->setProperty(RefusedClick, false);
+            button->setDown(false);
+        }
+    });
+}
+
+bool SwallowRefusedRelease(QObject* watched) {
+    auto* b = qobject_cast<QAbstractButton*>(watched);
+    if (!b || !b->property(RefusedClick).toBool())
+        return false;
+    b->setProperty(RefusedClick, false);
+    b->setDown(false);
+    return true;
+}
+
+bool FieldTookFocusBack(QObject* watched) {
+    auto* field = qobject_cast<QWidget*>(watched);
+    return field && field->hasFocus();
 }
 
 void UpperCaseTyping(QLineEdit* field) {

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <functional>
 
+class QEvent;
 class QWidget;
 
 class FieldLeave : public QObject {
@@ -28,6 +29,20 @@ private:
     QHash<QObject*, Leave> m_actions;
     bool m_running = false;
 };
+
+// For screens that run their own leave actions from an event filter.
+//
+// A focus-out that is a leave of the field: not another window or a popup taking the focus.
+bool IsFieldLeave(const QEvent* event);
+// A click whose focus move left a field that refused its value does not act: the button the
+// press went to is marked (MarkRefusedClick, for a leave made by the mouse), and its release
+// is swallowed (SwallowRefusedRelease, true for that release). The mark goes by itself once
+// the events of the press are through.
+void MarkRefusedClick(QObject* context, QWidget* target, const QEvent* focusOut);
+bool SwallowRefusedRelease(QObject* watched);
+// After a leave action: a field that took the focus back never lost it, as far as it knows,
+// and keeps the selection made for retyping. True when the focus-out is to be eaten.
+bool FieldTookFocusBack(QObject* watched);
 
 // Upper-cases what is typed into the field, keeping the cursor where it was.
 void UpperCaseTyping(class QLineEdit* field);

@@ -2,6 +2,7 @@
 
 #include "core/clock.h"
 #include "core/common_values.h"
+#include "core/field_leave.h"
 #include "core/main_window.h"
 #include "core/messages.h"
 #include "core/session.h"
@@ -27,7 +28,6 @@
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -596,27 +596,16 @@ void frmREReceivePayment::lockEntryFields() {
 // ---------------------------------------------------------------------------------------------
 
 bool frmREReceivePayment::eventFilter(QObject* watched, QEvent* event) {
-    // A release that ends the click whose focus change was refused does not click.
-    if (event->type() == QEvent::MouseButtonRelease) {
-        if (auto* b = qobject_cast<QAbstractButton*>(watched);
-            b && b->property("levydeskRefusedClick").toBool()) {
-            b->setProperty("levydeskRefusedClick", false);
-            b->setDown(false);
-            return true;
-        }
-        return QWidget::eventFilter(watched, event);
-    }
+    if (event->type() == QEvent::MouseButtonRelease)
+        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
     // The amount offered is selected on entry, so what is typed replaces it.
     if (event->type() == QEvent::FocusIn && watched == txtAmount &&
         static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason) {
         txtAmount->selectAll();
         return QWidget::eventFilter(watched, event);
     }
-    if (event->type() != QEvent::FocusOut || m_clearing || m_inLeave)
-        return QWidget::eventFilter(watched, event);
-    const auto reason = static_cast<QFocusEvent*>(event)->reason();
     // Another window taking the focus is no leave of the field.
-    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
+    if (!IsFieldLeave(event) || m_clearing || m_inLeave)
         return QWidget::eventFilter(watched, event);
 
     QPointer<QWidget> target = QApplication::focusWidget();
@@ -636,23 +625,9 @@ bool frmREReceivePayment::eventFilter(QObject* watched, QEvent* event) {
     }
     m_inLeave = false;
 
-    if (refused && reason == Qt::MouseFocusReason) {
-        if (auto* b = qobject_cast<QAbstractButton*>(target.data())) {
-            b->setProperty("levydeskRefusedClick", true);
-            QPointer<QAbstractButton> button(b);
-            QTimer::singleShot(0, this, [button] {
-                if (button) {
-                    button->setProperty("levydeskRefusedClick", false);
-                    button->setDown(false);
-                }
-            });
-        }
-    }
-    // A field that took the focus back never lost it, as far as it knows: it keeps the
-    // selection made for retyping.
-    if (auto* field = qobject_cast<QWidget*>(watched); field && field->hasFocus())
-        return true;
-    return QWidget::eventFilter(watched, event);
+    if (refused)
+        MarkRefusedClick(this, target, event);
+    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }
 
 void frmREReceivePayment::enterBillNo(const QString& billNo) {

@@ -2,6 +2,7 @@
 
 #include "core/clock.h"
 #include "core/common_values.h"
+#include "core/field_leave.h"
 #include "core/main_window.h"
 #include "core/messages.h"
 #include "core/session.h"
@@ -9,10 +10,8 @@
 #include "desk/realestate/payment_rules.h"
 #include "desk/realestate/receipt_writes.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QEvent>
-#include <QFocusEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -22,7 +21,6 @@
 #include <QPushButton>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -254,19 +252,9 @@ void frmREVoidReceipt::loadNames() {
 bool frmREVoidReceipt::eventFilter(QObject* watched, QEvent* event) {
     // The release that ends a click whose focus change brought a receipt on screen or was
     // refused does not click: the collector sees the receipt before voiding it.
-    if (event->type() == QEvent::MouseButtonRelease) {
-        if (auto* b = qobject_cast<QAbstractButton*>(watched);
-            b && b->property("levydeskRefusedClick").toBool()) {
-            b->setProperty("levydeskRefusedClick", false);
-            b->setDown(false);
-            return true;
-        }
-        return QWidget::eventFilter(watched, event);
-    }
-    if (event->type() != QEvent::FocusOut || m_inLeave || m_clearing)
-        return QWidget::eventFilter(watched, event);
-    const auto reason = static_cast<QFocusEvent*>(event)->reason();
-    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason)
+    if (event->type() == QEvent::MouseButtonRelease)
+        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
+    if (!IsFieldLeave(event) || m_inLeave || m_clearing)
         return QWidget::eventFilter(watched, event);
     QPointer<QWidget> target = QApplication::focusWidget();
     QPointer<frmREVoidReceipt> self(this);
@@ -279,23 +267,9 @@ bool frmREVoidReceipt::eventFilter(QObject* watched, QEvent* event) {
     if (!self)
         return true;
     m_inLeave = false;
-    if (cancelClick && reason == Qt::MouseFocusReason) {
-        if (auto* b = qobject_cast<QAbstractButton*>(target.data())) {
-            b->setProperty("levydeskRefusedClick", true);
-            QPointer<QAbstractButton> button(b);
-            QTimer::singleShot(0, this, [button] {
-                if (button) {
-                    button->setProperty("levydeskRefusedClick", false);
-                    button->setDown(false);
-                }
-            });
-        }
-    }
-    // A field that took the focus back never lost it, as far as it knows: it keeps the
-    // selection made for retyping.
-    if (auto* field = qobject_cast<QWidget*>(watched); field && field->hasFocus())
-        return true;
-    return QWidget::eventFilter(watched, event);
+    if (cancelClick)
+        MarkRefusedClick(this, target, event);
+    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }
 
 void frmREVoidReceipt::enterRecnum(const QString& recnum) {
