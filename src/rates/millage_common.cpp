@@ -102,30 +102,6 @@ QString StoredDateText(const QVariant& stored) {
     return FormatDate(DateField(stored));
 }
 
-QLineEdit* NamedField(QWidget* parent, const char* name, int maxLength) {
-    auto* field = new QLineEdit(parent);
-    field->setObjectName(QString::fromLatin1(name));
-    if (maxLength > 0)
-        field->setMaxLength(maxLength);
-    return field;
-}
-
-QLabel* NamedLabel(QWidget* parent, const char* name, const QString& text) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(QString::fromLatin1(name));
-    return label;
-}
-
-QPushButton* NamedButton(QWidget* parent, const char* name, const QString& caption,
-                         bool takesFocus) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(QString::fromLatin1(name));
-    button->setAutoDefault(false);
-    if (!takesFocus)
-        button->setFocusPolicy(Qt::NoFocus);
-    return button;
-}
-
 QLabel* TitleLabel(QWidget* parent, const char* name) {
     QLabel* label = NamedLabel(parent, name);
     QFont big = label->font();

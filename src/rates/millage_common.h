@@ -5,6 +5,7 @@
 // plain values their saves take. The special tax screens use the field and row helpers too.
 
 #include "core/money.h"
+#include "core/named_widgets.h"
 
 #include <QDate>
 #include <QSqlDatabase>
@@ -53,11 +54,6 @@ struct MillageDateSet {
     QDate taxClaim;
 };
 
-// A line edit named as its member.
-QLineEdit* NamedField(QWidget* parent, const char* name, int maxLength = 0);
-QLabel* NamedLabel(QWidget* parent, const char* name, const QString& text = QString());
-QPushButton* NamedButton(QWidget* parent, const char* name, const QString& caption,
-                         bool takesFocus = true);
 // The name over a screen: bold, two points larger, centred.
 QLabel* TitleLabel(QWidget* parent, const char* name);
 

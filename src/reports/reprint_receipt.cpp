@@ -4,6 +4,7 @@
 #include "core/field_leave.h"
 #include "core/main_window.h"
 #include "core/messages.h"
+#include "core/named_widgets.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "reports/print_output.h"
@@ -45,12 +46,6 @@ QComboBox* readOnlyBox(const char* name, QWidget* parent) {
     box->setObjectName(QString::fromLatin1(name));
     box->setEnabled(false);
     return box;
-}
-
-QLabel* label(const QString& name, const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    l->setObjectName(name);
-    return l;
 }
 
 void setBoxText(QComboBox* box, const QString& text) {
@@ -149,7 +144,7 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
     txtTwp = field(QStringLiteral("txtTwp"), amounts);
     for (int i = 0; i < 3; ++i) {
         txtSpecFace[i] = field(QStringLiteral("txtSpecFace(%1)").arg(i + 1), amounts);
-        lblSpecFace[i] = label(QStringLiteral("lblSpecFace(%1)").arg(i + 1), QString(), amounts);
+        lblSpecFace[i] = NamedLabel(amounts, QStringLiteral("lblSpecFace(%1)").arg(i + 1));
     }
     txtSchool = field(QStringLiteral("txtSchool"), amounts);
     txtSch1Face = field(QStringLiteral("txtSch1Face"), amounts);
@@ -157,12 +152,12 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
     txtTTotal = field(QStringLiteral("txtTTotal"), amounts);
     txtSTotal = field(QStringLiteral("txtSTotal"), amounts);
     txtTotal = field(QStringLiteral("txtTotal"), amounts);
-    lblCPeriod = label(QStringLiteral("lblCPeriod"), QString(), amounts);
-    lblTPeriod = label(QStringLiteral("lblTPeriod"), QString(), amounts);
-    lblSPeriod = label(QStringLiteral("lblSPeriod"), QString(), amounts);
-    lblC1Face = label(QStringLiteral("lblC1Face"), QString(), amounts);
-    lblTwp = label(QStringLiteral("lblTwp"), QStringLiteral("Twp:"), amounts);
-    lblSch1Face = label(QStringLiteral("lblSch1Face"), QString(), amounts);
+    lblCPeriod = NamedLabel(amounts, QStringLiteral("lblCPeriod"));
+    lblTPeriod = NamedLabel(amounts, QStringLiteral("lblTPeriod"));
+    lblSPeriod = NamedLabel(amounts, QStringLiteral("lblSPeriod"));
+    lblC1Face = NamedLabel(amounts, QStringLiteral("lblC1Face"));
+    lblTwp = NamedLabel(amounts, QStringLiteral("lblTwp"), QStringLiteral("Twp:"));
+    lblSch1Face = NamedLabel(amounts, QStringLiteral("lblSch1Face"));
     {
         auto* grid = new QGridLayout(amounts);
         int row = 0;

@@ -5,6 +5,7 @@
 #include "core/field_leave.h"
 #include "core/main_window.h"
 #include "core/messages.h"
+#include "core/named_widgets.h"
 #include "core/session.h"
 #include "desk/realestate/receipt_writes.h"
 #include "desk/realestate/refund.h"
@@ -45,28 +46,6 @@ QString moneyText(Money amount) {
 
 bool isBlank(QStringView flag) {
     return flag.trimmed().isEmpty();
-}
-
-QLineEdit* newField(QWidget* parent, const QString& name, int maxLength = 0) {
-    auto* field = new QLineEdit(parent);
-    field->setObjectName(name);
-    if (maxLength > 0)
-        field->setMaxLength(maxLength);
-    return field;
-}
-
-// A field the screen fills and the user only reads: out of the tab order.
-QLineEdit* newShown(QWidget* parent, const QString& name, int maxLength = 0) {
-    QLineEdit* field = newField(parent, name, maxLength);
-    field->setReadOnly(true);
-    field->setFocusPolicy(Qt::NoFocus);
-    return field;
-}
-
-QLabel* newLabel(QWidget* parent, const QString& name, const QString& text) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    return label;
 }
 
 QPushButton* newButton(QWidget* parent, const QString& name, const QString& caption) {
@@ -125,15 +104,15 @@ frmREReceivePayment::frmREReceivePayment(QWidget* parent) : QWidget(parent) {
 
 void frmREReceivePayment::buildScreen() {
     // Bill number and date credited.
-    txtBillNo = newField(this, QStringLiteral("txtBillNo"), 5);
-    txtAdjNo = newShown(this, QStringLiteral("txtAdjNo"), 2);
-    txtDate = newField(this, QStringLiteral("txtDate"), 10);
+    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
+    txtAdjNo = ShownField(this, QStringLiteral("txtAdjNo"), 2);
+    txtDate = NamedField(this, QStringLiteral("txtDate"), 10);
     cmdDate = newButton(this, QStringLiteral("cmdDate"), QStringLiteral("Change Date"));
-    lblAdjustment = newLabel(this, QStringLiteral("lblAdjustment"), QStringLiteral("Adjustment"));
+    lblAdjustment = NamedLabel(this, QStringLiteral("lblAdjustment"), QStringLiteral("Adjustment"));
     lblAddressChange =
-        newLabel(this, QStringLiteral("lblAddressChange"), QStringLiteral("Address Change"));
+        NamedLabel(this, QStringLiteral("lblAddressChange"), QStringLiteral("Address Change"));
     lblPaymentReceived =
-        newLabel(this, QStringLiteral("lblPaymentReceived"), QStringLiteral("Payment Received"));
+        NamedLabel(this, QStringLiteral("lblPaymentReceived"), QStringLiteral("Payment Received"));
     for (QLabel* marker : {lblAdjustment, lblAddressChange, lblPaymentReceived})
         marker->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold;"));
 
@@ -157,35 +136,35 @@ void frmREReceivePayment::buildScreen() {
     // The bill as it stands.
     auto* fraBill = new QGroupBox(QStringLiteral("Property Owner"), this);
     fraBill->setObjectName(QStringLiteral("fraBill"));
-    txtControl = newShown(fraBill, QStringLiteral("txtControl"), 6);
-    txtName = newShown(fraBill, QStringLiteral("txtName"), 50);
-    txtCoOwner = newShown(fraBill, QStringLiteral("txtCoOwner"), 50);
-    txtAddr1 = newShown(fraBill, QStringLiteral("txtAddr1"), 50);
-    txtAddr2 = newShown(fraBill, QStringLiteral("txtAddr2"), 50);
-    txtCity = newShown(fraBill, QStringLiteral("txtCity"), 35);
+    txtControl = ShownField(fraBill, QStringLiteral("txtControl"), 6);
+    txtName = ShownField(fraBill, QStringLiteral("txtName"), 50);
+    txtCoOwner = ShownField(fraBill, QStringLiteral("txtCoOwner"), 50);
+    txtAddr1 = ShownField(fraBill, QStringLiteral("txtAddr1"), 50);
+    txtAddr2 = ShownField(fraBill, QStringLiteral("txtAddr2"), 50);
+    txtCity = ShownField(fraBill, QStringLiteral("txtCity"), 35);
     cboState = newCombo(fraBill, QStringLiteral("cboState"), 2);
     cboState->setFocusPolicy(Qt::NoFocus);
     cboState->lineEdit()->setReadOnly(true);
-    txtZipCode = newShown(fraBill, QStringLiteral("txtZipCode"), 5);
-    txtZipCode2 = newShown(fraBill, QStringLiteral("txtZipCode2"), 4);
-    txtMap3 = newShown(fraBill, QStringLiteral("txtMap3"), 8);
-    txtMap4 = newShown(fraBill, QStringLiteral("txtMap4"), 6);
-    txtMap5 = newShown(fraBill, QStringLiteral("txtMap5"), 9);
-    txtDesc1 = newShown(fraBill, QStringLiteral("txtDesc1"), 50);
-    txtDesc2 = newShown(fraBill, QStringLiteral("txtDesc2"), 50);
-    txtDesc3 = newShown(fraBill, QStringLiteral("txtDesc3"), 50);
-    txtDeedBook = newShown(fraBill, QStringLiteral("txtDeedBook"), 6);
-    txtDeedPage = newShown(fraBill, QStringLiteral("txtDeedPage"), 4);
+    txtZipCode = ShownField(fraBill, QStringLiteral("txtZipCode"), 5);
+    txtZipCode2 = ShownField(fraBill, QStringLiteral("txtZipCode2"), 4);
+    txtMap3 = ShownField(fraBill, QStringLiteral("txtMap3"), 8);
+    txtMap4 = ShownField(fraBill, QStringLiteral("txtMap4"), 6);
+    txtMap5 = ShownField(fraBill, QStringLiteral("txtMap5"), 9);
+    txtDesc1 = ShownField(fraBill, QStringLiteral("txtDesc1"), 50);
+    txtDesc2 = ShownField(fraBill, QStringLiteral("txtDesc2"), 50);
+    txtDesc3 = ShownField(fraBill, QStringLiteral("txtDesc3"), 50);
+    txtDeedBook = ShownField(fraBill, QStringLiteral("txtDeedBook"), 6);
+    txtDeedPage = ShownField(fraBill, QStringLiteral("txtDeedPage"), 4);
     cboLandUse = newCombo(fraBill, QStringLiteral("cboLandUse"), 50);
     cboLandUse->setFocusPolicy(Qt::NoFocus);
     cboLandUse->lineEdit()->setReadOnly(true);
-    txtAcreage = newShown(fraBill, QStringLiteral("txtAcreage"), 10);
-    txtAssLand = newShown(fraBill, QStringLiteral("txtAssLand"));
-    txtAssImpr = newShown(fraBill, QStringLiteral("txtAssImpr"));
-    txtAssTotal = newShown(fraBill, QStringLiteral("txtAssTotal"));
-    txtHSExclusion = newShown(fraBill, QStringLiteral("txtHSExclusion"));
-    txtFSExclusion = newShown(fraBill, QStringLiteral("txtFSExclusion"));
-    txtExcFace = newShown(fraBill, QStringLiteral("txtExcFace"));
+    txtAcreage = ShownField(fraBill, QStringLiteral("txtAcreage"), 10);
+    txtAssLand = ShownField(fraBill, QStringLiteral("txtAssLand"));
+    txtAssImpr = ShownField(fraBill, QStringLiteral("txtAssImpr"));
+    txtAssTotal = ShownField(fraBill, QStringLiteral("txtAssTotal"));
+    txtHSExclusion = ShownField(fraBill, QStringLiteral("txtHSExclusion"));
+    txtFSExclusion = ShownField(fraBill, QStringLiteral("txtFSExclusion"));
+    txtExcFace = ShownField(fraBill, QStringLiteral("txtExcFace"));
     chkHFFlag = new QCheckBox(QStringLiteral("Homestead/Farmstead"), fraBill);
     chkHFFlag->setObjectName(QStringLiteral("chkHFFlag"));
     chkHFFlag->setFocusPolicy(Qt::NoFocus);
@@ -250,7 +229,7 @@ void frmREReceivePayment::buildScreen() {
         frame->setObjectName(QString::fromLatin1(name));
         box = new QCheckBox(caption, frame);
         box->setObjectName(QString::fromLatin1(boxName));
-        period = newLabel(frame, QString::fromLatin1(periodName), QString());
+        period = NamedLabel(frame, QString::fromLatin1(periodName), QString());
         period->setStyleSheet(QStringLiteral("font-weight: bold;"));
         return frame;
     };
@@ -261,13 +240,13 @@ void frmREReceivePayment::buildScreen() {
     fraSchool = bodyFrame("fraSchool", QStringLiteral("School"), chkSchool, "chkSchool",
                           QStringLiteral("School Payment"), lblSPeriod, "lblSPeriod");
 
-    lblCounty = newLabel(fraCounty, QStringLiteral("lblCounty"), QStringLiteral("County:"));
-    txtCounty = newShown(fraCounty, QStringLiteral("txtCounty"));
-    lblLibrary = newLabel(fraCounty, QStringLiteral("lblLibrary"), QStringLiteral("Library:"));
-    txtLibrary = newShown(fraCounty, QStringLiteral("txtLibrary"));
-    lblC1Face = newLabel(fraCounty, QStringLiteral("lblC1Face"), QString());
-    txtC1Face = newShown(fraCounty, QStringLiteral("txtC1Face"));
-    txtCTotal = newShown(fraCounty, QStringLiteral("txtCTotal"));
+    lblCounty = NamedLabel(fraCounty, QStringLiteral("lblCounty"), QStringLiteral("County:"));
+    txtCounty = ShownField(fraCounty, QStringLiteral("txtCounty"));
+    lblLibrary = NamedLabel(fraCounty, QStringLiteral("lblLibrary"), QStringLiteral("Library:"));
+    txtLibrary = ShownField(fraCounty, QStringLiteral("txtLibrary"));
+    lblC1Face = NamedLabel(fraCounty, QStringLiteral("lblC1Face"), QString());
+    txtC1Face = ShownField(fraCounty, QStringLiteral("txtC1Face"));
+    txtCTotal = ShownField(fraCounty, QStringLiteral("txtCTotal"));
     {
         auto* g = new QGridLayout(fraCounty);
         g->addWidget(chkCounty, 0, 0, 1, 2);
@@ -279,13 +258,14 @@ void frmREReceivePayment::buildScreen() {
         g->setRowStretch(6, 1);
     }
 
-    lblTwp = newLabel(fraTwp, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
-    txtTwp = newShown(fraTwp, QStringLiteral("txtTwp"));
+    lblTwp = NamedLabel(fraTwp, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
+    txtTwp = ShownField(fraTwp, QStringLiteral("txtTwp"));
     for (int i = 0; i < 3; ++i) {
-        lblSpecFace[i] = newLabel(fraTwp, QStringLiteral("lblSpecFace(%1)").arg(i + 1), QString());
-        txtSpecFace[i] = newShown(fraTwp, QStringLiteral("txtSpecFace(%1)").arg(i + 1));
+        lblSpecFace[i] =
+            NamedLabel(fraTwp, QStringLiteral("lblSpecFace(%1)").arg(i + 1), QString());
+        txtSpecFace[i] = ShownField(fraTwp, QStringLiteral("txtSpecFace(%1)").arg(i + 1));
     }
-    txtTTotal = newShown(fraTwp, QStringLiteral("txtTTotal"));
+    txtTTotal = ShownField(fraTwp, QStringLiteral("txtTTotal"));
     fraStLt = new QGroupBox(QStringLiteral("Street Lights"), fraTwp);
     fraStLt->setObjectName(QStringLiteral("fraStLt"));
     optAll = new QRadioButton(QStringLiteral("All"), fraStLt);
@@ -310,11 +290,11 @@ void frmREReceivePayment::buildScreen() {
         g->setRowStretch(8, 1);
     }
 
-    lblSchool = newLabel(fraSchool, QStringLiteral("lblSchool"), QStringLiteral("School:"));
-    txtSchool = newShown(fraSchool, QStringLiteral("txtSchool"));
-    lblSch1Face = newLabel(fraSchool, QStringLiteral("lblSch1Face"), QString());
-    txtSch1Face = newShown(fraSchool, QStringLiteral("txtSch1Face"));
-    txtSTotal = newShown(fraSchool, QStringLiteral("txtSTotal"));
+    lblSchool = NamedLabel(fraSchool, QStringLiteral("lblSchool"), QStringLiteral("School:"));
+    txtSchool = ShownField(fraSchool, QStringLiteral("txtSchool"));
+    lblSch1Face = NamedLabel(fraSchool, QStringLiteral("lblSch1Face"), QString());
+    txtSch1Face = ShownField(fraSchool, QStringLiteral("txtSch1Face"));
+    txtSTotal = ShownField(fraSchool, QStringLiteral("txtSTotal"));
     fraInstallments = new QGroupBox(QStringLiteral("Installment Payments"), fraSchool);
     fraInstallments->setObjectName(QStringLiteral("fraInstallments"));
     {
@@ -326,9 +306,9 @@ void frmREReceivePayment::buildScreen() {
         for (int n = 0; n < 3; ++n) {
             *boxes[n] = new QCheckBox(QStringLiteral("#%1").arg(n + 1), fraInstallments);
             (*boxes[n])->setObjectName(QStringLiteral("chkPay%1").arg(n + 1));
-            *amounts[n] = newShown(fraInstallments, QStringLiteral("txtPayment%1").arg(n + 1));
-            *paid[n] = newShown(fraInstallments, QStringLiteral("txtPayment%1Pd").arg(n + 1), 1);
-            *codes[n] = newShown(fraInstallments, QStringLiteral("txtInstDFP%1").arg(n + 1), 1);
+            *amounts[n] = ShownField(fraInstallments, QStringLiteral("txtPayment%1").arg(n + 1));
+            *paid[n] = ShownField(fraInstallments, QStringLiteral("txtPayment%1Pd").arg(n + 1), 1);
+            *codes[n] = ShownField(fraInstallments, QStringLiteral("txtInstDFP%1").arg(n + 1), 1);
             (*paid[n])->setMaximumWidth(24);
             (*codes[n])->setMaximumWidth(24);
             g->addWidget(*boxes[n], n, 0);
@@ -336,9 +316,9 @@ void frmREReceivePayment::buildScreen() {
             g->addWidget(*paid[n], n, 2);
             g->addWidget(*codes[n], n, 3);
         }
-        lblInstPeriod = newLabel(fraInstallments, QStringLiteral("lblInstPeriod"), QString());
+        lblInstPeriod = NamedLabel(fraInstallments, QStringLiteral("lblInstPeriod"), QString());
         lblInstPeriod->setStyleSheet(QStringLiteral("font-weight: bold;"));
-        txtPaymentDate = newShown(fraInstallments, QStringLiteral("txtPaymentDate"), 10);
+        txtPaymentDate = ShownField(fraInstallments, QStringLiteral("txtPaymentDate"), 10);
         g->addWidget(lblInstPeriod, 3, 0);
         g->addWidget(txtPaymentDate, 3, 1, 1, 3);
     }
@@ -352,22 +332,22 @@ void frmREReceivePayment::buildScreen() {
         g->addWidget(fraInstallments, 5, 0, 1, 2);
         g->setRowStretch(6, 1);
     }
-    txtTotal = newShown(this, QStringLiteral("txtTotal"));
+    txtTotal = ShownField(this, QStringLiteral("txtTotal"));
 
     // The payor and the money.
     auto* fraPayor = new QGroupBox(QStringLiteral("Payment"), this);
     fraPayor->setObjectName(QStringLiteral("fraPayor"));
-    txtPayor = newField(fraPayor, QStringLiteral("txtPayor"), 50);
+    txtPayor = NamedField(fraPayor, QStringLiteral("txtPayor"), 50);
     txtPayor->setToolTip(QStringLiteral("Enter Payor or \"O\" for Owner"));
-    txtPAddr1 = newField(fraPayor, QStringLiteral("txtPAddr1"), 50);
-    txtPAddr2 = newField(fraPayor, QStringLiteral("txtPAddr2"), 50);
-    txtPCity = newField(fraPayor, QStringLiteral("txtPCity"), 25);
+    txtPAddr1 = NamedField(fraPayor, QStringLiteral("txtPAddr1"), 50);
+    txtPAddr2 = NamedField(fraPayor, QStringLiteral("txtPAddr2"), 50);
+    txtPCity = NamedField(fraPayor, QStringLiteral("txtPCity"), 25);
     cboPState = newCombo(fraPayor, QStringLiteral("cboPState"), 2);
-    txtPZipCode = newField(fraPayor, QStringLiteral("txtPZipCode"), 5);
-    txtPZipCode2 = newField(fraPayor, QStringLiteral("txtPZipCode2"), 4);
-    txtChecknum = newField(fraPayor, QStringLiteral("txtChecknum"), 80);
+    txtPZipCode = NamedField(fraPayor, QStringLiteral("txtPZipCode"), 5);
+    txtPZipCode2 = NamedField(fraPayor, QStringLiteral("txtPZipCode2"), 4);
+    txtChecknum = NamedField(fraPayor, QStringLiteral("txtChecknum"), 80);
     txtChecknum->setToolTip(QStringLiteral("Enter Check # or \"C\" for Cash"));
-    txtAmount = newField(fraPayor, QStringLiteral("txtAmount"), 20);
+    txtAmount = NamedField(fraPayor, QStringLiteral("txtAmount"), 20);
     chkPrintReceipt = new QCheckBox(QStringLiteral("Print A Receipt"), fraPayor);
     chkPrintReceipt->setObjectName(QStringLiteral("chkPrintReceipt"));
     chkPrintReceipt->setChecked(true);

@@ -3,6 +3,7 @@
 #include "core/clock.h"
 #include "core/main_window.h"
 #include "core/messages.h"
+#include "core/named_widgets.h"
 #include "core/session.h"
 #include "desk/realestate/receipt_writes.h"
 
@@ -22,18 +23,6 @@ namespace {
 
 const char16_t* const MoneyPattern = u"$###,###,##0.00";
 
-QLineEdit* newField(QWidget* parent, const char* name, int maxLength, bool readOnly = false) {
-    auto* field = new QLineEdit(parent);
-    field->setObjectName(QString::fromLatin1(name));
-    if (maxLength > 0)
-        field->setMaxLength(maxLength);
-    if (readOnly) {
-        field->setReadOnly(true);
-        field->setFocusPolicy(Qt::NoFocus);
-    }
-    return field;
-}
-
 // The typed amount taken to the cent, or nothing when it is no amount.
 std::optional<Money> typedAmount(const QString& text) {
     const std::optional<Money> typed = Money::parse(text);
@@ -49,27 +38,27 @@ frmRERefund::frmRERefund(const RefundSource& source, QWidget* parent)
     setObjectName(QStringLiteral("frmRERefund"));
     setWindowTitle(QStringLiteral("Real Estate Refunds"));
 
-    txtControl = newField(this, "txtControl", 6, true);
-    txtMap3 = newField(this, "txtMap3", 8, true);
-    txtMap4 = newField(this, "txtMap4", 6, true);
-    txtMap5 = newField(this, "txtMap5", 9, true);
-    txtBillNo = newField(this, "txtBillNo", 5, true);
-    txtAdjNo = newField(this, "txtAdjNo", 2, true);
-    txtRecnum = newField(this, "txtRecnum", 12, true);
-    txtName = newField(this, "txtName", 50);
-    txtAddr1 = newField(this, "txtAddr1", 50);
-    txtAddr2 = newField(this, "txtAddr2", 50);
-    txtCity = newField(this, "txtCity", 25);
+    txtControl = ShownField(this, "txtControl", 6);
+    txtMap3 = ShownField(this, "txtMap3", 8);
+    txtMap4 = ShownField(this, "txtMap4", 6);
+    txtMap5 = ShownField(this, "txtMap5", 9);
+    txtBillNo = ShownField(this, "txtBillNo", 5);
+    txtAdjNo = ShownField(this, "txtAdjNo", 2);
+    txtRecnum = ShownField(this, "txtRecnum", 12);
+    txtName = NamedField(this, "txtName", 50);
+    txtAddr1 = NamedField(this, "txtAddr1", 50);
+    txtAddr2 = NamedField(this, "txtAddr2", 50);
+    txtCity = NamedField(this, "txtCity", 25);
     cboState = new QComboBox(this);
     cboState->setObjectName(QStringLiteral("cboState"));
     cboState->setEditable(true);
     cboState->setInsertPolicy(QComboBox::NoInsert);
     cboState->lineEdit()->setMaxLength(2);
-    txtZipCode = newField(this, "txtZipCode", 5);
-    txtZipCode2 = newField(this, "txtZipCode2", 4);
-    txtDesc1 = newField(this, "txtDesc1", 50);
-    txtRefund = newField(this, "txtRefund", 20);
-    txtRefundLeft = newField(this, "txtRefundLeft", 20, true);
+    txtZipCode = NamedField(this, "txtZipCode", 5);
+    txtZipCode2 = NamedField(this, "txtZipCode2", 4);
+    txtDesc1 = NamedField(this, "txtDesc1", 50);
+    txtRefund = NamedField(this, "txtRefund", 20);
+    txtRefundLeft = ShownField(this, "txtRefundLeft", 20);
     cmdApplyRefund = new QPushButton(QStringLiteral("&Apply Refund"), this);
     cmdApplyRefund->setObjectName(QStringLiteral("cmdApplyRefund"));
     cmdDisplayOwnersAddress = new QPushButton(QStringLiteral("Display &Owner's Address"), this);

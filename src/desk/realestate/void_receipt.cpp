@@ -5,6 +5,7 @@
 #include "core/field_leave.h"
 #include "core/main_window.h"
 #include "core/messages.h"
+#include "core/named_widgets.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "desk/realestate/payment_rules.h"
@@ -32,25 +33,6 @@ const char* const IncompleteAdjustmentOnVoid =
     "The system has detected an incomplete adjjustment change transaction. Please got to the "
     "UTILITIES menu and run the VERIFY DATA INTEGRITY option to correct this issue.";
 
-QLineEdit* newField(QWidget* parent, const QString& name, int maxLength = 0,
-                    bool readOnly = false) {
-    auto* field = new QLineEdit(parent);
-    field->setObjectName(name);
-    if (maxLength > 0)
-        field->setMaxLength(maxLength);
-    if (readOnly) {
-        field->setReadOnly(true);
-        field->setFocusPolicy(Qt::NoFocus);
-    }
-    return field;
-}
-
-QLabel* newLabel(QWidget* parent, const QString& name, const QString& text) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    return label;
-}
-
 } // namespace
 
 frmREVoidReceipt::frmREVoidReceipt(QWidget* parent) : QWidget(parent) {
@@ -63,24 +45,24 @@ frmREVoidReceipt::frmREVoidReceipt(QWidget* parent) : QWidget(parent) {
 }
 
 void frmREVoidReceipt::buildScreen() {
-    txtRecnum = newField(this, QStringLiteral("txtRecnum"), 12);
-    txtVDate = newField(this, QStringLiteral("txtVDate"), 10);
-    txtReason = newField(this, QStringLiteral("txtReason"), 50);
-    txtControl = newField(this, QStringLiteral("txtControl"), 6, true);
-    txtBillNo = newField(this, QStringLiteral("txtBillNo"), 5, true);
-    txtAdjNo = newField(this, QStringLiteral("txtAdjNo"), 2, true);
-    txtMap3 = newField(this, QStringLiteral("txtMap3"), 8, true);
-    txtMap4 = newField(this, QStringLiteral("txtMap4"), 6, true);
-    txtMap5 = newField(this, QStringLiteral("txtMap5"), 9, true);
-    txtName = newField(this, QStringLiteral("txtName"), 50, true);
-    txtPayor = newField(this, QStringLiteral("txtPayor"), 50, true);
-    txtAmount = newField(this, QStringLiteral("txtAmount"), 0, true);
-    lblTendered = newLabel(this, QStringLiteral("lblTendered"), QString());
+    txtRecnum = NamedField(this, QStringLiteral("txtRecnum"), 12);
+    txtVDate = NamedField(this, QStringLiteral("txtVDate"), 10);
+    txtReason = NamedField(this, QStringLiteral("txtReason"), 50);
+    txtControl = ShownField(this, QStringLiteral("txtControl"), 6);
+    txtBillNo = ShownField(this, QStringLiteral("txtBillNo"), 5);
+    txtAdjNo = ShownField(this, QStringLiteral("txtAdjNo"), 2);
+    txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
+    txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
+    txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
+    txtName = ShownField(this, QStringLiteral("txtName"), 50);
+    txtPayor = ShownField(this, QStringLiteral("txtPayor"), 50);
+    txtAmount = ShownField(this, QStringLiteral("txtAmount"));
+    lblTendered = NamedLabel(this, QStringLiteral("lblTendered"), QString());
     lblTendered->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold;"));
 
     auto* fraLines = new QGroupBox(QStringLiteral("Amounts"), this);
     fraLines->setObjectName(QStringLiteral("fraLines"));
-    auto line = [fraLines](const QString& name) { return newField(fraLines, name, 0, true); };
+    auto line = [fraLines](const QString& name) { return ShownField(fraLines, name); };
     txtCounty = line(QStringLiteral("txtCounty"));
     txtLibrary = line(QStringLiteral("txtLibrary"));
     txtC1Face = line(QStringLiteral("txtC1Face"));
@@ -93,13 +75,14 @@ void frmREVoidReceipt::buildScreen() {
     txtTTotal = line(QStringLiteral("txtTTotal"));
     txtSTotal = line(QStringLiteral("txtSTotal"));
     txtTotal = line(QStringLiteral("txtTotal"));
-    lblC1Face = newLabel(fraLines, QStringLiteral("lblC1Face"), QStringLiteral("County Special:"));
-    lblTwp = newLabel(fraLines, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
+    lblC1Face =
+        NamedLabel(fraLines, QStringLiteral("lblC1Face"), QStringLiteral("County Special:"));
+    lblTwp = NamedLabel(fraLines, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
     for (int i = 0; i < 3; ++i)
-        lblSpecFace[i] = newLabel(fraLines, QStringLiteral("lblSpecFace(%1)").arg(i + 1),
-                                  QStringLiteral("Special %1:").arg(i + 1));
+        lblSpecFace[i] = NamedLabel(fraLines, QStringLiteral("lblSpecFace(%1)").arg(i + 1),
+                                    QStringLiteral("Special %1:").arg(i + 1));
     lblSch1Face =
-        newLabel(fraLines, QStringLiteral("lblSch1Face"), QStringLiteral("School Special:"));
+        NamedLabel(fraLines, QStringLiteral("lblSch1Face"), QStringLiteral("School Special:"));
     {
         auto* g = new QGridLayout(fraLines);
         auto cell = [g](int row, int column, QWidget* label, QWidget* field) {
@@ -121,14 +104,14 @@ void frmREVoidReceipt::buildScreen() {
     }
 
     lblCDisbNum =
-        newLabel(this, QStringLiteral("lblCDisbNum"), QStringLiteral("County Distribution #:"));
+        NamedLabel(this, QStringLiteral("lblCDisbNum"), QStringLiteral("County Distribution #:"));
     lblTDisbNum =
-        newLabel(this, QStringLiteral("lblTDisbNum"), QStringLiteral("Township Distribution #:"));
+        NamedLabel(this, QStringLiteral("lblTDisbNum"), QStringLiteral("Township Distribution #:"));
     lblSDisbNum =
-        newLabel(this, QStringLiteral("lblSDisbNum"), QStringLiteral("School Distribution #:"));
-    txtCDisbNum = newField(this, QStringLiteral("txtCDisbNum"), 6, true);
-    txtTDisbNum = newField(this, QStringLiteral("txtTDisbNum"), 6, true);
-    txtSDisbNum = newField(this, QStringLiteral("txtSDisbNum"), 6, true);
+        NamedLabel(this, QStringLiteral("lblSDisbNum"), QStringLiteral("School Distribution #:"));
+    txtCDisbNum = ShownField(this, QStringLiteral("txtCDisbNum"), 6);
+    txtTDisbNum = ShownField(this, QStringLiteral("txtTDisbNum"), 6);
+    txtSDisbNum = ShownField(this, QStringLiteral("txtSDisbNum"), 6);
 
     cmdAccept = new QPushButton(QStringLiteral("&Accept"), this);
     cmdAccept->setObjectName(QStringLiteral("cmdAccept"));
