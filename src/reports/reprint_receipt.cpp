@@ -73,6 +73,16 @@ Money lineTaken(const QSqlRecord& r, const char* face) {
            MoneyField(r.value(QLatin1Char('P') + column));
 }
 
+// The caption of a line named by a tax: blank when there is no name.
+QString caption(const QString& name) {
+    return name.isEmpty() ? QString() : name + QLatin1Char(':');
+}
+
+// A text column of the receipt, trimmed.
+QString receiptText(const QSqlRecord& r, const char* column) {
+    return TextField(r.value(QLatin1String(column))).trimmed();
+}
+
 QString amount(Money m) {
     return m.format(AmountPattern);
 }
@@ -370,11 +380,11 @@ bool frmREReprintReceipt::showReceipt(const QString& recnum) {
     q.addBindValue(district + ward);
     const QString schoolSpecial =
         q.exec() && q.next() ? TextField(q.value(0)).trimmed() : QString();
-    lblSch1Face->setText(schoolSpecial.isEmpty() ? QString() : schoolSpecial + QLatin1Char(':'));
+    lblSch1Face->setText(caption(schoolSpecial));
     if (q.exec(QStringLiteral("SELECT S1TaxName FROM Millfile WHERE District || Ward = '000'")) &&
         q.next()) {
         const QString countySpecial = TextField(q.value(0)).trimmed();
-        lblC1Face->setText(countySpecial.isEmpty() ? QString() : countySpecial + QLatin1Char(':'));
+        lblC1Face->setText(caption(countySpecial));
     }
     int special = 0;
     if (q.exec(QStringLiteral("SELECT Desc1 FROM Spectax ORDER BY TaxKey")))
@@ -389,26 +399,19 @@ bool frmREReprintReceipt::showReceipt(const QString& recnum) {
     const QString billNo =
         q.exec() && q.next() ? TextField(q.value(0)) : TextField(r.value(QStringLiteral("BillNo")));
     const BillNow bill = ReadBillAsItStands(db, Duplicate::RealEstate, billNo);
+    // The text fields of the bill, each shown trimmed; a receipt carries the first five too.
+    const std::pair<QLineEdit*, const char*> billTexts[] = {
+        {txtControl, "Control"},   {txtName, "Name"},         {txtMap3, "Map3"},
+        {txtMap4, "Map4"},         {txtMap5, "Map5"},         {txtCoOwner, "CoOwner"},
+        {txtAddr1, "Addr1"},       {txtAddr2, "Addr2"},       {txtCity, "City"},
+        {txtZipCode, "ZipCode"},   {txtZipCode2, "ZipCode2"}, {txtDesc1, "Desc1"},
+        {txtDesc2, "Desc2"},       {txtDesc3, "Desc3"},       {txtDeedBook, "DeedBook"},
+        {txtDeedPage, "DeedPage"}, {txtAcreage, "Acreage"}};
     if (bill.found()) {
-        txtControl->setText(bill.text("Control").trimmed());
-        txtName->setText(bill.text("Name").trimmed());
-        txtCoOwner->setText(bill.text("CoOwner").trimmed());
-        txtAddr1->setText(bill.text("Addr1").trimmed());
-        txtAddr2->setText(bill.text("Addr2").trimmed());
-        txtCity->setText(bill.text("City").trimmed());
+        for (const auto& [edit, column] : billTexts)
+            edit->setText(bill.text(column).trimmed());
         setBoxText(cboState, bill.text("State").trimmed());
-        txtZipCode->setText(bill.text("ZipCode").trimmed());
-        txtZipCode2->setText(bill.text("ZipCode2").trimmed());
-        txtMap3->setText(bill.text("Map3").trimmed());
-        txtMap4->setText(bill.text("Map4").trimmed());
-        txtMap5->setText(bill.text("Map5").trimmed());
-        txtDesc1->setText(bill.text("Desc1").trimmed());
-        txtDesc2->setText(bill.text("Desc2").trimmed());
-        txtDesc3->setText(bill.text("Desc3").trimmed());
-        txtDeedBook->setText(bill.text("DeedBook").trimmed());
-        txtDeedPage->setText(bill.text("DeedPage").trimmed());
         setBoxText(cboLandUse, bill.text("LandUse").trimmed());
-        txtAcreage->setText(bill.text("Acreage").trimmed());
         const qint64 land = bill.bill.value(QStringLiteral("AssLand")).toLongLong();
         const qint64 impr = bill.bill.value(QStringLiteral("AssImpr")).toLongLong();
         txtAssLand->setText(QString::number(land));
@@ -419,25 +422,23 @@ bool frmREReprintReceipt::showReceipt(const QString& recnum) {
             bill.status == BillNow::Status::IncompleteAddress)
             return false; // the integrity message has been shown
         // A receipt whose bill is gone still shows what it carries itself.
-        txtControl->setText(TextField(r.value(QStringLiteral("Control"))).trimmed());
-        txtName->setText(TextField(r.value(QStringLiteral("Name"))).trimmed());
-        txtMap3->setText(TextField(r.value(QStringLiteral("Map3"))).trimmed());
-        txtMap4->setText(TextField(r.value(QStringLiteral("Map4"))).trimmed());
-        txtMap5->setText(TextField(r.value(QStringLiteral("Map5"))).trimmed());
+        for (int i = 0; i < 5; ++i)
+            billTexts[i].first->setText(receiptText(r, billTexts[i].second));
     }
 
     // The receipt.
     txtBillNo->setText(TextField(r.value(QStringLiteral("BillNo"))));
     txtAdjNo->setText(QString::number(r.value(QStringLiteral("AdjNo")).toInt()));
     txtDate->setText(FormatDate(DateField(r.value(QStringLiteral("RDate")))));
-    txtPayor->setText(TextField(r.value(QStringLiteral("Payor"))).trimmed());
-    txtPAddr1->setText(TextField(r.value(QStringLiteral("PAddr1"))).trimmed());
-    txtPAddr2->setText(TextField(r.value(QStringLiteral("PAddr2"))).trimmed());
-    txtPCity->setText(TextField(r.value(QStringLiteral("PCity"))).trimmed());
-    setBoxText(cboPState, TextField(r.value(QStringLiteral("PState"))).trimmed());
-    txtPZipCode->setText(TextField(r.value(QStringLiteral("PZipCode"))).trimmed());
-    txtPZipCode2->setText(TextField(r.value(QStringLiteral("PZipCode2"))).trimmed());
-    txtChecknum->setText(TextField(r.value(QStringLiteral("Checknum"))).trimmed());
+    for (const auto& [edit, column] : {std::pair{txtPayor, "Payor"},
+                                       {txtPAddr1, "PAddr1"},
+                                       {txtPAddr2, "PAddr2"},
+                                       {txtPCity, "PCity"},
+                                       {txtPZipCode, "PZipCode"},
+                                       {txtPZipCode2, "PZipCode2"},
+                                       {txtChecknum, "Checknum"}})
+        edit->setText(receiptText(r, column));
+    setBoxText(cboPState, receiptText(r, "PState"));
 
     const QString cFlag = FlagField(r.value(QStringLiteral("CPayFlag"))).trimmed();
     const QString tFlag = FlagField(r.value(QStringLiteral("TPayFlag"))).trimmed();
