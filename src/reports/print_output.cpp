@@ -9,7 +9,6 @@
 #include <QFileInfo>
 #include <QPrinter>
 #include <QPrinterInfo>
-#include <QSqlError>
 #include <QSqlQuery>
 
 namespace {
@@ -50,37 +49,22 @@ std::optional<QString> AssignedPrinter(QSqlDatabase db, const QString& printerTy
 
 bool SavePrinterChoice(QSqlDatabase db, const QString& letterDevice, const QString& receiptDevice,
                        QString* error) {
-    if (!db.transaction()) {
-        if (error)
-            *error = db.lastError().text();
-        return false;
-    }
-    QSqlQuery q(db);
-    // Every row goes, a TVLetter row with them: only the two kinds the screen chooses remain.
-    bool ok = q.exec(QStringLiteral("DELETE FROM tbl_Printers"));
-    for (const auto& [type, device] :
-         {std::pair{LetterPrinter, letterDevice}, std::pair{ReceiptPrinter, receiptDevice}}) {
-        if (!ok)
-            break;
-        q.prepare(
-            QStringLiteral("INSERT INTO tbl_Printers (PrinterType, DeviceName) VALUES (?, ?)"));
-        q.addBindValue(QString::fromLatin1(type));
-        q.addBindValue(device);
-        ok = q.exec();
-    }
-    if (!ok) {
-        if (error)
-            *error = q.lastError().text();
-        db.rollback();
-        return false;
-    }
-    if (!db.commit()) {
-        if (error)
-            *error = db.lastError().text();
-        db.rollback();
-        return false;
-    }
-    return true;
+    return InOneTransaction(db, error, [&] {
+        QSqlQuery q(db);
+        // Every row goes, a TVLetter row with them: only the two kinds the screen chooses remain.
+        if (!q.exec(QStringLiteral("DELETE FROM tbl_Printers")))
+            return QueryFailed(db, q, error);
+        for (const auto& [type, device] :
+             {std::pair{LetterPrinter, letterDevice}, std::pair{ReceiptPrinter, receiptDevice}}) {
+            q.prepare(
+                QStringLiteral("INSERT INTO tbl_Printers (PrinterType, DeviceName) VALUES (?, ?)"));
+            q.addBindValue(QString::fromLatin1(type));
+            q.addBindValue(device);
+            if (!q.exec())
+                return QueryFailed(db, q, error);
+        }
+        return true;
+    });
 }
 
 QStringList AvailablePrinterNames() {
