@@ -7,6 +7,7 @@
 #include "core/named_widgets.h"
 #include "core/session.h"
 #include "core/tax_database.h"
+#include "desk/realestate/payment_rules.h"
 #include "reports/print_output.h"
 #include "reports/print_screen.h"
 #include "reports/re_receipt.h"
@@ -65,12 +66,6 @@ QString periodWord(const QString& flag) {
     if (f == QLatin1String("I"))
         return QStringLiteral("INSTALLMENTS");
     return QString();
-}
-
-Money lineTaken(const QSqlRecord& r, const char* face) {
-    const QString column = QString::fromLatin1(face);
-    return MoneyField(r.value(column)) + MoneyField(r.value(QLatin1Char('D') + column)) +
-           MoneyField(r.value(QLatin1Char('P') + column));
 }
 
 // The caption of a line named by a tax: blank when there is no name.
@@ -450,14 +445,15 @@ bool frmREReprintReceipt::showReceipt(const QString& recnum) {
     lblTPeriod->setText(periodWord(tFlag));
     lblSPeriod->setText(periodWord(sFlag));
 
-    const Money county = lineTaken(r, "County");
-    const Money library = lineTaken(r, "Library");
-    const Money c1 = lineTaken(r, "C1Face");
-    const Money twp = lineTaken(r, "Twp");
-    const Money specials[3] = {lineTaken(r, "S1Face"), lineTaken(r, "S2Face"),
-                               lineTaken(r, "S3Face")};
-    Money school = lineTaken(r, "School");
-    const Money sch1 = lineTaken(r, "Sch1Face");
+    const Money county = ReceiptLineAmount(r, LineCounty);
+    const Money library = ReceiptLineAmount(r, LineLibrary);
+    const Money c1 = ReceiptLineAmount(r, LineCountySpecial);
+    const Money twp = ReceiptLineAmount(r, LineTwp);
+    const Money specials[3] = {ReceiptLineAmount(r, LineSpecial1),
+                               ReceiptLineAmount(r, LineSpecial2),
+                               ReceiptLineAmount(r, LineSpecial3)};
+    Money school = ReceiptLineAmount(r, LineSchool);
+    const Money sch1 = ReceiptLineAmount(r, LineSchoolSpecial);
     QLineEdit* payments[] = {txtPayment1, txtPayment2, txtPayment3};
     QLineEdit* codes[] = {txtInstDFP1, txtInstDFP2, txtInstDFP3};
     if (sFlag == QLatin1String("I")) {

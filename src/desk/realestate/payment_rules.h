@@ -231,6 +231,8 @@ TaxBody BodyOfLine(int line);
 QString FaceColumn(int line);
 QString DiscountColumn(int line);
 QString PenaltyColumn(int line);
+// What a receipt took on a line: its face, discount and penalty columns together.
+Money ReceiptLineAmount(const QSqlRecord& receipt, int line);
 
 // The amounts due of every line of a bill (TCMaster or TCAdjust columns).
 struct BillLines {

@@ -107,6 +107,12 @@ QString PenaltyColumn(int line) {
     return QLatin1Char('P') + FaceColumn(line);
 }
 
+Money ReceiptLineAmount(const QSqlRecord& receipt, int line) {
+    return MoneyField(receipt.value(FaceColumn(line))) +
+           MoneyField(receipt.value(DiscountColumn(line))) +
+           MoneyField(receipt.value(PenaltyColumn(line)));
+}
+
 BillLines BillLinesFromRecord(const QSqlRecord& bill) {
     BillLines out;
     for (int i = 0; i < TaxLineCount; ++i)

@@ -87,8 +87,6 @@ QString PadBillNo(const QString& typed) {
     return text.rightJustified(5, QLatin1Char(' '));
 }
 
-namespace {} // namespace
-
 // ---------------------------------------------------------------------------------------------
 // Building the screen
 // ---------------------------------------------------------------------------------------------

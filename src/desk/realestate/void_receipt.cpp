@@ -350,9 +350,7 @@ bool frmREVoidReceipt::recnumLeft() {
                                            txtSpecFace[2], txtSchool,      txtSch1Face};
     Money totals[3];
     for (int i = 0; i < TaxLineCount; ++i) {
-        const Money amount = MoneyField(receipt.value(FaceColumn(i))) +
-                             MoneyField(receipt.value(DiscountColumn(i))) +
-                             MoneyField(receipt.value(PenaltyColumn(i)));
+        const Money amount = ReceiptLineAmount(receipt, i);
         lineFields[i]->setText(amount.format(pattern));
         totals[int(BodyOfLine(i))] += amount;
     }
