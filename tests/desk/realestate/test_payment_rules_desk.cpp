@@ -512,7 +512,6 @@ void TestPaymentRulesDesk::paymentInfoRealEstate() {
     QCOMPARE(MunicipalKind(u"T"), QStringLiteral("TOWNSHIP"));
 }
 
-
 void TestPaymentRulesDesk::paymentInfoExoneratedAndEmpty() {
     BillPayFlags bill;
     QCOMPARE(RealEstatePaymentInfoText(bill, u"T", {}), QString());
