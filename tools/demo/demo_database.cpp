@@ -692,6 +692,28 @@ QString PadBillNo(int number) {
 // The generator
 // ---------------------------------------------------------------------------------------------
 
+// The columns every receipt has alike: what was taken beyond the lines, who paid and how, the
+// bodies paid, and the distribution keys of a receipt not yet distributed.
+void writePayment(TableWriter& w, const Payor& payor, Money overage, const PayFlags& flags) {
+    const QString undistributed(6, QLatin1Char(' '));
+    w.money("Overage", overage);
+    w.money("Refund", Money());
+    w.text("Payor", payor.name);
+    w.text("PAddr1", payor.address.addr1);
+    w.text("PAddr2", payor.address.addr2);
+    w.text("PCity", payor.address.city);
+    w.text("PState", payor.address.state);
+    w.text("PZipCode", payor.address.zip);
+    w.text("PZipCode2", payor.address.zip2);
+    w.text("Checknum", payor.checknum);
+    w.text("CPayFlag", Flag(flags.c));
+    w.text("TPayFlag", Flag(flags.t));
+    w.text("SPayFlag", Flag(flags.s));
+    w.text("CDisbNum", undistributed);
+    w.text("TDisbNum", undistributed);
+    w.text("SDisbNum", undistributed);
+}
+
 class DemoGenerator {
 public:
     DemoGenerator(QSqlDatabase db, const DemoOptions& options)
@@ -1580,7 +1602,6 @@ bool DemoGenerator::writeReReceipts() {
     std::stable_sort(m_reReceipts.begin(), m_reReceipts.end(),
                      [](const ReReceipt& a, const ReReceipt& b) { return a.day < b.day; });
     TableWriter w(m_db, QStringLiteral("TCReceipt"));
-    const QString undistributed(6, QLatin1Char(' '));
     int counter = 0;
     for (const ReReceipt& r : m_reReceipts) {
         w.text("Control", r.control);
@@ -1594,22 +1615,7 @@ bool DemoGenerator::writeReReceipts() {
         w.date("RDate", r.day);
         for (int i = 0; i < 27; ++i)
             w.money(LineColumns[i / 3][i % 3], r.amounts[std::size_t(i)]);
-        w.money("Overage", r.overage);
-        w.money("Refund", Money());
-        w.text("Payor", r.payor.name);
-        w.text("PAddr1", r.payor.address.addr1);
-        w.text("PAddr2", r.payor.address.addr2);
-        w.text("PCity", r.payor.address.city);
-        w.text("PState", r.payor.address.state);
-        w.text("PZipCode", r.payor.address.zip);
-        w.text("PZipCode2", r.payor.address.zip2);
-        w.text("Checknum", r.payor.checknum);
-        w.text("CPayFlag", Flag(r.flags.c));
-        w.text("TPayFlag", Flag(r.flags.t));
-        w.text("SPayFlag", Flag(r.flags.s));
-        w.text("CDisbNum", undistributed);
-        w.text("TDisbNum", undistributed);
-        w.text("SDisbNum", undistributed);
+        writePayment(w, r.payor, r.overage, r.flags);
         for (int n = 0; n < 6; ++n)
             w.money(InstallmentColumns[n], r.installments[std::size_t(n)]);
         w.text("Pay1Flag", Flag(r.flags.installment[0]));
@@ -1782,7 +1788,6 @@ bool DemoGenerator::writePcReceipts() {
     std::stable_sort(m_pcReceipts.begin(), m_pcReceipts.end(),
                      [](const PcReceipt& a, const PcReceipt& b) { return a.day < b.day; });
     TableWriter w(m_db, QStringLiteral("PCReceipt"));
-    const QString undistributed(6, QLatin1Char(' '));
     int counter = 0;
     for (const PcReceipt& r : m_pcReceipts) {
         w.text("Control", r.control);
@@ -1793,22 +1798,7 @@ bool DemoGenerator::writePcReceipts() {
         w.date("RDate", r.day);
         for (int i = 0; i < 18; ++i)
             w.money(PcLineColumns[i / 3][i % 3], r.amounts[std::size_t(i)]);
-        w.money("Overage", r.overage);
-        w.money("Refund", Money());
-        w.text("Payor", r.payor.name);
-        w.text("PAddr1", r.payor.address.addr1);
-        w.text("PAddr2", r.payor.address.addr2);
-        w.text("PCity", r.payor.address.city);
-        w.text("PState", r.payor.address.state);
-        w.text("PZipCode", r.payor.address.zip);
-        w.text("PZipCode2", r.payor.address.zip2);
-        w.text("Checknum", r.payor.checknum);
-        w.text("CPayFlag", Flag(r.flags.c));
-        w.text("TPayFlag", Flag(r.flags.t));
-        w.text("SPayFlag", Flag(r.flags.s));
-        w.text("CDisbNum", undistributed);
-        w.text("TDisbNum", undistributed);
-        w.text("SDisbNum", undistributed);
+        writePayment(w, r.payor, r.overage, r.flags);
         if (!w.insert())
             return check(w);
     }
