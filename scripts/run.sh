@@ -8,7 +8,8 @@ build=${LEVYDESK_BUILD_DIR:-$root/build}
 db=${1:-$root/demo/KestLevyDsk2013.sqlite}
 if [ ! -f "$db" ]; then
     mkdir -p "$(dirname "$db")"
+    # A demo of this year, its bills mailed three weeks ago: the first payment shows a discount.
     echo "Creating a demo database at $db"
-    "$build/levydesk" --create-demo "$db"
+    "$build/levydesk" --create-demo "$db" --tax-year "$(date +%Y)"
 fi
 exec "$build/levydesk" --database "$db"

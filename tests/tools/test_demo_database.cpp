@@ -66,6 +66,14 @@ qint64 Number(QSqlDatabase db, const QString& sql) {
     return q.value(0).toLongLong();
 }
 
+DemoOptions Demo(int parcels, int persons, quint32 seed) {
+    DemoOptions options;
+    options.parcels = parcels;
+    options.persons = persons;
+    options.seed = seed;
+    return options;
+}
+
 // Every value of every table, in row order, as one hash.
 QByteArray Checksum(QSqlDatabase db) {
     QCryptographicHash hash(QCryptographicHash::Sha256);
@@ -114,6 +122,8 @@ private Q_SLOTS:
     void receiptsMatchTheirBills();
     void perCapitaReceiptsMatchTheirBills();
     void refusesWhatItCannotWrite();
+    void aTaxYearIsInItsDiscountPeriod_data();
+    void aTaxYearIsInItsDiscountPeriod();
 
 private:
     QString create(const QString& name, const DemoOptions& options);
@@ -200,7 +210,7 @@ void TestDemoDatabase::sizesAndCounters() {
     QFETCH(int, parcels);
     QFETCH(int, persons);
 
-    const QString path = create(QStringLiteral("sizes.sqlite"), DemoOptions{parcels, persons, 7});
+    const QString path = create(QStringLiteral("sizes.sqlite"), Demo(parcels, persons, 7));
     {
         QSqlDatabase db = open(path, QStringLiteral("sizes"));
         QVERIFY(db.isOpen());
@@ -260,10 +270,10 @@ void TestDemoDatabase::sizesAndCounters() {
 }
 
 void TestDemoDatabase::sameSeedSameContent() {
-    const DemoOptions options{300, 200, 99};
+    const DemoOptions options = Demo(300, 200, 99);
     const QString first = create(QStringLiteral("first.sqlite"), options);
     const QString second = create(QStringLiteral("second.sqlite"), options);
-    const QString other = create(QStringLiteral("other.sqlite"), DemoOptions{300, 200, 100});
+    const QString other = create(QStringLiteral("other.sqlite"), Demo(300, 200, 100));
     QByteArray sums[3];
     const QString paths[3] = {first, second, other};
     for (int i = 0; i < 3; ++i) {
@@ -626,10 +636,70 @@ void TestDemoDatabase::refusesWhatItCannotWrite() {
 
     error.clear();
     const QString path = m_dir.filePath(QStringLiteral("negative.sqlite"));
-    QVERIFY(!CreateDemoDatabase(path, DemoOptions{-1, 10, 1}, &error));
+    QVERIFY(!CreateDemoDatabase(path, Demo(-1, 10, 1), &error));
     QVERIFY(!error.isEmpty());
     QVERIFY(!QFile::exists(path));
 }
 
 QTEST_GUILESS_MAIN(TestDemoDatabase)
+// A demo for a tax year is laid around today: all three bodies are in their discount period, and
+// every record lies between the mail date and yesterday.
+void TestDemoDatabase::aTaxYearIsInItsDiscountPeriod_data() {
+    QTest::addColumn<int>("year");
+    QTest::addColumn<QDate>("today");
+
+    AddRow("late in the year", 2026, QDate(2026, 11, 23));
+    AddRow("early January: mailed in December", 2027, QDate(2027, 1, 5));
+    AddRow("29 February of a leap year", 2028, QDate(2028, 2, 29));
+    AddRow("today taken into another year", 2030, QDate(2026, 6, 15));
+}
+
+void TestDemoDatabase::aTaxYearIsInItsDiscountPeriod() {
+    QFETCH(int, year);
+    QFETCH(QDate, today);
+    DemoOptions options = Demo(400, 200, 7);
+    options.taxYear = year;
+    options.today = today;
+    const QString path = create(QStringLiteral("year%1.sqlite").arg(year), options);
+    const QDate day = QDate(year, today.month(),
+                            std::min(today.day(), QDate(year, today.month(), 1).daysInMonth()));
+    {
+        QSqlDatabase db = open(path, QStringLiteral("year"));
+        QVERIFY(db.isOpen());
+        QCOMPARE(TextOf(Row(db, QStringLiteral(
+                                    "SELECT TaxYear FROM Millfile WHERE District||Ward = '000'")),
+                        "TaxYear"),
+                 QString::number(year));
+        const QSqlRecord municipal = Row(db, QStringLiteral("SELECT m.* FROM Millfile m JOIN "
+                                                            "tbl_District d ON m.District = "
+                                                            "d.District AND m.Ward = d.Ward"));
+        const PaymentPeriods periods = PeriodsForDate(PaymentCalendarFromMillfile(municipal), day);
+        QCOMPARE(QString(periods.county) + periods.twp + periods.school, QStringLiteral("DDD"));
+        const QDate mail = DateField(municipal.value("MailDate"));
+        QVERIFY(mail < day && mail.daysTo(day) <= 31);
+
+        // Payments were taken, all of them at discount (or as an installment), none on or after
+        // today and none before the bills went out.
+        QVERIFY(Number(db, QStringLiteral("SELECT count(*) FROM TCReceipt")) > 20);
+        QVERIFY(Number(db, QStringLiteral("SELECT count(*) FROM PCReceipt")) > 10);
+        const QString isoDay = day.toString(Qt::ISODate);
+        const QString isoMail = mail.toString(Qt::ISODate);
+        for (const char* table : {"TCReceipt", "PCReceipt"}) {
+            QCOMPARE(Number(db, QStringLiteral("SELECT count(*) FROM %1 WHERE RDate >= '%2' OR "
+                                               "RDate < '%3'")
+                                    .arg(QLatin1String(table), isoDay, isoMail)),
+                     0);
+        }
+        QCOMPARE(Number(db, QStringLiteral("SELECT count(*) FROM TCReceipt WHERE "
+                                           "CPayFlag NOT IN ('D', ' ') OR TPayFlag NOT IN "
+                                           "('D', ' ') OR SPayFlag NOT IN ('D', 'I', ' ')")),
+                 0);
+        QCOMPARE(Number(db, QStringLiteral("SELECT count(*) FROM TCAdjust WHERE AdjDate >= '%1' "
+                                           "OR AdjDate < '%2'")
+                                .arg(isoDay, isoMail)),
+                 0);
+    }
+    TaxDatabase::close(QStringLiteral("year"));
+}
+
 #include "test_demo_database.moc"

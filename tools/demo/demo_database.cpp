@@ -1,5 +1,6 @@
 #include "demo/demo_database.h"
 
+#include "core/clock.h"
 #include "core/common_values.h"
 #include "core/money.h"
 #include "core/tax_database.h"
@@ -279,12 +280,8 @@ private:
 // The office: county, municipality, rates and dates
 // ---------------------------------------------------------------------------------------------
 
-const char* const TaxYear = "2013";
 const char* const District = "27";
 const char* const Ward = "1";
-// The demo records work up to this day: county and municipal bills are in their penalty period,
-// school bills in their face period.
-const QDate LastWorkingDay(2013, 9, 30);
 
 // County row of Millfile.
 constexpr double CountyMill = 4.174;
@@ -336,14 +333,81 @@ struct Frame {
     QDate discountEnd;
     QDate penaltyStart;
 };
-const Frame Early{QDate(2013, 3, 1), QDate(2013, 4, 30), QDate(2013, 7, 1)};
-const Frame Late{QDate(2013, 7, 1), QDate(2013, 8, 31), QDate(2013, 11, 1)};
-// BillCounty 'E', BillTwp 'E', BillSchool 'L'.
-const Frame& CountyFrame = Early;
-const Frame& TwpFrame = Early;
-const Frame& SchoolFrame = Late;
-const std::array<QDate, 3> InstallmentDates{QDate(2013, 8, 31), QDate(2013, 10, 31),
-                                            QDate(2013, 12, 31)};
+
+// The demo's dates. County and township bills go out on the early frame (BillCounty 'E',
+// BillTwp 'E'), school bills on the late one (BillSchool 'L').
+struct Calendar {
+    QString taxYear;
+    Frame early;
+    Frame late;
+    std::array<QDate, 3> installments; // the school installments' due dates
+    QDate taxClaim;                    // TaxDate: unpaid taxes go to the Tax Claim Bureau
+    QDate lastToPay;                   // LastDate
+    // The demo's records go up to this day.
+    QDate lastWorkingDay;
+    QDate adjustFrom, adjustTo;    // adjustments are made in these days
+    QDate addFrom, addTo;          // and bills are added in these
+    QDate addressFrom;             // address changes come from here to the last working day
+    QDate escrowEarly, escrowLate; // the mortgage companies' first check days, one day apart
+    QDate over65On;                // the day a per capita taxpayer's age is taken
+};
+
+// The fixed 2013 duplicate the tests know: county and municipal bills are in their penalty
+// period on the last working day, school bills in their face period.
+Calendar Calendar2013() {
+    Calendar c;
+    c.taxYear = QStringLiteral("2013");
+    c.early = {QDate(2013, 3, 1), QDate(2013, 4, 30), QDate(2013, 7, 1)};
+    c.late = {QDate(2013, 7, 1), QDate(2013, 8, 31), QDate(2013, 11, 1)};
+    c.installments = {QDate(2013, 8, 31), QDate(2013, 10, 31), QDate(2013, 12, 31)};
+    c.taxClaim = QDate(2014, 1, 1);
+    c.lastToPay = QDate(2013, 12, 31);
+    c.lastWorkingDay = QDate(2013, 9, 30);
+    c.adjustFrom = QDate(2013, 3, 4);
+    c.adjustTo = QDate(2013, 3, 29);
+    c.addFrom = QDate(2013, 4, 1);
+    c.addTo = QDate(2013, 8, 30);
+    c.addressFrom = QDate(2013, 3, 4);
+    c.escrowEarly = QDate(2013, 4, 22);
+    c.escrowLate = QDate(2013, 8, 26);
+    c.over65On = QDate(2013, 1, 1);
+    return c;
+}
+
+// A year laid around a working day: every body mailed its bills three weeks before it, so the
+// day falls in the discount period of all three, and the records go up to the day before.
+Calendar CalendarAround(int taxYear, const QDate& workingDay) {
+    Calendar c;
+    c.taxYear = QString::number(taxYear);
+    const QDate mail = workingDay.addDays(-21);
+    c.early = {mail, mail.addMonths(2).addDays(-1), mail.addMonths(4)};
+    c.late = c.early;
+    c.installments = {c.late.discountEnd, c.late.discountEnd.addMonths(2),
+                      c.late.discountEnd.addMonths(4)};
+    c.lastToPay = QDate(c.late.penaltyStart.year(), 12, 31);
+    c.taxClaim = c.lastToPay.addDays(1);
+    c.lastWorkingDay = workingDay.addDays(-1);
+    c.adjustFrom = mail.addDays(2);
+    c.adjustTo = mail.addDays(9);
+    c.addFrom = mail.addDays(5);
+    c.addTo = c.lastWorkingDay;
+    c.addressFrom = mail.addDays(2);
+    c.escrowEarly = mail.addDays(8);
+    c.escrowLate = mail.addDays(12);
+    c.over65On = QDate(taxYear, 1, 1);
+    return c;
+}
+
+Calendar MakeCalendar(const DemoOptions& options) {
+    if (options.taxYear <= 0)
+        return Calendar2013();
+    // The working day is the options' today taken into the tax year.
+    const QDate today = options.today.isValid() ? options.today : Clock::today();
+    QDate day(options.taxYear, today.month(), today.day());
+    if (!day.isValid()) // 29 February in a common year
+        day = QDate(options.taxYear, 2, 28);
+    return CalendarAround(options.taxYear, day);
+}
 
 char PeriodAt(const Frame& frame, const QDate& day) {
     if (day <= frame.discountEnd)
@@ -524,20 +588,20 @@ struct EscrowCompany {
     const char* city;
     const char* state;
     const char* zip;
-    QDate earlyDay;
-    QDate lateDay;
     const char* earlyCheck;
     const char* lateCheck;
 };
 const EscrowCompany EscrowCompanies[] = {
-    {"KEYSTONE ESCROW SERVICES", "PO BOX 4410", "HARRISBURG", "PA", "17111", QDate(2013, 4, 22),
-     QDate(2013, 8, 26), "884213", "891077"},
-    {"BLUE MOUNTAIN MORTGAGE TAX SVC", "1200 CORPORATE BLVD", "READING", "PA", "19605",
-     QDate(2013, 4, 23), QDate(2013, 8, 27), "20130423", "20130827"},
-    {"LIBERTY HOME LOAN TAX DEPT", "PO BOX 9032", "COLUMBUS", "OH", "43215", QDate(2013, 4, 24),
-     QDate(2013, 8, 28), "4471025", "4480133"},
-    {"RED ROSE LENDING ESCROW", "25 N DUKE ST", "LANCASTER", "PA", "17602", QDate(2013, 4, 25),
-     QDate(2013, 8, 29), "10552", "11038"}};
+    {"KEYSTONE ESCROW SERVICES", "PO BOX 4410", "HARRISBURG", "PA", "17111", "884213", "891077"},
+    {"BLUE MOUNTAIN MORTGAGE TAX SVC", "1200 CORPORATE BLVD", "READING", "PA", "19605", "20130423",
+     "20130827"},
+    {"LIBERTY HOME LOAN TAX DEPT", "PO BOX 9032", "COLUMBUS", "OH", "43215", "4471025", "4480133"},
+    {"RED ROSE LENDING ESCROW", "25 N DUKE ST", "LANCASTER", "PA", "17602", "10552", "11038"}};
+
+// The day a mortgage company's check comes in: the companies send theirs one day apart.
+QDate escrowDay(const QDate& first, int company) {
+    return first.addDays(company);
+}
 
 // ---------------------------------------------------------------------------------------------
 // Bills and receipts in memory
@@ -717,7 +781,8 @@ void writePayment(TableWriter& w, const Payor& payor, Money overage, const PayFl
 class DemoGenerator {
 public:
     DemoGenerator(QSqlDatabase db, const DemoOptions& options)
-        : m_db(db), m_options(options), m_rates(DemoRates()), m_perCapitaLines(PerCapitaLines()),
+        : m_db(db), m_options(options), m_cal(MakeCalendar(options)), m_rates(DemoRates()),
+          m_perCapitaLines(PerCapitaLines()),
           m_reShare(std::min(1.0, ReceiptsPerDuplicate / (options.parcels * 1.7 + 1))),
           m_pcShare(std::min(1.0, ReceiptsPerDuplicate / (options.persons * 1.0 + 1))) {}
 
@@ -766,6 +831,7 @@ private:
 
     QSqlDatabase m_db;
     DemoOptions m_options;
+    Calendar m_cal;
     RealEstateRates m_rates;
     std::array<AmountTriple, 6> m_perCapitaLines; // of every taxable person
     QString m_error;
@@ -805,10 +871,10 @@ QDate DemoGenerator::paymentDay(Rng& rng, const Frame& frame, const QDate& earli
     std::array<Span, 3> spans{
         Span{first, frame.discountEnd, discount},
         Span{std::max(first, frame.discountEnd.addDays(1)), frame.penaltyStart.addDays(-1), face},
-        Span{std::max(first, frame.penaltyStart), LastWorkingDay, penalty}};
+        Span{std::max(first, frame.penaltyStart), m_cal.lastWorkingDay, penalty}};
     double total = 0;
     for (Span& s : spans) {
-        s.to = std::min(s.to, LastWorkingDay);
+        s.to = std::min(s.to, m_cal.lastWorkingDay);
         if (s.from > s.to)
             s.weight = 0;
         total += s.weight;
@@ -931,7 +997,7 @@ bool DemoGenerator::writeLookups() {
             w.real("Mill", tax.mill);
             w.text("ExFlag", "N");
             w.text("SpecFlag", "N");
-            w.text("TaxYear", TaxYear);
+            w.text("TaxYear", m_cal.taxYear);
             return w.insert();
         };
         for (const SpecialTax& tax : TwpSpecials)
@@ -948,7 +1014,7 @@ bool DemoGenerator::writeMillfile() {
     // The county row: the S columns are the county's.
     w.text("District", "00");
     w.text("Ward", "0");
-    w.text("TaxYear", TaxYear);
+    w.text("TaxYear", m_cal.taxYear);
     w.real("SMR", CountyMill);
     w.real("S1MR", CountySpecialMill);
     w.text("S1TaxName", CountySpecialName);
@@ -964,7 +1030,7 @@ bool DemoGenerator::writeMillfile() {
     // The township's row, with its school district's columns.
     w.text("District", District);
     w.text("Ward", Ward);
-    w.text("TaxYear", TaxYear);
+    w.text("TaxYear", m_cal.taxYear);
     w.real("TMR", TwpMill);
     w.real("LMR", LibraryMill);
     w.real("TD", TwpDiscount);
@@ -988,27 +1054,27 @@ bool DemoGenerator::writeMillfile() {
     w.money("Tolerance", Money::fromCents(ToleranceCents));
 
     // Early billing: county and township bills.
-    w.date("MailDate", Early.mail);
-    w.date("DiscDate", Early.discountEnd);
-    w.date("FaceDate1", Early.discountEnd.addDays(1));
-    w.date("FaceDate2", Early.penaltyStart.addDays(-1));
-    w.date("PenDate", Early.penaltyStart);
-    w.date("TaxDate", QDate(2014, 1, 1));
-    w.date("LastDate", QDate(2013, 12, 31));
-    w.date("Payment1Date", InstallmentDates[0]);
-    w.date("Payment2Date", InstallmentDates[1]);
-    w.date("Payment3Date", InstallmentDates[2]);
+    w.date("MailDate", m_cal.early.mail);
+    w.date("DiscDate", m_cal.early.discountEnd);
+    w.date("FaceDate1", m_cal.early.discountEnd.addDays(1));
+    w.date("FaceDate2", m_cal.early.penaltyStart.addDays(-1));
+    w.date("PenDate", m_cal.early.penaltyStart);
+    w.date("TaxDate", m_cal.taxClaim);
+    w.date("LastDate", m_cal.lastToPay);
+    w.date("Payment1Date", m_cal.installments[0]);
+    w.date("Payment2Date", m_cal.installments[1]);
+    w.date("Payment3Date", m_cal.installments[2]);
     // Late billing: school bills, with the installment due dates.
-    w.date("LateMailDate", Late.mail);
-    w.date("LateDiscDate", Late.discountEnd);
-    w.date("LateFaceDate1", Late.discountEnd.addDays(1));
-    w.date("LateFaceDate2", Late.penaltyStart.addDays(-1));
-    w.date("LatePenDate", Late.penaltyStart);
-    w.date("LateTaxDate", QDate(2014, 1, 1));
-    w.date("LateLastDate", QDate(2013, 12, 31));
-    w.date("LatePayment1Date", InstallmentDates[0]);
-    w.date("LatePayment2Date", InstallmentDates[1]);
-    w.date("LatePayment3Date", InstallmentDates[2]);
+    w.date("LateMailDate", m_cal.late.mail);
+    w.date("LateDiscDate", m_cal.late.discountEnd);
+    w.date("LateFaceDate1", m_cal.late.discountEnd.addDays(1));
+    w.date("LateFaceDate2", m_cal.late.penaltyStart.addDays(-1));
+    w.date("LatePenDate", m_cal.late.penaltyStart);
+    w.date("LateTaxDate", m_cal.taxClaim);
+    w.date("LateLastDate", m_cal.lastToPay);
+    w.date("LatePayment1Date", m_cal.installments[0]);
+    w.date("LatePayment2Date", m_cal.installments[1]);
+    w.date("LatePayment3Date", m_cal.installments[2]);
 
     const char* const early[7] = {"KAREN L. WEAVER",
                                   "1850 MILLBROOK RD",
@@ -1286,7 +1352,7 @@ void DemoGenerator::payParcel(Rng& rng, const ReBill& bill, int adjNo, const QDa
             r.payor.address.city = L(e.city);
             r.payor.address.state = L(e.state);
             r.payor.address.zip = L(e.zip);
-            r.payor.checknum = L(day < Late.mail ? e.earlyCheck : e.lateCheck);
+            r.payor.checknum = L(day < m_cal.late.mail ? e.earlyCheck : e.lateCheck);
         } else {
             r.payor = ownerPayor(rng, bill.name, mail.at(day));
             // Now and then a payor rounds up or falls a little short, within the tolerance.
@@ -1308,19 +1374,19 @@ void DemoGenerator::payParcel(Rng& rng, const ReBill& bill, int adjNo, const QDa
     const bool twpDue = bill.bodyFace('T') > Money();
     if (countyDue || twpDue) {
         QDate day;
-        if (escrow >= 0 && EscrowCompanies[escrow].earlyDay >= earliest)
-            day = EscrowCompanies[escrow].earlyDay;
+        if (escrow >= 0 && escrowDay(m_cal.escrowEarly, escrow) >= earliest)
+            day = escrowDay(m_cal.escrowEarly, escrow);
         else if (rng.chance(0.8))
-            day = paymentDay(rng, Early, earliest, 0.68, 0.2, 0.12);
+            day = paymentDay(rng, m_cal.early, earliest, 0.68, 0.2, 0.12);
         if (day.isValid()) {
             ReReceipt r = receipt(day);
             const bool countyOnly = escrow < 0 && countyDue && twpDue && rng.chance(0.02);
             if (countyDue) {
-                r.flags.c = flags.c = PeriodAt(CountyFrame, day);
+                r.flags.c = flags.c = PeriodAt(m_cal.early, day);
                 takeBody(r, 'C', r.flags.c);
             }
             if (twpDue && !countyOnly) {
-                r.flags.t = flags.t = PeriodAt(TwpFrame, day);
+                r.flags.t = flags.t = PeriodAt(m_cal.early, day);
                 takeBody(r, 'T', r.flags.t);
             }
             m_reReceipts.push_back(std::move(r));
@@ -1331,12 +1397,12 @@ void DemoGenerator::payParcel(Rng& rng, const ReBill& bill, int adjNo, const QDa
     if (bill.bodyFace('S') > Money()) {
         const Installments& inst = bill.amounts.installments;
         if (escrow < 0 && inst.offered() && rng.chance(0.3)) {
-            QDate day = workingDay(rng, std::max(Late.mail.addDays(4), earliest),
-                                   std::min(InstallmentDates[0], LastWorkingDay));
+            QDate day = workingDay(rng, std::max(m_cal.late.mail.addDays(4), earliest),
+                                   std::min(m_cal.installments[0], m_cal.lastWorkingDay));
             for (int n = 0; n < 3 && day.isValid(); ++n) {
                 ReReceipt r = receipt(day);
                 r.overage = Money();
-                const char code = day <= InstallmentDates[n] ? 'F' : 'P';
+                const char code = day <= m_cal.installments[n] ? 'F' : 'P';
                 r.flags.s = flags.s = 'I';
                 r.flags.installment[n] = flags.installment[n] = code;
                 r.installments[n] = inst.payment[n];
@@ -1347,17 +1413,17 @@ void DemoGenerator::payParcel(Rng& rng, const ReBill& bill, int adjNo, const QDa
                 // Some pay the next installment ahead of its date.
                 if (!rng.chance(0.35))
                     break;
-                day = workingDay(rng, day.addDays(14), LastWorkingDay);
+                day = workingDay(rng, day.addDays(14), m_cal.lastWorkingDay);
             }
         } else {
             QDate day;
-            if (escrow >= 0 && EscrowCompanies[escrow].lateDay >= earliest)
-                day = EscrowCompanies[escrow].lateDay;
+            if (escrow >= 0 && escrowDay(m_cal.escrowLate, escrow) >= earliest)
+                day = escrowDay(m_cal.escrowLate, escrow);
             else if (rng.chance(0.72))
-                day = paymentDay(rng, Late, earliest, 0.82, 0.18, 0);
+                day = paymentDay(rng, m_cal.late, earliest, 0.82, 0.18, 0);
             if (day.isValid()) {
                 ReReceipt r = receipt(day);
-                r.flags.s = flags.s = PeriodAt(SchoolFrame, day);
+                r.flags.s = flags.s = PeriodAt(m_cal.late, day);
                 takeBody(r, 'S', r.flags.s);
                 m_reReceipts.push_back(std::move(r));
             }
@@ -1473,7 +1539,7 @@ bool DemoGenerator::writeParcels() {
             bill.control = QString::number(850000 + n);
             bill.mvLand = bill.mvImpr = 0;
             bill.cleanAndGreen = false;
-            addDay = workingDay(rng, QDate(2013, 4, 1), QDate(2013, 8, 30));
+            addDay = workingDay(rng, m_cal.addFrom, m_cal.addTo);
             earliest = addDay.addDays(1);
         } else {
             bill.billNo = PadBillNo(index + 1);
@@ -1488,7 +1554,7 @@ bool DemoGenerator::writeParcels() {
         if (r == Exonerated || r == Adjusted) {
             adjFlag = QStringLiteral("A");
             adjNo = 1;
-            const QDate adjDay = workingDay(rng, QDate(2013, 3, 4), QDate(2013, 3, 29));
+            const QDate adjDay = workingDay(rng, m_cal.adjustFrom, m_cal.adjustTo);
             QString reason;
             if (r == Exonerated) {
                 reason = QStringLiteral("EXONERATION");
@@ -1527,7 +1593,7 @@ bool DemoGenerator::writeParcels() {
         if (!added && addressChange[std::size_t(index)]) {
             addrFlag = QStringLiteral("A");
             Address moved = mailingAddress(rng, QString(), 0, false);
-            const QDate day = workingDay(rng, QDate(2013, 3, 4), LastWorkingDay);
+            const QDate day = workingDay(rng, m_cal.addressFrom, m_cal.lastWorkingDay);
             const bool usps = rng.chance(0.4);
             address.text("Control", bill.control);
             address.text("BillNo", bill.billNo);
@@ -1577,7 +1643,7 @@ bool DemoGenerator::writeParcels() {
         master.text("Pay3Flag", Flag(flags.installment[2]));
         master.text("CAddrFlag", addrFlag);
         master.text("Exempt", bill.exempt ? "E" : " ");
-        master.text("TaxYear", TaxYear);
+        master.text("TaxYear", m_cal.taxYear);
         master.text("TaxClaimFlag", r == TaxClaim ? "Y" : " ");
         master.text("CleanAndGreen", bill.cleanAndGreen ? "Y" : " ");
         if (!master.insert())
@@ -1657,7 +1723,7 @@ Person DemoGenerator::makePerson(Rng& rng) {
     const QDate born(int(rng.between(1928, 1995)), int(rng.between(1, 12)),
                      int(rng.between(1, 28)));
     p.birthdate = born.toString(QStringLiteral("MM/dd/yyyy"));
-    p.over65 = born.addYears(65) <= QDate(2013, 1, 1);
+    p.over65 = born.addYears(65) <= m_cal.over65On;
     p.occuDesc = L(p.over65 && rng.chance(0.7) ? "RETIRED" : rng.pick(Occupations));
     p.occuValue = QString::number(rng.between(1, 10) * 50);
     // A few are not taxable at all (status NON): their bill is zero and kept off the labels.
@@ -1692,9 +1758,9 @@ void DemoGenerator::payPerson(Rng& rng, const Person& person, const QDate& earli
         r.payor = ownerPayor(rng, r.name, person.mail);
         m_pcReceipts.push_back(std::move(r));
     };
-    pay('C', CountyFrame, 0.55);
-    pay('T', TwpFrame, 0.55);
-    pay('S', SchoolFrame, 0.45);
+    pay('C', m_cal.early, 0.55);
+    pay('T', m_cal.early, 0.55);
+    pay('S', m_cal.late, 0.45);
 }
 
 bool DemoGenerator::writePersons() {
@@ -1726,7 +1792,7 @@ bool DemoGenerator::writePersons() {
             const int n = i - billed + 1;
             p.billNo = QStringLiteral("A") + Digits(n, 4);
             p.control = QStringLiteral("A") + Digits(n, 5);
-            addDay = workingDay(rng, QDate(2013, 4, 1), QDate(2013, 8, 30));
+            addDay = workingDay(rng, m_cal.addFrom, m_cal.addTo);
             earliest = addDay.addDays(1);
         } else {
             p.billNo = PadBillNo(i + 1);
@@ -1767,7 +1833,7 @@ bool DemoGenerator::writePersons() {
         master.text("SPayFlag", Flag(p.flags.s));
         master.text("Exempt", p.exempt ? "E" : " ");
         master.text("Over65", p.over65 ? "Y" : " ");
-        master.text("TaxYear", TaxYear);
+        master.text("TaxYear", m_cal.taxYear);
         if (!master.insert())
             return check(master);
 

@@ -1,4 +1,4 @@
-#include "reports/re_receipt.h"
+#include "desk/realestate/re_receipt.h"
 
 #include "bills/barcode.h"
 #include "core/clock.h"

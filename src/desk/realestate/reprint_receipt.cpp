@@ -1,16 +1,16 @@
-#include "reports/reprint_receipt.h"
+#include "desk/realestate/reprint_receipt.h"
 
 #include "core/common_values.h"
 #include "core/field_leave.h"
-#include "core/main_window.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "desk/realestate/payment_rules.h"
+#include "desk/realestate/re_receipt.h"
 #include "reports/print_output.h"
 #include "reports/print_screen.h"
-#include "reports/re_receipt.h"
 #include "reports/report_frame.h"
 
 #include <QCheckBox>
@@ -321,6 +321,12 @@ void frmREReprintReceipt::closeEvent(QCloseEvent* event) {
     delete m_leave;
     m_leave = nullptr;
     QWidget::closeEvent(event);
+}
+
+void frmREReprintReceipt::openFromQuery(const QString& recnum) {
+    clearFields();
+    txtRecnum->setText(recnum);
+    txtRecnum_LostFocus();
 }
 
 void frmREReprintReceipt::txtRecnum_LostFocus() {

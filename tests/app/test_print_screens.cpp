@@ -1,9 +1,9 @@
+#include "app/screen_catalog.h"
 #include "core/clock.h"
-#include "core/screen_catalog.h"
 #include "core/session.h"
+#include "desk/realestate/reprint_receipt.h"
 #include "reports/print_capture.h"
 #include "reports/print_output.h"
-#include "reports/reprint_receipt.h"
 #include "reports/select_printer.h"
 
 #include "reports/receipt_fixture.h"

@@ -1,8 +1,8 @@
 #include "core/clock.h"
 #include "core/session.h"
 #include "core/tax_database.h"
+#include "desk/realestate/re_receipt.h"
 #include "reports/print_capture.h"
-#include "reports/re_receipt.h"
 
 #include "reports/print_readback.h"
 #include "reports/receipt_fixture.h"
@@ -19,7 +19,7 @@
 namespace {
 
 QString expectedPath(const char* name) {
-    return QDir(QFileInfo(QString::fromUtf8(__FILE__)).absolutePath())
+    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
         .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
 }
 

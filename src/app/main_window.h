@@ -1,6 +1,8 @@
 #pragma once
 // frmLevyDeskMain: the one main window, its menu tree and the start and exit sequences.
 
+#include "core/screen_host.h"
+
 #include <QMainWindow>
 #include <QString>
 
@@ -8,7 +10,7 @@ class QMdiArea;
 class QMenu;
 class QAction;
 
-class frmLevyDeskMain : public QMainWindow {
+class frmLevyDeskMain : public QMainWindow, public ScreenHost {
     Q_OBJECT
 public:
     explicit frmLevyDeskMain(QWidget* parent = nullptr);
@@ -18,10 +20,10 @@ public:
     // will be offered, the window closes itself and false is returned.
     bool start(const QString& databasePath);
 
-    QMdiArea* mdiArea() const { return m_mdi; }
+    QMdiArea* mdiArea() const override { return m_mdi; }
     // Title of the window as it stands with the open database: the tax year, the office, and
     // the version.
-    void refreshCaption();
+    void refreshCaption() override;
     // "major.minor.revision".
     static QString versionText();
 
@@ -30,13 +32,10 @@ public:
     bool runMenuCommand(const QString& itemName);
     QAction* menuItem(const QString& itemName) const;
 
-    // Shows a screen in the client area (non-modal) or runs it modally, centred in the
-    // client area. A non-modal screen that is open already is brought to the front.
-    void showScreen(QWidget* screen, bool modal);
-    // The open screen of that name, or nullptr.
-    QWidget* openScreen(const QString& screenName) const;
-    // Closes every open screen but those named, without questions.
-    void closeScreensExcept(const QStringList& keep);
+    QWidget* hostWindow() override { return this; }
+    void showScreen(QWidget* screen, bool modal) override;
+    QWidget* openScreen(const QString& screenName) const override;
+    void closeScreensExcept(const QStringList& keep) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -53,6 +52,3 @@ private:
 
 // The main window of the run, or nullptr before it exists.
 frmLevyDeskMain* mainWindow();
-
-// Closes a screen: its client-area window, or the dialog it is.
-void CloseScreen(QWidget* screen);

@@ -93,6 +93,9 @@ public:
     QPushButton* cmdPrintScreen = nullptr;
     QPushButton* cmdExit = nullptr;
 
+    // A query screen hands a receipt over: it is shown at once, as if typed and left.
+    void openFromQuery(const QString& recnum);
+
     // The receipt shown, or empty.
     QString shownRecnum() const { return m_recnum; }
 

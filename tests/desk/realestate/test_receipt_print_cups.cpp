@@ -4,9 +4,9 @@
 
 #include "core/clock.h"
 #include "core/session.h"
+#include "desk/realestate/re_receipt.h"
 #include "reports/print_capture.h"
 #include "reports/print_output.h"
-#include "reports/re_receipt.h"
 
 #include "reports/print_readback.h"
 #include "reports/receipt_fixture.h"
@@ -166,4 +166,4 @@ void TestPrintCups::receiptComesOutOfTheQueue() {
 }
 
 QTEST_MAIN(TestPrintCups)
-#include "test_print_cups.moc"
+#include "test_receipt_print_cups.moc"

@@ -1,8 +1,8 @@
-#include "core/main_window.h"
+#include "app/main_window.h"
 
+#include "app/screen_catalog.h"
 #include "core/logo_screen.h"
 #include "core/messages.h"
-#include "core/screen_catalog.h"
 #include "core/session.h"
 
 #include <QAction>
@@ -149,6 +149,7 @@ std::vector<MenuDef> menuTree() {
              {"&Restore Database", "mnuUtilitiesRestore"},
              {"&Verify Data Integrity", "mnuUtilitiesVerifyData"},
              {"&Late Billing Routine", "mnuUtilitiesLateBillingRoutine"},
+             {"Import County &Duplicate...", "mnuUtilitiesImportDuplicate"},
          }},
         {"&Scan     ", "mnuScan", {{"Scan Data", "mnuScanData"}}},
         {"Prin&ters     ", "mnuPrinters"},
@@ -163,6 +164,7 @@ frmLevyDeskMain* mainWindow() {
 
 frmLevyDeskMain::frmLevyDeskMain(QWidget* parent) : QMainWindow(parent) {
     theMainWindow = this;
+    SetScreenHost(this);
     setObjectName(QStringLiteral("frmLevyDeskMain"));
     m_mdi = new QMdiArea(this);
     m_mdi->setObjectName(QStringLiteral("mdiArea"));
@@ -178,6 +180,8 @@ frmLevyDeskMain::frmLevyDeskMain(QWidget* parent) : QMainWindow(parent) {
 frmLevyDeskMain::~frmLevyDeskMain() {
     if (theMainWindow == this)
         theMainWindow = nullptr;
+    if (screenHost() == this)
+        SetScreenHost(nullptr);
 }
 
 QString frmLevyDeskMain::versionText() {
@@ -415,18 +419,4 @@ bool frmLevyDeskMain::eventFilter(QObject* watched, QEvent* event) {
     if (m_logo && watched == m_mdi->viewport() && event->type() == QEvent::Resize)
         m_logo->setGeometry(m_mdi->viewport()->rect());
     return QMainWindow::eventFilter(watched, event);
-}
-
-void CloseScreen(QWidget* screen) {
-    if (!screen)
-        return;
-    if (auto* sub = qobject_cast<QMdiSubWindow*>(screen->parentWidget())) {
-        sub->close();
-        return;
-    }
-    if (auto* dialog = qobject_cast<QDialog*>(screen)) {
-        dialog->done(QDialog::Accepted);
-        return;
-    }
-    screen->close();
 }

@@ -1,0 +1,98 @@
+#include "app/screen_catalog.h"
+
+#include "bills/pc_print_3up_labels.h"
+#include "bills/re_print_3up_labels.h"
+#include "bills/re_print_tax_bills.h"
+#include "bills/school_re_tax_bill_fen.h"
+#include "desk/realestate/address_change.h"
+#include "desk/realestate/adjust_tax_bill.h"
+#include "desk/realestate/query_individual.h"
+#include "desk/realestate/query_receipts.h"
+#include "desk/realestate/query_tc.h"
+#include "desk/realestate/receive_payment.h"
+#include "desk/realestate/reprint_receipt.h"
+#include "desk/realestate/void_receipt.h"
+#include "distribution/distribute_receipts.h"
+#include "distribution/distribution_file_screens.h"
+#include "distribution/distribution_report_forms.h"
+#include "distribution/transfer_distribution_email.h"
+#include "rates/rate_screens.h"
+#include "reports/select_printer.h"
+#include "utilities/backup_data.h"
+#include "utilities/email_data_file.h"
+#include "utilities/import_duplicate.h"
+
+#include <QHash>
+
+namespace {
+
+template <typename Screen> ScreenEntry entry(const char* name, bool modal = false) {
+    return {QString::fromLatin1(name), modal, [] { return static_cast<QWidget*>(new Screen); }};
+}
+
+const QHash<QString, ScreenEntry>& catalog() {
+    static const QHash<QString, ScreenEntry> screens{
+        {"mnuREReportsPrintMailingLabels", entry<frmREPrint3UpLabels>("frmREPrint3UpLabels")},
+        {"mnuPCReportsPrintMailingLabels", entry<frmPCPrint3UpLabels>("frmPCPrint3UpLabels")},
+        {"mnuREReportsPrintSchoolTaxBills", entry<frmSchoolRETaxBillFen>("frmSchoolRETaxBillFen")},
+        {"mnuREReportsPrintTaxBills", entry<frmREPrintTaxBills>("frmREPrintTaxBills")},
+        {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
+        {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
+        {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
+        {"mnuREPaymentsAdjustTaxBill", entry<frmREAdjustTaxBill>("frmREAdjustTaxBill")},
+        {"mnuREPaymentsVoidReceipt", entry<frmREVoidReceipt>("frmREVoidReceipt")},
+        {"mnuREPaymentsChangeAddress", entry<frmREAddressChange>("frmREAddressChange")},
+        {"mnuREQueryTC", entry<frmREQueryTC>("frmREQueryTC")},
+        {"mnuREQueryIndividual", entry<frmREQueryIndividual>("frmREQueryIndividual")},
+        {"mnuREQueryReceipts", entry<frmREQueryReceipts>("frmREQueryReceipts")},
+        {"mnuUtilitiesRestore", entry<frmRestoreData>("frmRestoreData", true)},
+        {"mnuPrinters", entry<frmSelectPrinter>("frmSelectPrinter")},
+        {"mnuREPaymentsReprintReceipt", entry<frmREReprintReceipt>("frmREReprintReceipt")},
+        {"mnuUtilitiesMillagesCounty",
+         entry<frmMaintainMillagesCounty>("frmMaintainMillagesCounty")},
+        {"mnuUtilitiesMillagesTwp",
+         entry<frmMaintainMillagesTownship>("frmMaintainMillagesTownship")},
+        {"mnuUtilitiesMillagesSchool",
+         entry<frmMaintainMillagesSchool>("frmMaintainMillagesSchool")},
+        {"mnuUtilitiesEditSpecialTaxes", entry<frmEditSpecialTaxes>("frmEditSpecialTaxes")},
+        {"mnuREDistributionDistributeReceipts",
+         entry<frmREDistributeReceipts>("frmREDistributeReceipts")},
+        {"mnuREDistributionCreateDistributionFile",
+         entry<frmRECreateDistributionFile>("frmRECreateDistributionFile")},
+        {"mnuPCDistributionCreateDistributionFile",
+         entry<frmPCCreateDistributionFile>("frmPCCreateDistributionFile")},
+        {"mnuREDistributionTransferDesktop",
+         entry<frmRETransferDistributionDesktop>("frmRETransferDistributionDesktop")},
+        {"mnuPCDistributionTransferDesktop",
+         entry<frmPCTransferDistributionDesktop>("frmPCTransferDistributionDesktop")},
+        {"mnuREDistributionPrintCounty",
+         entry<frmREPrintDistributionCounty>("frmREPrintDistributionCounty")},
+        {"mnuREDistributionPrintTwp",
+         entry<frmREPrintDistributionTwp>("frmREPrintDistributionTwp")},
+        {"mnuREDistributionPrintSchool",
+         entry<frmREPrintDistributionSchool>("frmREPrintDistributionSchool")},
+        {"mnuPCDistributionPrintCounty",
+         entry<frmPCPrintDistributionCounty>("frmPCPrintDistributionCounty")},
+        {"mnuPCDistributionPrintTwp",
+         entry<frmPCPrintDistributionTwp>("frmPCPrintDistributionTwp")},
+        {"mnuPCDistributionPrintSchool",
+         entry<frmPCPrintDistributionSchool>("frmPCPrintDistributionSchool")},
+        {"mnuUilitiesEditSpecialTaxpayers",
+         {"frmEditSpecialTaxpayers", false, &frmEditSpecialTaxpayers::open}},
+        {"mnuUtilitiesZipAndEmail", entry<frmEmailDataFile>("frmEmailDataFile")},
+        {"mnuUtilitiesZipAndEmailCounty", entry<frmEmailDataFileCounty>("frmEmailDataFileCounty")},
+        {"mnuREDistributionTransferEmail",
+         entry<frmRETransferDistributionEMail>("frmRETransferDistributionEMail")},
+        {"mnuPCDistributionTransferEmail",
+         entry<frmPCTransferDistributionEMail>("frmPCTransferDistributionEMail")},
+    };
+    return screens;
+}
+
+} // namespace
+
+const ScreenEntry* screenForMenuItem(const QString& itemName) {
+    const auto& screens = catalog();
+    auto it = screens.find(itemName);
+    return it == screens.end() ? nullptr : &it.value();
+}
