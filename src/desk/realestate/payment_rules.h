@@ -155,16 +155,94 @@ struct RealEstateAmounts {
     Money schoolFace() const { return school.face + schoolSpecial.face; }
 };
 
-// The amounts of a bill with this assessment at these rates.
+// The amounts of a bill with this assessment at these rates: a new bill with every body
+// computed (ComputeFromAssessment on a blank bill, then RecomputeDiscountPenalty).
 RealEstateAmounts ComputeRealEstateAmounts(qint64 land, qint64 impr, const RealEstateRates& rates,
                                            const BillChoices& choices = {});
+
+// ---------------------------------------------------------------------------------------------
+// A bill computed from its assessment on the adjustment screen (and the late billing run)
+// ---------------------------------------------------------------------------------------------
+
+class QSqlRecord;
+
+// The county's discount and penalty count in whole percent on a bill computed from its
+// assessment: the nearest whole number, halves to the even one (2.5 counts 2, 3.5 counts 4).
+double WholePercent(double pct);
+
+// The rates of a bill from the county row and the municipal row of Millfile, and the Mill of
+// the municipality's first three Spectax rows (zero for a slot without a row). The county's
+// discount and penalty pass WholePercent; the others are used as stored.
+RealEstateRates RealEstateRatesFromMillfile(const QSqlRecord& countyRow,
+                                            const QSqlRecord& municipalRow,
+                                            const std::array<double, 3>& specialMill);
+
+// What a computation from the assessment is asked to do.
+struct AssessmentComputation {
+    qint64 land = 0;
+    qint64 impr = 0;
+    // The bodies that are recomputed (their boxes ticked); the others keep every amount.
+    bool county = true;
+    bool twp = true;
+    bool school = true;
+    // A special slot with a name is computed from its mill; a nameless one keeps its face.
+    std::array<bool, 3> specialNamed{true, true, true};
+    // chkHFFlag: the exclusions are cut to the assessment and their school tax recomputed.
+    // Without it the exclusion face already held is still taken off the school face.
+    bool act1 = false;
+    // The face the school's discount and penalty percentages are taken of, when the collector
+    // names one (plain millage only); otherwise they are taken of the school face itself.
+    std::optional<Money> schoolShareFace;
+    // The installments: split unless "not applicable"; paid[n] when PaymentN's pay flag on the
+    // master is non-blank (all false for an added bill).
+    bool installments = true;
+    std::array<bool, 3> paid{};
+};
+
+// The school installments after a new school total T, worked from the installments of the image
+// on the screen and which of them are paid:
+//   first paid, second and third not: the first keeps its amount, the others each
+//     Int((T - Payment1) / 2 * 100) / 100;
+//   first and second paid, third not: the first two keep theirs, the third is T - both;
+//   otherwise each Int(T / 3 * 100) / 100.
+// Then the first, second and third grow by a cent in turn while the sum is below T, the first
+// even when it is paid. A total below what is paid gives negative installments, which Accept
+// refuses. PenPayment1 is zero, PenPayment2 and 3 RoundTo(P + P * pct / 100).
+Installments InstallmentsOnComputing(Money schoolTotal, const Installments& image,
+                                     const std::array<bool, 3>& paid, double schoolPenaltyPct);
+
+// The amounts after a new assessment. `before` is the bill as the screen holds it: the faces
+// of bodies not recomputed, the faces of lines whose rate is zero (a library, county special,
+// township or plain-millage school line with a zero rate keeps its face, with zero discount
+// and penalty), the homestead and farmstead exclusions typed, the exclusion face, and the
+// installments of the image shown. County lines, the township and the named specials are
+// levied on land and improvements rounded apart; the school lines on their sum, once. The
+// school face is net of the exclusion face, and its discount and penalty columns are those of
+// RecomputeDiscountPenalty; schoolGross holds the school line before the exclusion, the face
+// the percentages of the screen's "Discount:" and "Penalty:" are shown for.
+struct ComputedBill {
+    RealEstateAmounts amounts;
+    AmountTriple schoolGross;
+};
+ComputedBill ComputeFromAssessment(const RealEstateAmounts& before,
+                                   const AssessmentComputation& computation,
+                                   const RealEstateRates& rates);
+
+// Every line's discount and penalty again from its face, as Accept saves them: the county and
+// township lines always; the library, the county special and each special only when its rate
+// is non-zero (its slot named), else zero; the school with a zero plain millage zero, else from
+// its net face, the percentages taken of schoolShareFace when named under plain millage; the
+// school special zero when the school (not the special) is on plain millage and the special's
+// mill is zero, else from its face. The exclusion and the installments are not touched.
+void RecomputeDiscountPenalty(RealEstateAmounts& amounts, const RealEstateRates& rates,
+                              const std::array<bool, 3>& specialNamed,
+                              std::optional<Money> schoolShareFace = std::nullopt);
 
 // ---------------------------------------------------------------------------------------------
 // Periods: from the date credited to discount, face or penalty
 // ---------------------------------------------------------------------------------------------
 
 class QSqlDatabase;
-class QSqlRecord;
 
 // The period letters of a body's part of a bill.
 inline constexpr char16_t PeriodDiscount = u'D';
@@ -239,6 +317,9 @@ struct BillLines {
     std::array<AmountTriple, TaxLineCount> line{};
 };
 BillLines BillLinesFromRecord(const QSqlRecord& bill);
+// A line of a bill's amounts by its TaxLine.
+AmountTriple& LineOf(RealEstateAmounts& amounts, int line);
+const AmountTriple& LineOf(const RealEstateAmounts& amounts, int line);
 Installments InstallmentsFromRecord(const QSqlRecord& bill);
 
 // One line taken at a period: what is payable, and for the receipt the face with the signed

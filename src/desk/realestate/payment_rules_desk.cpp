@@ -113,6 +113,31 @@ Money ReceiptLineAmount(const QSqlRecord& receipt, int line) {
            MoneyField(receipt.value(PenaltyColumn(line)));
 }
 
+AmountTriple& LineOf(RealEstateAmounts& a, int line) {
+    switch (line) {
+    case LineCounty:
+        return a.county;
+    case LineLibrary:
+        return a.library;
+    case LineCountySpecial:
+        return a.countySpecial;
+    case LineTwp:
+        return a.twp;
+    case LineSpecial1:
+    case LineSpecial2:
+    case LineSpecial3:
+        return a.special[line - LineSpecial1];
+    case LineSchool:
+        return a.school;
+    default:
+        return a.schoolSpecial;
+    }
+}
+
+const AmountTriple& LineOf(const RealEstateAmounts& a, int line) {
+    return LineOf(const_cast<RealEstateAmounts&>(a), line);
+}
+
 BillLines BillLinesFromRecord(const QSqlRecord& bill) {
     BillLines out;
     for (int i = 0; i < TaxLineCount; ++i)
