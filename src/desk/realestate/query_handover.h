@@ -1,0 +1,21 @@
+#pragma once
+// How a query screen hands a found bill or receipt to the desk screen that acts on it: the
+// session's QueryOpenedScreen flag of the target is raised, the target is shown (opened when it
+// is not open) and loads the key at once; the flag goes when the target closes.
+
+#include <QString>
+#include <QWidget>
+#include <functional>
+
+// Raises the flag of the screen of that name, shows the open one or a new one made by create,
+// and returns it (nullptr when none could be made).
+QWidget* ShowQueryTarget(const QString& screenName, const std::function<QWidget*()>& create);
+
+template <typename Screen> Screen* ShowQueryTarget(const char* screenName) {
+    return qobject_cast<Screen*>(ShowQueryTarget(QString::fromLatin1(screenName),
+                                                 [] { return static_cast<QWidget*>(new Screen); }));
+}
+
+// Shows the open screen of that name, or a new one made by create, without any flag: a desk
+// screen's Query button opening the list.
+QWidget* ShowScreenNamed(const QString& screenName, const std::function<QWidget*()>& create);
