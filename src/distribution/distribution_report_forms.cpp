@@ -1,0 +1,222 @@
+#include "distribution/distribution_report_forms.h"
+
+#include "core/common_values.h"
+#include "core/messages.h"
+#include "core/named_widgets.h"
+#include "core/screen_host.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "distribution/distribution_file.h"
+#include "distribution/distribution_numbers.h"
+#include "distribution/distribution_report.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRegularExpressionValidator>
+#include <QSqlRecord>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace {
+
+const char* const ReportTitle = "Print Distribution Report";
+const char* const NumberTitle = "Enter Distribution Number";
+
+} // namespace
+
+DistributionReportForm::DistributionReportForm(const DistributionTables& tables, TaxingBody body,
+                                               const QString& name, QWidget* parent)
+    : QWidget(parent), m_tables(tables), m_body(body) {
+    setObjectName(name);
+    buildScreen();
+    load();
+    session().LastScreenName = objectName();
+}
+
+void DistributionReportForm::buildScreen() {
+    txtDisbNum = ShownField(this, QStringLiteral("txtDisbNum"), 2);
+    txtDisbDate = ShownField(this, QStringLiteral("txtDisbDate"), 10);
+    txtPrintDisbNum = NamedField(this, QStringLiteral("txtPrintDisbNum"), 2);
+    txtPrintDisbNum->setValidator(new QRegularExpressionValidator(
+        QRegularExpression(QStringLiteral("[0-9]*")), txtPrintDisbNum));
+    chkSummaryOnly = new QCheckBox(QStringLiteral("Print only totals page"), this);
+    chkSummaryOnly->setObjectName(QStringLiteral("chkSummaryOnly"));
+    chkCalculated =
+        new QCheckBox(QStringLiteral("Sunnary totals are calculated (not actual)"), this);
+    chkCalculated->setObjectName(QStringLiteral("chkCalculated"));
+    cmdPrint = NamedButton(this, QStringLiteral("cmdPrint"), QStringLiteral("&Print"));
+    cmdPrintPreview =
+        NamedButton(this, QStringLiteral("cmdPrintPreview"), QStringLiteral("Print Pre&view"));
+    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+    txtRecnum = ShownField(this, QStringLiteral("txtRecnum"), 12);
+    txtVoid = ShownField(this, QStringLiteral("txtVoid"), 1);
+    txtControl = ShownField(this, QStringLiteral("txtControl"), 6);
+    txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
+    txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
+    txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
+    txtName = ShownField(this, QStringLiteral("txtName"), 50);
+    if (!m_tables.hasMap)
+        for (QLineEdit* map : {txtMap3, txtMap4, txtMap5})
+            map->hide();
+
+    auto* form = new QGridLayout;
+    form->addWidget(new QLabel(QStringLiteral("Last Distribution #:"), this), 0, 0);
+    form->addWidget(txtDisbNum, 0, 1);
+    form->addWidget(new QLabel(QStringLiteral("Date:"), this), 0, 2);
+    form->addWidget(txtDisbDate, 0, 3);
+    form->addWidget(new QLabel(QStringLiteral("Print Distribution #:"), this), 1, 0);
+    form->addWidget(txtPrintDisbNum, 1, 1);
+    form->addWidget(chkSummaryOnly, 2, 0, 1, 4);
+    form->addWidget(chkCalculated, 3, 0, 1, 4);
+    auto* progress = new QGridLayout;
+    progress->addWidget(new QLabel(QStringLiteral("Receipt #:"), this), 0, 0);
+    progress->addWidget(txtRecnum, 0, 1);
+    progress->addWidget(txtVoid, 0, 2);
+    progress->addWidget(new QLabel(QStringLiteral("Control #:"), this), 1, 0);
+    progress->addWidget(txtControl, 1, 1);
+    auto* map = new QHBoxLayout;
+    map->addWidget(txtMap3);
+    map->addWidget(txtMap4);
+    map->addWidget(txtMap5);
+    progress->addLayout(map, 1, 2);
+    progress->addWidget(new QLabel(QStringLiteral("Name:"), this), 2, 0);
+    progress->addWidget(txtName, 2, 1, 1, 2);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdPrint);
+    buttons->addWidget(cmdPrintPreview);
+    buttons->addStretch();
+    buttons->addWidget(cmdExit);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addLayout(progress);
+    layout->addLayout(buttons);
+
+    connect(cmdPrint, &QPushButton::clicked, this, [this] { cmdPrint_Click(); });
+    connect(cmdPrintPreview, &QPushButton::clicked, this, [this] { cmdPrintPreview_Click(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+}
+
+void DistributionReportForm::load() {
+    QSqlDatabase db = session().DbConnection;
+    m_taxYear = session().TaxYear.isEmpty() ? ReadCountyTaxYear(db).left(4) : session().TaxYear;
+    const LastDistribution last =
+        ReadLastDistribution(db, m_tables.disbType, m_tables.body(m_body).cts);
+    m_lastNumber = last.number;
+    if (last.exists()) {
+        txtDisbDate->setText(FormatDate(last.date));
+        txtDisbNum->setText(QString::number(last.number));
+        txtPrintDisbNum->setText(QString::number(last.number));
+    }
+    const DistributionReportSpec spec = DistributionReportFor(db, m_tables, m_body);
+    setWindowTitle(spec.caption);
+}
+
+void DistributionReportForm::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (m_checkedOnShow)
+        return;
+    m_checkedOnShow = true;
+    if (m_lastNumber > 0)
+        return;
+    // Nothing to print: say so once the form is up, and go.
+    QPointer<DistributionReportForm> self(this);
+    QTimer::singleShot(0, this, [self] {
+        if (!self)
+            return;
+        MsgBox(QStringLiteral("There are no distributions to print."),
+               QString::fromLatin1(ReportTitle));
+        if (self)
+            CloseScreen(self);
+    });
+}
+
+int DistributionReportForm::validNumber() {
+    auto refuse = [this](const QString& text) {
+        MsgBox(text, QString::fromLatin1(NumberTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+        txtPrintDisbNum->setFocus(Qt::OtherFocusReason);
+        return 0;
+    };
+    const std::optional<int> number = ParseWholeNumber(txtPrintDisbNum->text());
+    if (!number)
+        return refuse(QStringLiteral("Distribution Number Must Be Numeric"));
+    if (*number < 1 || *number > m_lastNumber)
+        return refuse(
+            QStringLiteral("Distribution Number Must Be A Valid Distribution Number between 1 "
+                           "and ") +
+            QString::number(m_lastNumber));
+    txtPrintDisbNum->setText(TwoDigits(*number));
+    return *number;
+}
+
+void DistributionReportForm::run(bool print) {
+    const int number = validNumber();
+    if (number == 0)
+        return;
+    QSqlDatabase db = session().DbConnection;
+    DistributionReportOptions options;
+    options.number = number;
+    options.taxYear = m_taxYear;
+    const DistributionRange range =
+        ReadDistributionRange(db, m_tables.disbType, m_tables.body(m_body).cts, number, m_taxYear);
+    options.from = range.from;
+    options.to = range.to;
+    options.summaryOnly = chkSummaryOnly->isChecked();
+    options.calculated = chkCalculated->isChecked();
+    options.progress = [this](const QSqlRecord& row, bool voided) {
+        txtRecnum->setText(TextField(row.value(QStringLiteral("Recnum"))));
+        txtVoid->setText(voided ? QStringLiteral("V") : QString());
+        txtControl->setText(TextField(row.value(QStringLiteral("Control"))));
+        if (m_tables.hasMap) {
+            txtMap3->setText(TextField(row.value(QStringLiteral("Map3"))));
+            txtMap4->setText(TextField(row.value(QStringLiteral("Map4"))));
+            txtMap5->setText(TextField(row.value(QStringLiteral("Map5"))));
+        }
+        txtName->setText(TextField(row.value(QStringLiteral("Name"))));
+    };
+    DistributionReport report(db, DistributionReportFor(db, m_tables, m_body), std::move(options));
+    if (print) {
+        if (PrintReport(report.definition(), db))
+            CloseScreen(this);
+        return;
+    }
+    QPointer<DistributionReportForm> self(this);
+    PreviewReport(
+        report.definition(), this,
+        [self] {
+            if (self)
+                self->cmdPrint_Click();
+        },
+        db);
+}
+
+void DistributionReportForm::cmdPrint_Click() {
+    run(true);
+}
+
+void DistributionReportForm::cmdPrintPreview_Click() {
+    run(false);
+}
+
+frmREPrintDistributionCounty::frmREPrintDistributionCounty(QWidget* parent)
+    : DistributionReportForm(RealEstateTables(), TaxingBody::County,
+                             QStringLiteral("frmREPrintDistributionCounty"), parent) {}
+frmREPrintDistributionTwp::frmREPrintDistributionTwp(QWidget* parent)
+    : DistributionReportForm(RealEstateTables(), TaxingBody::Twp,
+                             QStringLiteral("frmREPrintDistributionTwp"), parent) {}
+frmREPrintDistributionSchool::frmREPrintDistributionSchool(QWidget* parent)
+    : DistributionReportForm(RealEstateTables(), TaxingBody::School,
+                             QStringLiteral("frmREPrintDistributionSchool"), parent) {}
+frmPCPrintDistributionCounty::frmPCPrintDistributionCounty(QWidget* parent)
+    : DistributionReportForm(PerCapitaTables(), TaxingBody::County,
+                             QStringLiteral("frmPCPrintDistributionCounty"), parent) {}
+frmPCPrintDistributionTwp::frmPCPrintDistributionTwp(QWidget* parent)
+    : DistributionReportForm(PerCapitaTables(), TaxingBody::Twp,
+                             QStringLiteral("frmPCPrintDistributionTwp"), parent) {}
+frmPCPrintDistributionSchool::frmPCPrintDistributionSchool(QWidget* parent)
+    : DistributionReportForm(PerCapitaTables(), TaxingBody::School,
+                             QStringLiteral("frmPCPrintDistributionSchool"), parent) {}
