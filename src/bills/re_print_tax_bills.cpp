@@ -1,0 +1,374 @@
+#include "bills/re_print_tax_bills.h"
+
+#include "bills/re_tax_bill.h"
+#include "core/clock.h"
+#include "core/common_values.h"
+#include "core/messages.h"
+#include "core/named_widgets.h"
+#include "core/screen_host.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "reports/print_output.h"
+#include "reports/report_surface.h"
+
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpressionValidator>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVBoxLayout>
+
+namespace {
+
+const char* const FormTitle = "Print Real Estate Tax Bills";
+// The title this form shows on its "no bills" and "Printing Complete." messages.
+const char* const PerCapitaTitle = "Print Per Capita Tax Bills";
+const char* const MailersTitle = "Select Number Of Mailers";
+
+void exclaim(const QString& text, const char* title) {
+    MsgBox(text, QLatin1String(title), MsgButtons::Ok, MsgIcon::Exclamation);
+}
+
+QRadioButton* option(QWidget* parent, const char* name, const char* caption) {
+    auto* b = new QRadioButton(QLatin1String(caption), parent);
+    b->setObjectName(QLatin1String(name));
+    return b;
+}
+
+QCheckBox* tick(QWidget* parent, const char* name, const char* caption) {
+    auto* b = new QCheckBox(QLatin1String(caption), parent);
+    b->setObjectName(QLatin1String(name));
+    return b;
+}
+
+} // namespace
+
+frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("frmREPrintTaxBills"));
+    setWindowTitle(QLatin1String(FormTitle));
+
+    auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);
+    frame->setObjectName(QStringLiteral("fraBillingTimeFrame"));
+    optBillEarly = option(frame, "optBillEarly", "County Bill");
+    optBillLate = option(frame, "optBillLate", "School Bill");
+    m_frames = new QButtonGroup(this);
+    m_frames->addButton(optBillEarly);
+    m_frames->addButton(optBillLate);
+    {
+        auto* l = new QHBoxLayout(frame);
+        l->addWidget(optBillEarly);
+        l->addWidget(optBillLate);
+    }
+    chkSamples = tick(this, "chkSamples", "Samples");
+    chkPrintAddr = tick(this, "chkPrintAddr", "Print Mailing Address On A Separate Page");
+    chkPrintHomestead = tick(this, "chkPrintHomestead", "Print Coupons");
+    chkPlainPaperCopy = tick(this, "chkPlainPaperCopy", "Ascending Order");
+
+    auto* order = new QGroupBox(QStringLiteral("Order"), this);
+    order->setObjectName(QStringLiteral("fraOrder"));
+    optBillNo = option(order, "optBillNo", "Bill #");
+    optZipCode = option(order, "optZipCode", "ZipCode");
+    m_orders = new QButtonGroup(this);
+    m_orders->addButton(optBillNo);
+    m_orders->addButton(optZipCode);
+    {
+        auto* l = new QHBoxLayout(order);
+        l->addWidget(optBillNo);
+        l->addWidget(optZipCode);
+    }
+
+    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
+    txtBillNo->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), txtBillNo));
+    txtNumberOfMailers = NamedField(this, QStringLiteral("txtNumberOfMailers"), 6);
+
+    lblControl = NamedLabel(this, QStringLiteral("lblControl"), QStringLiteral("Control #:"));
+    lblMap = NamedLabel(this, QStringLiteral("lblMap"), QStringLiteral("Map #:"));
+    lblName = NamedLabel(this, QStringLiteral("lblName"), QStringLiteral("Name:"));
+    txtControl = ShownField(this, QStringLiteral("txtControl"));
+    txtMap3 = ShownField(this, QStringLiteral("txtMap3"));
+    txtMap4 = ShownField(this, QStringLiteral("txtMap4"));
+    txtMap5 = ShownField(this, QStringLiteral("txtMap5"));
+    txtName = ShownField(this, QStringLiteral("txtName"));
+    prgBills = new QProgressBar(this);
+    prgBills->setObjectName(QStringLiteral("prgBills"));
+    prgBills->setFormat(QStringLiteral("%v of %m"));
+    cmdCancel = NamedButton(this, QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), false);
+
+    cmdOK = NamedButton(this, QStringLiteral("cmdOK"), QStringLiteral("&OK"));
+    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+
+    auto* fields = new QGridLayout;
+    fields->addWidget(new QLabel(QStringLiteral("Start Bill #:"), this), 0, 0);
+    fields->addWidget(txtBillNo, 0, 1);
+    fields->addWidget(new QLabel(QStringLiteral("# Of Mailers:"), this), 1, 0);
+    fields->addWidget(txtNumberOfMailers, 1, 1);
+    fields->addWidget(lblControl, 2, 0);
+    fields->addWidget(txtControl, 2, 1);
+    fields->addWidget(lblMap, 3, 0);
+    {
+        auto* map = new QHBoxLayout;
+        map->addWidget(txtMap3);
+        map->addWidget(txtMap4);
+        map->addWidget(txtMap5);
+        fields->addLayout(map, 3, 1);
+    }
+    fields->addWidget(lblName, 4, 0);
+    fields->addWidget(txtName, 4, 1);
+    fields->addWidget(prgBills, 5, 0, 1, 2);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdOK);
+    buttons->addWidget(cmdCancel);
+    buttons->addWidget(cmdExit);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(frame);
+    layout->addWidget(chkSamples);
+    layout->addWidget(chkPrintAddr);
+    layout->addWidget(chkPrintHomestead);
+    layout->addWidget(chkPlainPaperCopy);
+    layout->addWidget(order);
+    layout->addLayout(fields);
+    layout->addLayout(buttons);
+
+    setTabOrder(optBillEarly, optBillLate);
+    setTabOrder(optBillLate, chkSamples);
+    setTabOrder(chkSamples, chkPrintAddr);
+    setTabOrder(chkPrintAddr, chkPrintHomestead);
+    setTabOrder(chkPrintHomestead, chkPlainPaperCopy);
+    setTabOrder(chkPlainPaperCopy, optBillNo);
+    setTabOrder(optBillNo, optZipCode);
+    setTabOrder(optZipCode, txtBillNo);
+    setTabOrder(txtBillNo, txtNumberOfMailers);
+    setTabOrder(txtNumberOfMailers, cmdOK);
+
+    // From May on the school bills are the ones to mail.
+    if (Clock::today().month() >= 5)
+        optBillLate->setChecked(true);
+    showProgress(false);
+
+    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] {
+        if (!m_printing)
+            CloseScreen(this);
+    });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { m_cancel = true; });
+}
+
+void frmREPrintTaxBills::closeEvent(QCloseEvent* event) {
+    if (m_printing) {
+        m_cancel = true;
+        event->ignore();
+        return;
+    }
+    QWidget::closeEvent(event);
+}
+
+void frmREPrintTaxBills::showProgress(bool on) {
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{lblControl, lblMap, lblName, txtControl, txtMap3, txtMap4,
+                                         txtMap5, txtName, prgBills, cmdCancel})
+        w->setVisible(on);
+}
+
+bool frmREPrintTaxBills::keepGoing(const QSqlRecord& bill, int printed) {
+    auto field = [&](const char* column) {
+        return TextField(bill.value(QLatin1String(column))).toUpper();
+    };
+    txtControl->setText(field("Control"));
+    txtMap3->setText(field("Map3"));
+    txtMap4->setText(field("Map4"));
+    txtMap5->setText(field("Map5"));
+    txtName->setText(field("Name"));
+    prgBills->setValue(std::min(printed, prgBills->maximum()));
+    // A few times a second the window is redrawn and a press on Cancel is taken.
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (now - m_lastPump >= 100) {
+        m_lastPump = now;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return !m_cancel;
+}
+
+void frmREPrintTaxBills::cmdOK_Click() {
+    if (m_printing)
+        return;
+    QSqlDatabase db = session().DbConnection;
+    // 1. The frame.
+    if (!optBillEarly->isChecked() && !optBillLate->isChecked()) {
+        exclaim(QStringLiteral("Billing Time Frame must be selected."), "Enter Billing Time Frame");
+        return;
+    }
+    // 2. The start bill, padded as bill numbers are.
+    if (!txtBillNo->text().trimmed().isEmpty()) {
+        const QString typed = txtBillNo->text().trimmed();
+        bool numeric = false;
+        const double n = typed.toDouble(&numeric);
+        txtBillNo->setText(numeric ? PadFormat(n, "####0") : typed.rightJustified(5));
+    }
+    // 3. The order.
+    if (!optBillNo->isChecked() && !optZipCode->isChecked()) {
+        exclaim(QStringLiteral("Either Bill # or Zip Code Order Must Be Selected"), "Select Order");
+        optBillNo->setFocus();
+        return;
+    }
+    // 4. How many.
+    const QString mailersText = txtNumberOfMailers->text().trimmed();
+    if (mailersText.isEmpty()) {
+        exclaim(QStringLiteral("Number Of Mailers Must Be Specified"), MailersTitle);
+        txtNumberOfMailers->setFocus();
+        return;
+    }
+    bool numeric = false;
+    const double mailers = mailersText.toDouble(&numeric);
+    if (!numeric) {
+        exclaim(QStringLiteral("Number Of Mailers Must Be Numeric"), MailersTitle);
+        txtNumberOfMailers->setFocus();
+        return;
+    }
+    // 5. The printer.
+    const std::optional<QString> device = AssignedPrinter(db, QString::fromLatin1(LetterPrinter));
+    if (!device) {
+        MsgBox(QStringLiteral("There is currently no Laser size printer assigned."),
+               QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+
+    REBillOffice office;
+    QString error;
+    if (!REBillOffice::read(db, &office, &error)) {
+        MsgBox(error, QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    REBillRun run;
+    run.look.frame = optBillLate->isChecked() ? BillingFrame::Late : BillingFrame::Early;
+    run.look.printAddress = chkPrintAddr->isChecked();
+    run.look.printHomestead = chkPrintHomestead->isChecked();
+    run.look.zipOrder = optZipCode->isChecked();
+    run.samples = chkSamples->isChecked();
+    run.ascending = chkPlainPaperCopy->isChecked();
+    run.startBill = txtBillNo->text();
+    run.mailers = int(std::max(0.0, std::min(mailers, 2.0e9)));
+    run.lateBillingRun = session().LateBillingRun;
+
+    // 6, 7. The sheet, and the progress fields.
+    ReportSurface surface;
+    SetUpBillSurface(surface);
+    PrintJobStream job(QStringLiteral("Real Estate Tax Bills"), surface.format(), *device);
+    // The mailing page's back panel prints on the other side of the sheet.
+    job.setDuplex(run.look.printAddress);
+    job.attach(surface);
+    showProgress(true);
+    {
+        QSqlQuery count(db);
+        int bills = 1;
+        if (count.exec(QStringLiteral("SELECT count(*) FROM TCMaster")) && count.next())
+            bills = count.value(0).toInt();
+        prgBills->setRange(0, std::max(1, std::min(bills, run.mailers)));
+        prgBills->setValue(0);
+    }
+    m_printing = true;
+    m_cancel = false;
+    m_lastPump = 0;
+    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
+        w->setEnabled(false);
+    const REBillRunResult result =
+        RunRETaxBills(db, office, run, surface, [this](const QSqlRecord& bill, int printed) {
+            return keepGoing(bill, printed);
+        });
+    surface.EndDoc();
+    const PrintResult sent = job.finish();
+    m_printing = false;
+    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
+        w->setEnabled(true);
+    showProgress(false);
+
+    using Stop = REBillRunResult::Stop;
+    if (!sent.ok)
+        MsgBox(sent.error, QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
+    switch (result.stop) {
+    case Stop::NoRows:
+        exclaim(QStringLiteral("There are no tax bills for the selected districts and billing "
+                               "time frame. Make sure that you have created the tax billing "
+                               "files for the selected districts."),
+                PerCapitaTitle);
+        return;
+    case Stop::StartNotFound:
+        exclaim(QStringLiteral("Start Bill Number does not exist"), "Enter Start Bill Number");
+        txtBillNo->clear();
+        txtBillNo->setFocus();
+        return;
+    case Stop::NoBodies:
+        exclaim(run.look.frame == BillingFrame::Early
+                    ? QStringLiteral("There are no Early Billing municipalities for this district "
+                                     "and tax year.")
+                    : QStringLiteral("There are no Late Billing municipalities for this district "
+                                     "and tax year."),
+                FormTitle);
+        return;
+    case Stop::IncompleteChain:
+        CheckBillIntegrity(result.bill);
+        CloseScreen(this);
+        return;
+    case Stop::Error:
+        MsgBox(result.error, QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    case Stop::Cancelled:
+        MsgBox(QStringLiteral("Printing Cancelled. %1 Bills Printed.").arg(result.printed),
+               QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+        break;
+    case Stop::Finished:
+        if (!session().LateBillingRun)
+            MsgBox(QStringLiteral("Printing Complete."), QLatin1String(PerCapitaTitle));
+        break;
+    }
+    txtBillNo->clear();
+    txtNumberOfMailers->clear();
+    if (session().LateBillingRun) {
+        CloseScreen(this);
+        return;
+    }
+    txtBillNo->setFocus();
+}
+
+frmREPrintTaxBills* OpenREPrintTaxBillsFor(const QString& billNo, bool printCoupons) {
+    frmREPrintTaxBills* form = nullptr;
+    if (ScreenHost* host = screenHost()) {
+        form = qobject_cast<frmREPrintTaxBills*>(
+            host->openScreen(QStringLiteral("frmREPrintTaxBills")));
+    } else {
+        // No main window (a test): a form already shown on its own.
+        const QList<QWidget*> windows = QApplication::topLevelWidgets();
+        for (QWidget* w : windows)
+            if (auto* open = qobject_cast<frmREPrintTaxBills*>(w); open && open->isVisible())
+                form = open;
+    }
+    if (!form) {
+        form = new frmREPrintTaxBills;
+        if (ScreenHost* host = screenHost())
+            host->showScreen(form, false);
+        else
+            form->show();
+    } else if (ScreenHost* host = screenHost()) {
+        host->showScreen(form, false);
+    }
+    form->txtBillNo->setText(billNo.trimmed());
+    form->txtNumberOfMailers->setText(QStringLiteral("1"));
+    form->chkPrintHomestead->setChecked(printCoupons);
+    form->cmdOK->setFocus();
+    return form;
+}
