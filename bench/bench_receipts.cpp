@@ -12,9 +12,9 @@
 #include "core/clock.h"
 #include "core/session.h"
 #include "core/tax_database.h"
+#include "desk/realestate/re_receipt.h"
 #include "reports/print_capture.h"
 #include "reports/print_output.h"
-#include "reports/re_receipt.h"
 #include "reports/report_surface.h"
 
 #include <QApplication>

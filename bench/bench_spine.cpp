@@ -4,7 +4,7 @@
 //   bench_spine [--parcels N] [--persons N] [--runs N]
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
-#include "core/main_window.h"
+#include "app/main_window.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "demo/demo_database.h"

@@ -11,7 +11,7 @@ packages=(
     # fonts the reports ask for (Arial, Arial Narrow, Courier New)
     fonts-liberation2 fonts-liberation fontconfig
     # tests: read printed output and bar codes back, a local mail server
-    poppler-utils zbar-tools python3-aiosmtpd sqlite3 locales
+    poppler-utils zbar-tools python3-aiosmtpd openssl sqlite3 locales
     # tests: one real print job through CUPS to a PDF queue
     cups printer-driver-cups-pdf
 )

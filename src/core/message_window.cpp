@@ -1,6 +1,6 @@
 #include "core/message_window.h"
 
-#include "core/main_window.h"
+#include "core/screen_host.h"
 
 #include <QLabel>
 #include <QVBoxLayout>
@@ -21,7 +21,7 @@ frmMessage::frmMessage(QWidget* parent)
 }
 
 PleaseWait::PleaseWait(const char* text) {
-    QWidget* owner = mainWindow();
+    QWidget* owner = screenHost() ? screenHost()->hostWindow() : nullptr;
     m_window = new frmMessage(owner);
     m_window->lblMessage->setText(QString::fromLatin1(text));
     m_window->adjustSize();

@@ -85,6 +85,14 @@ public:
             return std::nullopt;
         return path;
     }
+
+    std::optional<QString> folderName(const QString& title, const QString& folder) override {
+        QString path =
+            QFileDialog::getExistingDirectory(QApplication::activeWindow(), title, folder);
+        if (path.isEmpty())
+            return std::nullopt;
+        return path;
+    }
 };
 
 std::unique_ptr<MessageService>& current() {

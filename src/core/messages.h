@@ -23,6 +23,10 @@ public:
                                                 const QString& filter) = 0;
     virtual std::optional<QString> saveFileName(const QString& title, const QString& folder,
                                                 const QString& filter) = 0;
+    // A folder chooser. A scripted service answers it as it answers a file chooser.
+    virtual std::optional<QString> folderName(const QString& title, const QString& folder) {
+        return openFileName(title, folder, QString());
+    }
 };
 
 // The service in force. Until one is installed, the dialog service is used.

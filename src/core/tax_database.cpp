@@ -537,26 +537,44 @@ void overlay(QSqlRecord& bill, const QSqlRecord& history, const QSet<QString>& s
 
 enum class Latest { Found, Missing, Error };
 
-// The history row of the bill with the highest number: the one in force.
+// The history row of the bill with the highest number: the one in force. With rows, every row
+// of the chain in order, the last being the one in force.
 Latest readLatest(QSqlDatabase db, const QString& table, const QString& numberColumn,
-                  const QString& billNo, QSqlRecord* row, QString* error) {
+                  const QString& billNo, QSqlRecord* row, QString* error,
+                  std::vector<QSqlRecord>* rows = nullptr) {
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, %2 DESC LIMIT 1")
-                  .arg(table, numberColumn));
+    q.setForwardOnly(true);
+    if (rows)
+        q.prepare(QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, %2")
+                      .arg(table, numberColumn));
+    else
+        q.prepare(
+            QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, %2 DESC LIMIT 1")
+                .arg(table, numberColumn));
     q.addBindValue(billNo);
     if (!q.exec()) {
         *error = q.lastError().text();
         return Latest::Error;
     }
-    if (!q.next())
+    if (!rows) {
+        if (!q.next())
+            return Latest::Missing;
+        *row = q.record();
+        return Latest::Found;
+    }
+    rows->clear();
+    while (q.next())
+        rows->push_back(q.record());
+    if (rows->empty())
         return Latest::Missing;
-    *row = q.record();
+    *row = rows->back();
     return Latest::Found;
 }
 
 } // namespace
 
-BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& billNo) {
+BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& billNo,
+                           BillHistory* history) {
     const bool re = duplicate == Duplicate::RealEstate;
     const QString master = re ? QStringLiteral("TCMaster") : QStringLiteral("PCMaster");
     const QString adjust = re ? QStringLiteral("TCAdjust") : QStringLiteral("PCAdjust");
@@ -577,6 +595,8 @@ BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& 
     }
     out.bill = q.record();
     q.finish();
+    if (history)
+        *history = BillHistory{out.bill, {}, {}};
 
     // Keys and the master's own flags stay as the master row has them.
     static const QSet<QString> keep{"control", "billno",  "adjflag", "adjno",
@@ -584,8 +604,8 @@ BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& 
 
     QSqlRecord row;
     if (FlagField(out.bill.value("AdjFlag")) == QLatin1String("A")) {
-        const Latest latest =
-            readLatest(db, adjust, QStringLiteral("AdjNo"), billNo, &row, &out.error);
+        const Latest latest = readLatest(db, adjust, QStringLiteral("AdjNo"), billNo, &row,
+                                         &out.error, history ? &history->adjustments : nullptr);
         if (latest != Latest::Found) {
             out.status = latest == Latest::Missing ? BillNow::Status::IncompleteAdjustment
                                                    : BillNow::Status::Error;
@@ -596,8 +616,8 @@ BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& 
         out.adjustmentKind = TextField(row.value("AdjFlag")).trimmed();
     }
     if (FlagField(out.bill.value("CAddrFlag")) == QLatin1String("A")) {
-        const Latest latest =
-            readLatest(db, address, QStringLiteral("AddrID"), billNo, &row, &out.error);
+        const Latest latest = readLatest(db, address, QStringLiteral("AddrID"), billNo, &row,
+                                         &out.error, history ? &history->addresses : nullptr);
         if (latest != Latest::Found) {
             out.status = latest == Latest::Missing ? BillNow::Status::IncompleteAddress
                                                    : BillNow::Status::Error;

@@ -95,8 +95,17 @@ struct BillNow {
     QString text(const char* column) const { return TextField(bill.value(column)); }
 };
 
-// Reads the bill with that (already padded) bill number.
-BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& billNo);
+// Every row of a bill's chains, for a screen that steps through its history: the master as
+// delivered, then the adjustments by AdjNo and the address changes by AddrID.
+struct BillHistory {
+    QSqlRecord master;
+    std::vector<QSqlRecord> adjustments;
+    std::vector<QSqlRecord> addresses;
+};
+
+// Reads the bill with that (already padded) bill number; with a history, its chains whole.
+BillNow ReadBillAsItStands(QSqlDatabase db, Duplicate duplicate, const QString& billNo,
+                           BillHistory* history = nullptr);
 
 // The integrity messages of a half-finished adjustment or address change.
 inline constexpr const char* IntegrityErrorTitle = "Database Integrity Error";

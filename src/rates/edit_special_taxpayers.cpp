@@ -2,8 +2,8 @@
 
 #include "core/common_values.h"
 #include "core/field_leave.h"
-#include "core/main_window.h"
 #include "core/messages.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "rates/millage_common.h"

@@ -1,9 +1,9 @@
 #include "rates/millage_common.h"
 
 #include "core/common_values.h"
-#include "core/main_window.h"
 #include "core/message_window.h"
 #include "core/messages.h"
+#include "core/screen_host.h"
 #include "core/tax_database.h"
 #include "rates/millage_dates.h"
 #include "reports/print_output.h"
@@ -451,7 +451,7 @@ void BillingTimeFrame::clear() {
 }
 
 void ReloadOnActivation(QWidget* screen, std::function<void()> reload) {
-    frmLevyDeskMain* main = mainWindow();
+    ScreenHost* main = screenHost();
     if (!main || !main->mdiArea())
         return;
     // Active until another screen's window becomes the active one; a moment with no active

@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <optional>
+#include <vector>
 
 namespace PrintCapture {
 namespace {
@@ -12,6 +13,7 @@ struct CaptureState {
     std::optional<Recording> last;
     QString lastPdf;
     std::optional<Recording> preview;
+    std::vector<Recording> all; // every job since capture was turned on
 };
 
 CaptureState& state() {
@@ -45,6 +47,7 @@ void clear() {
     s.last.reset();
     s.lastPdf.clear();
     s.preview.reset();
+    s.all.clear();
 }
 
 int jobCount() {
@@ -69,16 +72,45 @@ QStringList lastJobBarcodes() {
     return job ? job->barcodePayloads() : QStringList();
 }
 
-bool lastJobPrinted(const QString& text) {
+namespace {
+
+bool linesHold(const QStringList& lines, const QString& text) {
     QString wanted = text;
     if (wanted.endsWith(QLatin1String("...")))
         wanted.chop(3);
     wanted = collapseBlanks(wanted);
-    const QStringList lines = lastJobLines();
     for (const QString& line : lines)
         if (collapseBlanks(line).contains(wanted))
             return true;
     return false;
+}
+
+} // namespace
+
+bool lastJobPrinted(const QString& text) {
+    return linesHold(lastJobLines(), text);
+}
+
+const Recording* job(int k) {
+    const std::vector<Recording>& all = state().all;
+    return k >= 1 && k <= int(all.size()) ? &all[std::size_t(k - 1)] : nullptr;
+}
+
+bool jobPrinted(int k, const QString& text) {
+    return linesHold(linesOf(job(k)), text);
+}
+
+int lastJobPages() {
+    const Recording* last = lastJob();
+    return last ? int(last->pages.size()) : 0;
+}
+
+bool previewed(const QString& text) {
+    return linesHold(linesOf(lastPreview()), text);
+}
+
+QStringList linesOf(const Recording* recording) {
+    return recording ? recording->textLines() : QStringList();
 }
 
 bool lastJobHasBarcode(const QString& payload) {
@@ -94,6 +126,7 @@ void recordJob(const Recording& job, const QString& pdfPath) {
     ++s.jobs;
     s.last = job;
     s.lastPdf = pdfPath;
+    s.all.push_back(job);
 }
 
 void recordPreview(const Recording& preview) {

@@ -39,6 +39,17 @@ bool lastJobHasBarcode(const QString& payload);
 // The last report drawn for the preview window (kept whether capture is on or not).
 const Recording* lastPreview();
 
+// Every captured job is kept: the K-th since capture was turned on (1 = the first), or nullptr.
+const Recording* job(int k);
+// "expect printed job K": as lastJobPrinted, on the K-th job.
+bool jobPrinted(int k, const QString& text);
+// "expect pages": the pages of the last job (0 when there is none).
+int lastJobPages();
+// "expect previewed": as lastJobPrinted, on the last report shown in the preview window.
+bool previewed(const QString& text);
+// Lines of any recording read as lastJobLines reads the last job.
+QStringList linesOf(const Recording* recording);
+
 // Called by the print output for each job while capture is on, and by the preview.
 void recordJob(const Recording& job, const QString& pdfPath);
 void recordPreview(const Recording& preview);

@@ -7,9 +7,15 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QSqlQuery>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
 
 namespace {
 
@@ -115,5 +121,234 @@ PrintResult SendToPrinter(const Recording& job, const QString& deviceName) {
     PrintResult result;
     result.printerName = info.printerName();
     result.ok = PrintRecording(job, printer, &result.error);
+    return result;
+}
+
+// Writes the pages of one PDF on its own thread, which owns the writer and its painter from
+// beginning to end. The run hands pages over through a short queue and waits only when the
+// writer is that far behind.
+struct PrintJobStream::PdfThread {
+    static constexpr std::size_t MostWaiting = 8;
+
+    QString path;
+    QString title;
+    PageFormat format;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<RecordedPage> waiting;
+    bool closing = false;
+    bool failed = false;
+    QString error;
+    std::thread thread;
+
+    void start() {
+        thread = std::thread([this] { run(); });
+    }
+
+    void add(RecordedPage&& page) {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return waiting.size() < MostWaiting || failed; });
+        if (failed)
+            return;
+        waiting.push_back(std::move(page));
+        changed.notify_all();
+    }
+
+    // Waits for the last page to be written and the file to be closed.
+    bool finish(QString* why) {
+        {
+            std::lock_guard lock(mutex);
+            closing = true;
+        }
+        changed.notify_all();
+        if (thread.joinable())
+            thread.join();
+        if (failed && why)
+            *why = error;
+        return !failed;
+    }
+
+    void run() {
+        QPdfWriter writer(path);
+        writer.setResolution(1440);
+        writer.setTitle(title);
+        writer.setCreator(QStringLiteral("LevyDesk"));
+        writer.setPageLayout(SheetLayout(format));
+        QPainter painter;
+        SheetRenderer renderer;
+        bool begun = false;
+        int written = 0;
+        for (;;) {
+            RecordedPage page;
+            {
+                std::unique_lock lock(mutex);
+                changed.wait(lock, [&] { return !waiting.empty() || closing; });
+                if (waiting.empty())
+                    break;
+                page = std::move(waiting.front());
+                waiting.pop_front();
+                changed.notify_all();
+            }
+            if (!begun) {
+                begun = painter.begin(&writer);
+                if (!begun) {
+                    fail(QStringLiteral("The file %1 cannot be written.").arg(path));
+                    return;
+                }
+            } else if (!writer.newPage()) {
+                fail(QStringLiteral("The file %1 cannot be written.").arg(path));
+                painter.end();
+                return;
+            }
+            renderer.render(painter, page);
+            ++written;
+        }
+        if (begun && !painter.end())
+            fail(QStringLiteral("The file %1 cannot be written.").arg(path));
+    }
+
+    void fail(const QString& why) {
+        std::lock_guard lock(mutex);
+        failed = true;
+        error = why;
+        waiting.clear();
+        changed.notify_all();
+    }
+};
+
+struct PrintJobStream::Device {
+    std::unique_ptr<QPdfWriter> pdf;
+    std::unique_ptr<QPrinter> printer;
+    QPainter painter;
+    SheetRenderer renderer;
+    double scale = 1.0;
+    QString printerName;
+    QString pdfPath;
+
+    QPagedPaintDevice* device() const {
+        return pdf ? static_cast<QPagedPaintDevice*>(pdf.get()) : printer.get();
+    }
+};
+
+PrintJobStream::PrintJobStream(const QString& jobName, const PageFormat& format,
+                               const QString& deviceName)
+    : m_jobName(jobName), m_format(format), m_deviceName(deviceName) {}
+
+PrintJobStream PrintJobStream::toPdfFile(const QString& jobName, const PageFormat& format,
+                                         const QString& path) {
+    PrintJobStream job(jobName, format, QString::fromLatin1(PdfPrinterName));
+    job.m_pdfPath = path;
+    return job;
+}
+
+PrintJobStream::PrintJobStream(PrintJobStream&&) noexcept = default;
+
+PrintJobStream::~PrintJobStream() {
+    if (m_pdfThread)
+        m_pdfThread->finish(nullptr);
+    if (m_device && m_device->painter.isActive())
+        m_device->painter.end();
+}
+
+void PrintJobStream::attach(ReportSurface& surface) {
+    surface.setFormat(m_format);
+    surface.setPageSink([this](RecordedPage&& page) { addPage(std::move(page)); });
+}
+
+bool PrintJobStream::open() {
+    m_device = std::make_unique<Device>();
+    Device& d = *m_device;
+    const bool toFile = !m_pdfPath.isEmpty();
+    QPrinterInfo info;
+    if (!toFile && m_deviceName != QLatin1String(PdfPrinterName)) {
+        info = QPrinterInfo::printerInfo(m_deviceName);
+        if (info.isNull())
+            info = QPrinterInfo::defaultPrinter();
+    }
+    if (toFile || info.isNull()) {
+        d.pdfPath = toFile ? m_pdfPath : NewPrintoutPath(m_jobName);
+        d.printerName = QString::fromLatin1(PdfPrinterName);
+        m_pdfThread = std::make_unique<PdfThread>();
+        m_pdfThread->path = d.pdfPath;
+        m_pdfThread->title = m_jobName;
+        m_pdfThread->format = m_format;
+        m_pdfThread->start();
+        return true;
+    } else {
+        d.printer = std::make_unique<QPrinter>(info, QPrinter::HighResolution);
+        d.printer->setFullPage(true);
+        d.printer->setDocName(m_jobName);
+        d.printer->setDuplex(m_duplex ? QPrinter::DuplexLongSide : QPrinter::DuplexNone);
+        d.printer->setPageLayout(SheetLayout(m_format));
+        d.printerName = info.printerName();
+        d.scale = d.printer->resolution() / 1440.0;
+    }
+    if (!d.painter.begin(d.device())) {
+        m_error = d.pdf ? QStringLiteral("The file %1 cannot be written.").arg(d.pdfPath)
+                        : QStringLiteral("The printer %1 cannot be used.").arg(d.printerName);
+        return false;
+    }
+    return true;
+}
+
+void PrintJobStream::addPage(RecordedPage&& page) {
+    if (m_failed)
+        return;
+    if (PrintCapture::isEnabled() && m_pdfPath.isEmpty()) {
+        if (!m_captured) {
+            m_captured.emplace();
+            m_captured->jobName = m_jobName;
+            m_captured->format = m_format;
+        }
+        m_captured->pages.push_back(std::move(page));
+        ++m_pages;
+        return;
+    }
+    if (!m_device && !open()) {
+        m_failed = true;
+        return;
+    }
+    if (m_pdfThread) {
+        m_pdfThread->add(std::move(page));
+        ++m_pages;
+        return;
+    }
+    Device& d = *m_device;
+    if (m_pages > 0 && !d.device()->newPage()) {
+        m_error = QStringLiteral("The printer %1 stopped.").arg(d.printerName);
+        m_failed = true;
+        return;
+    }
+    d.renderer.render(d.painter, page, d.scale);
+    ++m_pages;
+}
+
+PrintResult PrintJobStream::finish() {
+    PrintResult result;
+    result.printerName = m_deviceName;
+    if (m_captured) {
+        Recording job = std::move(*m_captured);
+        m_captured.reset();
+        return SendToPrinter(job, m_deviceName);
+    }
+    if (m_pdfThread) {
+        QString why;
+        if (!m_pdfThread->finish(&why) && !m_failed) {
+            m_failed = true;
+            m_error = why;
+        }
+        m_pdfThread.reset();
+    }
+    if (m_device) {
+        result.printerName = m_device->printerName;
+        result.pdfPath = m_device->pdfPath;
+        if (m_device->painter.isActive() && !m_device->painter.end() && !m_failed) {
+            m_failed = true;
+            m_error = QStringLiteral("The file %1 cannot be written.").arg(m_device->pdfPath);
+        }
+        m_device.reset();
+    }
+    result.ok = !m_failed;
+    result.error = m_error;
     return result;
 }

@@ -1,6 +1,6 @@
 #include "reports/print_preview.h"
 
-#include "core/main_window.h"
+#include "core/screen_host.h"
 #include "reports/print_capture.h"
 
 #include <QEvent>
@@ -179,7 +179,7 @@ frmPrintPreview* ShowPrintPreview(const Recording& pages, const QString& callerC
                                   QWidget* caller, std::function<void()> print) {
     PrintCapture::recordPreview(pages);
     frmPrintPreview* preview = nullptr;
-    frmLevyDeskMain* main = mainWindow();
+    ScreenHost* main = screenHost();
     if (main)
         preview =
             qobject_cast<frmPrintPreview*>(main->openScreen(QStringLiteral("frmPrintPreview")));

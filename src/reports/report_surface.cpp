@@ -422,10 +422,19 @@ void ReportSurface::DrawTurnedText(double x, double y, double angle, const QStri
     page().items.emplace_back(std::move(t));
 }
 
+void ReportSurface::finishPage() {
+    ++m_finished;
+    if (m_sink && !m_recording.pages.empty()) {
+        m_sink(std::move(m_recording.pages.back()));
+        m_recording.pages.pop_back();
+    }
+}
+
 void ReportSurface::NewPage() {
     // A sheet that was started with nothing on it still comes out blank.
     if (m_pagePending)
         m_recording.pages.emplace_back();
+    finishPage();
     m_pagePending = true;
     ++m_pageNumber;
     CurrentX = 0;
@@ -434,6 +443,8 @@ void ReportSurface::NewPage() {
 
 void ReportSurface::EndDoc() {
     // A page begun and left empty is never sent: NewPage then EndDoc adds no blank sheet.
+    if (!m_pagePending && !m_ended)
+        finishPage();
     m_pagePending = true;
     m_ended = true;
 }
@@ -444,6 +455,7 @@ Recording ReportSurface::takeRecording() {
     m_recording.format = out.format;
     m_pagePending = true;
     m_pageNumber = 1;
+    m_finished = 0;
     m_ended = false;
     return out;
 }
@@ -464,6 +476,27 @@ void PrintJustified(ReportSurface& surface, const QString& text, double width) {
     }
     surface.CurrentX = x;
     surface.CurrentY = startY;
+}
+
+struct SheetRenderer::Fonts {
+    FontCache cache;
+};
+
+SheetRenderer::SheetRenderer() : m_fonts(std::make_unique<Fonts>()) {}
+SheetRenderer::~SheetRenderer() = default;
+
+void SheetRenderer::render(QPainter& painter, const RecordedPage& page, double scale) {
+    painter.save();
+    if (scale != 1.0)
+        painter.scale(scale, scale);
+    painter.translate(PageFormat::HardMargin, PageFormat::HardMargin);
+    renderPage(painter, page, m_fonts->cache);
+    painter.restore();
+}
+
+QPageLayout SheetLayout(const PageFormat& format) {
+    return QPageLayout(QPageSize(pageSizeId(format.paper)), qtOrientation(format.orientation),
+                       QMarginsF(0, 0, 0, 0));
 }
 
 void RenderPage(QPainter& painter, const RecordedPage& page) {

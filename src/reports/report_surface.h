@@ -16,11 +16,13 @@
 #include <QString>
 #include <QStringList>
 #include <QVector>
+#include <functional>
 #include <memory>
 #include <variant>
 #include <vector>
 
 class QPainter;
+class QPageLayout;
 class QPrinter;
 
 enum class PageOrientation { Portrait = 1, Landscape = 2 };
@@ -170,6 +172,14 @@ public:
     const Recording& recording() const { return m_recording; }
     Recording takeRecording();
 
+    // Streaming: each finished page goes to the sink and is not kept, so a run of thousands of
+    // pages holds one page at a time. A page is finished when the next one begins (NewPage) or
+    // at EndDoc. Without a sink every page stays in the recording.
+    using PageSink = std::function<void(RecordedPage&&)>;
+    void setPageSink(PageSink sink) { m_sink = std::move(sink); }
+    // Pages finished so far, handed to the sink or kept.
+    int pagesFinished() const { return m_finished; }
+
 private:
     struct FontEntry {
         PrintFont look;
@@ -188,7 +198,12 @@ private:
     // Records the text at x on the current line; returns its width.
     double drawText(double x, const QString& text);
 
+    // Hands the last page to the sink when there is one.
+    void finishPage();
+
     Recording m_recording;
+    PageSink m_sink;
+    int m_finished = 0;
     int m_pageNumber = 1;
     bool m_pagePending = true; // the current page has nothing drawn on it yet
     bool m_ended = false;
@@ -203,6 +218,21 @@ void PrintJustified(ReportSurface& surface, const QString& text, double width);
 // Replaying a recording.
 // Draws one page with the painter's units being twips of the printable area.
 void RenderPage(QPainter& painter, const RecordedPage& page);
+// Draws sheets one after the other, keeping the fonts it made between them: the page printer
+// of a streamed job. `scale` is the device's dots per twip (1 for a PDF at 1440 dots an inch).
+class SheetRenderer {
+public:
+    SheetRenderer();
+    ~SheetRenderer();
+    void render(QPainter& painter, const RecordedPage& page, double scale = 1.0);
+
+private:
+    struct Fonts;
+    std::unique_ptr<Fonts> m_fonts;
+};
+// The page layout of a format on a PDF writer or printer: the whole sheet, no margins.
+QPageLayout SheetLayout(const PageFormat& format);
+
 // Writes the recording as a PDF at 1440 dots an inch. False with the reason on failure.
 bool WritePdf(const Recording& recording, const QString& path, QString* error = nullptr);
 // Prints the recording on a printer that is set up and named already (one job).

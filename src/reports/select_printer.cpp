@@ -1,8 +1,8 @@
 #include "reports/select_printer.h"
 
-#include "core/main_window.h"
 #include "core/message_window.h"
 #include "core/messages.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "reports/print_output.h"

@@ -2,9 +2,9 @@
 
 #include "core/clock.h"
 #include "core/common_values.h"
-#include "core/main_window.h"
 #include "core/message_window.h"
 #include "core/messages.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "utilities/database_copy.h"
@@ -100,7 +100,7 @@ QString DatabaseCopyFields::copyPath() const {
 bool ReopenSessionDatabase() {
     if (!OpenSessionDatabase(session().DatabasePath))
         return false;
-    if (frmLevyDeskMain* main = mainWindow())
+    if (ScreenHost* main = screenHost())
         main->refreshCaption();
     return true;
 }
@@ -156,7 +156,7 @@ void frmBackupData::backup() {
     }
     fields.lblMessage->setText(QString::fromLatin1(frmMessage::BackingUpData));
     fields.lblMessage->repaint();
-    if (frmLevyDeskMain* main = mainWindow())
+    if (ScreenHost* main = screenHost())
         main->closeScreensExcept({QStringLiteral("frmLevyDeskMain"), QStringLiteral("frmARS"),
                                   QStringLiteral("frmBackupData")});
 
@@ -221,7 +221,7 @@ void frmRestoreData::restore() {
 
     fields.lblMessage->setText(QString::fromLatin1(frmMessage::RestoringData));
     fields.lblMessage->repaint();
-    if (frmLevyDeskMain* main = mainWindow())
+    if (ScreenHost* main = screenHost())
         main->closeScreensExcept({QStringLiteral("frmLevyDeskMain"), QStringLiteral("frmARS"),
                                   QStringLiteral("frmRestoreData")});
     CloseSessionDatabase();

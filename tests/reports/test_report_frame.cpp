@@ -18,7 +18,7 @@
 namespace {
 
 QString expectedPath(const char* name) {
-    return QDir(QFileInfo(QString::fromUtf8(__FILE__)).absolutePath())
+    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
         .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
 }
 

@@ -1,10 +1,13 @@
+#include "core/session.h"
 #include "reports/print_capture.h"
+#include "reports/print_output.h"
 #include "reports/print_preview.h"
 #include "reports/report_surface.h"
 
 #include "reports/print_readback.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLabel>
 #include <QPrinter>
 #include <QPushButton>
@@ -53,6 +56,8 @@ class TestReportSurface : public QObject {
 private Q_SLOTS:
     void printMovesLikeAPrinter();
     void pagesAndEndDoc();
+    void streamedPagesLeaveOneAtATime();
+    void streamedJobs();
     void linesReadAsAPersonReads();
     void pdfPlacesTextInTwips();
     void printerReplayMatchesThePdf();
@@ -138,6 +143,80 @@ void TestReportSurface::pagesAndEndDoc() {
     const Recording r = nothing.takeRecording();
     QCOMPARE(r.pages.size(), std::size_t(1));
     QCOMPARE(nothing.Page(), 1);
+}
+
+void TestReportSurface::streamedPagesLeaveOneAtATime() {
+    // The same drawing as pagesAndEndDoc, each page handed over when the next begins.
+    ReportSurface s;
+    std::vector<RecordedPage> sent;
+    s.setPageSink([&](RecordedPage&& page) { sent.push_back(std::move(page)); });
+    s.Print(QStringLiteral("one"));
+    s.NewPage();
+    QCOMPARE(sent.size(), std::size_t(1));
+    s.NewPage(); // an empty sheet between two drawn ones still comes out
+    s.Print(QStringLiteral("three"));
+    QCOMPARE(s.recording().pages.size(), std::size_t(1)); // only the page being drawn
+    s.NewPage();
+    s.EndDoc(); // no blank fourth sheet
+    QCOMPARE(sent.size(), std::size_t(3));
+    QVERIFY(sent[1].items.empty());
+    QCOMPARE(sent[2].textLines(), QStringList{QStringLiteral("three")});
+    QVERIFY(s.recording().pages.empty());
+    QCOMPARE(s.pagesFinished(), 3);
+}
+
+void TestReportSurface::streamedJobs() {
+    QTemporaryDir dir;
+    const PageFormat format;
+    // Streamed straight into a file.
+    const QString pdf = dir.filePath(QStringLiteral("stream.pdf"));
+    {
+        ReportSurface s;
+        PrintJobStream job = PrintJobStream::toPdfFile(QStringLiteral("Stream"), format, pdf);
+        job.attach(s);
+        for (int i = 1; i <= 3; ++i) {
+            s.Print(QStringLiteral("PAGE %1").arg(i));
+            s.NewPage();
+        }
+        s.EndDoc();
+        const PrintResult result = job.finish();
+        QVERIFY2(result.ok, qPrintable(result.error));
+        QCOMPARE(job.pages(), 3);
+    }
+    if (PrintReadback::haveTool("pdftotext"))
+        QVERIFY(PrintReadback::pdfText(pdf, 3).contains(QLatin1String("PAGE 3")));
+    // Nothing drawn: no job and no file.
+    const QString none = dir.filePath(QStringLiteral("none.pdf"));
+    {
+        ReportSurface s;
+        PrintJobStream job = PrintJobStream::toPdfFile(QStringLiteral("None"), format, none);
+        job.attach(s);
+        s.EndDoc();
+        QVERIFY(job.finish().ok);
+    }
+    QVERIFY(!QFileInfo::exists(none));
+    // Under capture the whole job is kept, as one job.
+    session().DatabasePath = dir.filePath(QStringLiteral("KestLevyDsk2013.sqlite"));
+    PrintCapture::setEnabled(true);
+    {
+        ReportSurface s;
+        PrintJobStream job(QStringLiteral("Captured"), format, QStringLiteral("PDF"));
+        job.attach(s);
+        s.Print(QStringLiteral("FIRST"));
+        s.NewPage();
+        s.Print(QStringLiteral("SECOND"));
+        s.EndDoc();
+        job.finish();
+        ReportSurface empty;
+        PrintJobStream nothing(QStringLiteral("Nothing"), format, QStringLiteral("PDF"));
+        nothing.attach(empty);
+        empty.EndDoc();
+        nothing.finish();
+    }
+    QCOMPARE(PrintCapture::jobCount(), 1);
+    QCOMPARE(PrintCapture::lastJob()->pages.size(), std::size_t(2));
+    QVERIFY(PrintCapture::lastJobPrinted(QStringLiteral("SECOND")));
+    PrintCapture::setEnabled(false);
 }
 
 void TestReportSurface::linesReadAsAPersonReads() {

@@ -2,6 +2,7 @@
 // scripted message service, the widget actions under the offscreen platform, and the whole
 // driver failing where a scenario is wrong.
 
+#include "grid_actions.h"
 #include "scenario_parser.h"
 #include "scripted_messages.h"
 #include "sql_values.h"
@@ -27,6 +28,8 @@
 #include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QStandardItemModel>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QVBoxLayout>
@@ -152,6 +155,10 @@ private Q_SLOTS:
     void typeClearAndKeys();
     void tickChooseClick();
 
+    void gridParsing_data();
+    void gridParsing();
+    void gridActions();
+
     void failingScenarios_data();
     void failingScenarios();
     void severalFiles();
@@ -171,6 +178,7 @@ void TestScenarioDriver::splitLine_data() {
     AddRow("escaped quote and backslash", R"("say \"hi\"" "C:\\dir")",
            QStringList{"say \"hi\"", "C:\\dir"}, "11", true);
     AddRow("line break and tab", R"("a\nb\tc")", QStringList{"a\nb\tc"}, "1", true);
+    AddRow("carriage return", R"("a\r\nb")", QStringList{"a\r\nb"}, "1", true);
     AddRow("other backslash stays", R"("\Distributions\RE")", QStringList{"\\Distributions\\RE"},
            "1", true);
     AddRow("empty quoted", R"(x "")", QStringList{"x", ""}, "01", true);
@@ -224,6 +232,20 @@ void TestScenarioDriver::parseErrors_data() {
     AddRow("call with two results", "call RoundTo 1 2 = 1 2",
            "s.scn:1: expected one result after \"=\"...");
     AddRow("sql without statement", "sql   ", "s.scn:1: expected a statement...");
+    AddRow("expect mail needs a subject", "expect mail support@ars.example.org",
+           "s.scn:1: expected 2 to 3 operands after expect mail...");
+    AddRow("printed job without its number", "expect printed job \"X\"",
+           "s.scn:1: expected expect printed \"TEXT\" or expect printed job K \"TEXT\"...");
+    AddRow("printed with a quoted job", "expect printed \"job\" 1 \"X\"",
+           "s.scn:1: expected expect printed \"TEXT\" or expect printed job K...");
+    AddRow("printed job zero", "expect printed job 0 \"X\"",
+           "s.scn:1: expected a job number 1 or more but saw \"0\"");
+    AddRow("jobs not a number", "expect jobs many",
+           "s.scn:1: expected a number of jobs but saw \"many\"");
+    AddRow("pages below zero", "expect pages -1",
+           "s.scn:1: expected a number of pages but saw \"-1\"");
+    AddRow("previewed without text", "expect previewed",
+           "s.scn:1: expected 1 operand after expect previewed but saw 0 operands");
     AddRow("unclosed quote", "expect message \"Backup",
            "s.scn:1: expected a closing quote but saw the end of the line");
 }
@@ -623,6 +645,95 @@ void TestScenarioDriver::tickChooseClick() {
     QVERIFY(!SetTicked(form.optB, false, &why));
     QVERIFY(!ChooseEntry(form.frame, "Date Order", &why));
     QVERIFY2(why.contains("\"Receipt Number\", \"Bill Number\""), qPrintable(why));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Grids and lists
+
+void TestScenarioDriver::gridParsing_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("error"); // empty: parses
+
+    AddRow("select", "select dtgMasterList 3", QString());
+    AddRow("select row 0", "select dtgMasterList 0",
+           "s.scn:1: expected a row number of 1 or more but saw \"0\"");
+    AddRow("select without row", "select dtgMasterList",
+           "s.scn:1: expected 2 operands after select but saw 1 operand");
+    AddRow("select a word", "select dtgMasterList first",
+           "s.scn:1: expected a row number of 1 or more but saw \"first\"");
+    AddRow("doubleclick", "doubleclick dtgMasterList", QString());
+    AddRow("doubleclick two", "doubleclick a b",
+           "s.scn:1: expected 1 operand after doubleclick but saw 2 operands");
+    AddRow("expect rows 0", "expect rows dtgMasterList 0", QString());
+    AddRow("expect rows negative", "expect rows dtgMasterList -1",
+           "s.scn:1: expected a whole number of rows but saw \"-1\"");
+    AddRow("expect cell", R"(expect cell dtgMasterList "Bill #" "    1")", QString());
+    AddRow("expect cell without text", R"(expect cell dtgMasterList "Bill #")",
+           "s.scn:1: expected 3 operands after expect cell but saw 2 operands");
+}
+
+void TestScenarioDriver::gridParsing() {
+    QFETCH(QString, text);
+    QFETCH(QString, error);
+    QList<ScenarioCommand> commands;
+    QString why;
+    const bool ok = ParseScenarioText(text, "s.scn", &commands, &why);
+    if (error.isEmpty()) {
+        QVERIFY2(ok, qPrintable(why));
+        QCOMPARE(commands.size(), 1);
+    } else {
+        QVERIFY(!ok);
+        QCOMPARE(why, error);
+    }
+}
+
+void TestScenarioDriver::gridActions() {
+    Form form;
+    QStandardItemModel model(0, 2);
+    model.setHorizontalHeaderLabels({"Bill #", "&Name"});
+    for (int r = 0; r < 60; ++r)
+        model.appendRow({new QStandardItem(QString::number(r + 1).rightJustified(5)),
+                         new QStandardItem(QStringLiteral("OWNER %1").arg(r + 1))});
+    auto* grid = new QTableView;
+    grid->setObjectName("dtgList");
+    grid->setModel(&model);
+    grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+    grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    form.screen->layout()->addWidget(grid);
+    QVERIFY(QTest::qWaitForWindowExposed(&form.window));
+    QString why;
+
+    QCOMPARE(RowCount(grid, &why), std::optional<int>(60));
+    QVERIFY(!RowCount(form.button, &why));
+    QVERIFY2(why.contains("no grid or list"), qPrintable(why));
+
+    // No current row yet: nothing to read or double-click.
+    QVERIFY(!CurrentCellText(grid, "Bill #", &why));
+    QVERIFY2(why.contains("no current row"), qPrintable(why));
+    QVERIFY(!DoubleClickWidget(grid, &why));
+
+    // A row far down is scrolled to and clicked; the cell is read by caption, & ignored.
+    QVERIFY2(SelectRow(grid, 55, &why), qPrintable(why));
+    QCOMPARE(grid->currentIndex().row(), 54);
+    QCOMPARE(CurrentCellText(grid, "Name", &why), std::optional<QString>("OWNER 55"));
+    QCOMPARE(CurrentCellText(grid, "Bill #", &why), std::optional<QString>("   55"));
+    QVERIFY(!CurrentCellText(grid, "Owner", &why));
+    QVERIFY2(why.contains(R"(columns "Bill #", "Name")"), qPrintable(why));
+    QVERIFY(!SelectRow(grid, 61, &why));
+    QVERIFY2(why.contains("holding 60 rows"), qPrintable(why));
+    QVERIFY(!SelectRow(grid, 0, &why));
+
+    // A double click reaches the view as one.
+    QSignalSpy doubled(grid, &QAbstractItemView::doubleClicked);
+    QVERIFY2(DoubleClickWidget(grid, &why), qPrintable(why));
+    QCOMPARE(doubled.count(), 1);
+    QCOMPARE(doubled.first().first().value<QModelIndex>().row(), 54);
+    QCOMPARE(grid->currentIndex().row(), 54);
+
+    // A disabled grid takes no click.
+    grid->setEnabled(false);
+    QVERIFY(!SelectRow(grid, 1, &why));
+    QVERIFY2(why.contains("disabled"), qPrintable(why));
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -5,7 +5,7 @@
 
 #include "scenario_runner.h"
 
-#include "core/main_window.h"
+#include "app/main_window.h"
 
 #include <QApplication>
 #include <QStringList>

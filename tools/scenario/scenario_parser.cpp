@@ -22,21 +22,51 @@ struct Shape {
 // Operand counts of the plain commands; the others are checked by hand below.
 const QHash<QString, Shape>& shapes() {
     static const QHash<QString, Shape> table = {
-        {"include", {1, 1}},        {"write", {2, 2}},
-        {"today", {1, 1}},          {"start", {0, 0}},
-        {"exit", {0, 0}},           {"menu", {1, 1}},
-        {"type", {2, 2}},           {"clear", {1, 1}},
-        {"leave", {1, 1}},          {"click", {1, 1}},
-        {"tick", {1, 1}},           {"untick", {1, 1}},
-        {"choose", {2, 2}},         {"answer", {1, 2}},
-        {"expect message", {2, 2}}, {"expect text", {2, 2}},
-        {"expect checked", {1, 1}}, {"expect unchecked", {1, 1}},
-        {"expect enabled", {1, 1}}, {"expect disabled", {1, 1}},
-        {"expect visible", {1, 1}}, {"expect hidden", {1, 1}},
-        {"expect open", {1, 1}},    {"expect closed", {1, 1}},
-        {"expect title", {2, 2}},   {"expect sql", {1, -1}},
-        {"expect printed", {1, 1}}, {"expect barcode", {1, 1}},
+        {"include", {1, 1}},
+        {"write", {2, 2}},
+        {"today", {1, 1}},
+        {"start", {0, 0}},
+        {"exit", {0, 0}},
+        {"menu", {1, 1}},
+        {"type", {2, 2}},
+        {"clear", {1, 1}},
+        {"leave", {1, 1}},
+        {"click", {1, 1}},
+        {"tick", {1, 1}},
+        {"untick", {1, 1}},
+        {"choose", {2, 2}},
+        {"answer", {1, 2}},
+        {"expect message", {2, 2}},
+        {"expect text", {2, 2}},
+        {"expect checked", {1, 1}},
+        {"expect unchecked", {1, 1}},
+        {"expect enabled", {1, 1}},
+        {"expect disabled", {1, 1}},
+        {"expect visible", {1, 1}},
+        {"expect hidden", {1, 1}},
+        {"expect open", {1, 1}},
+        {"expect closed", {1, 1}},
+        {"expect title", {2, 2}},
+        {"expect sql", {1, -1}},
+        {"expect printed", {1, 3}},
+        {"expect barcode", {1, 1}},
         {"expect file", {1, 2}},
+        {"expect mail", {2, 3}},
+        {"expect jobs", {1, 1}},
+        {"expect pages", {1, 1}},
+        {"expect previewed", {1, 1}},
+    };
+    return table;
+}
+
+// The grid commands: select WIDGET N, doubleclick WIDGET, expect rows WIDGET N, expect cell
+// WIDGET "COLUMN" "TEXT".
+const QHash<QString, Shape>& gridShapes() {
+    static const QHash<QString, Shape> table = {
+        {"select", {2, 2}},
+        {"doubleclick", {1, 1}},
+        {"expect rows", {2, 2}},
+        {"expect cell", {3, 3}},
     };
     return table;
 }
@@ -112,7 +142,54 @@ struct Parser {
         return true;
     }
 
+    // The print job commands: a count of jobs or pages is a whole number, and expect printed
+    // takes either TEXT or job K TEXT.
+    bool checkPrintCounts(const ScenarioCommand& c) {
+        auto whole = [](const QString& text, int least) {
+            bool ok = false;
+            const int n = text.toInt(&ok);
+            return ok && n >= least && !text.startsWith(u'+');
+        };
+        if (c.verb == u"expect printed") {
+            if (c.args.size() == 1)
+                return true;
+            if (c.args.size() != 3 || c.quoted.at(0) || c.args.at(0) != u"job")
+                return fail(c.file, c.line,
+                            "expect printed \"TEXT\" or expect printed job K \"TEXT\"",
+                            QStringLiteral("%1 operands").arg(c.args.size()));
+            if (!whole(c.args.at(1), 1))
+                return fail(c.file, c.line, "a job number 1 or more", QuoteForReport(c.args.at(1)));
+            return true;
+        }
+        if (!whole(c.args.first(), 0))
+            return fail(c.file, c.line,
+                        c.verb == u"expect jobs" ? "a number of jobs" : "a number of pages",
+                        QuoteForReport(c.args.first()));
+        return true;
+    }
+
+    bool checkGrid(const ScenarioCommand& c, const Shape& shape) {
+        const int n = int(c.args.size());
+        if (n < shape.min || n > shape.max)
+            return fail(c.file, c.line,
+                        QStringLiteral("%1 after %2").arg(operandCount(shape.min), c.verb),
+                        operandCount(n));
+        if (c.verb == u"select" || c.verb == u"expect rows") {
+            const bool rowNumber = c.verb == u"select";
+            bool ok = false;
+            const qlonglong value = c.args.at(1).toLongLong(&ok);
+            if (!ok || value < (rowNumber ? 1 : 0) || value > 0x7fffffffLL)
+                return fail(c.file, c.line,
+                            rowNumber ? QStringLiteral("a row number of 1 or more")
+                                      : QStringLiteral("a whole number of rows"),
+                            QuoteForReport(c.args.at(1)));
+        }
+        return true;
+    }
+
     bool check(const ScenarioCommand& c) {
+        if (const auto grid = gridShapes().constFind(c.verb); grid != gridShapes().constEnd())
+            return checkGrid(c, *grid);
         if (c.verb == u"database")
             return checkDatabase(c);
         if (c.verb == u"call")
@@ -127,7 +204,8 @@ struct Parser {
             if (c.verb.startsWith(u"expect"))
                 return fail(c.file, c.line,
                             "expect message, text, checked, unchecked, enabled, disabled, visible, "
-                            "hidden, open, closed, title, sql, printed, barcode or file",
+                            "hidden, open, closed, title, sql, printed, barcode, file, jobs, "
+                            "pages, previewed or mail",
                             QuoteForReport(c.verb));
             return fail(c.file, c.line, "a command", QuoteForReport(c.verb));
         }
@@ -140,6 +218,8 @@ struct Parser {
             return fail(c.file, c.line, QStringLiteral("%1 after %2").arg(wanted, c.verb),
                         operandCount(n));
         }
+        if (c.verb == u"expect printed" || c.verb == u"expect jobs" || c.verb == u"expect pages")
+            return checkPrintCounts(c);
         if (c.verb == u"today") {
             if (!QDate::fromString(c.args.first(), QStringLiteral("MM/dd/yyyy")).isValid())
                 return fail(c.file, c.line, "a date MM/DD/YYYY", QuoteForReport(c.args.first()));
@@ -261,6 +341,8 @@ bool SplitScenarioLine(const QString& line, QStringList* tokens, QList<bool>* qu
                         token += u'\n';
                     else if (next == u't')
                         token += u'\t';
+                    else if (next == u'r')
+                        token += u'\r';
                     else
                         token += QStringView(line).mid(i, 2);
                     i += 2;

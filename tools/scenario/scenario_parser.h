@@ -20,8 +20,9 @@ struct ScenarioCommand {
     QString where() const { return QStringLiteral("%1:%2").arg(file).arg(line); }
 };
 
-// Splits a line into operands. A quoted operand takes \" for a quote, \\ for a backslash, \n
-// for a line break and \t for a tab; any other backslash stays as written. False, with the
+// Splits a line into operands. A quoted operand takes \" for a quote, \\ for a backslash, \r
+// for a carriage return, \n for a line break and \t for a tab; any other backslash stays as
+// written. False, with the
 // reason, for an unclosed quote or a quote glued to other text.
 bool SplitScenarioLine(const QString& line, QStringList* tokens, QList<bool>* quoted,
                        QString* error);

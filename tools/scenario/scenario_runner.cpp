@@ -2,12 +2,13 @@
 
 #include "reports/print_capture.h"
 
+#include "grid_actions.h"
 #include "scripted_messages.h"
 #include "sql_values.h"
 #include "widget_actions.h"
 
+#include "app/main_window.h"
 #include "core/clock.h"
-#include "core/main_window.h"
 #include "core/messages.h"
 #include "core/session.h"
 #include "core/tax_database.h"
@@ -141,8 +142,10 @@ ScenarioRun::ScenarioRun(const QString& file, RunFolder& runFolder, const RunOpt
 ScenarioRun::~ScenarioRun() = default;
 
 bool ScenarioRun::run() {
-    // Print jobs are kept for the expectations instead of going to a printer.
+    // Print jobs are kept for the expectations instead of going to a printer; each scenario
+    // counts its own jobs and previews.
     PrintCapture::setEnabled(true);
+    PrintCapture::clear();
     QString error;
     if (!ParseScenarioFile(m_file, &m_commands, &error)) {
         m_failure = error;
@@ -170,6 +173,9 @@ bool ScenarioRun::run() {
     auto service = std::make_unique<ScriptedMessageService>(std::move(host));
     m_messages = service.get();
     std::unique_ptr<MessageService> previous = installMessageService(std::move(service));
+    // Mail is captured for the expectations, never sent.
+    MailHook previousMailHook =
+        InstallMailHook([this](const MailMessage& mail) { captureMail(mail); });
 
     QEventLoop loop;
     m_loop = &loop;
@@ -194,6 +200,7 @@ bool ScenarioRun::run() {
     cleanUp();
     m_messages = nullptr;
     installMessageService(std::move(previous));
+    InstallMailHook(std::move(previousMailHook));
     return !failed();
 }
 
@@ -270,6 +277,7 @@ void ScenarioRun::beginClosing() {
                  QStringLiteral("none"));
         }
     }
+    checkMailsExpected();
     m_closing = true;
     m_messages->setClosingDown(true);
     session().ShowBackupPrompt = false;
@@ -575,12 +583,13 @@ void ScenarioRun::execute(const ScenarioCommand& c) {
         doExpectTitle(c);
     else if (v == u"expect sql")
         doExpectSql(c);
-    else if (v == u"expect printed") {
-        if (!PrintCapture::lastJobPrinted(c.args.first()))
-            fail(c.where(), QStringLiteral("printed %1").arg(QuoteForReport(c.args.first())),
-                 PrintCapture::jobCount() == 0
-                     ? QStringLiteral("no print job")
-                     : QStringLiteral("these lines:\n") + PrintCapture::lastJobLines().join(u'\n'));
+    else if (v == u"expect printed")
+        doExpectPrinted(c);
+    else if (v == u"expect jobs" || v == u"expect pages")
+        doExpectPrintCounts(c);
+    else if (v == u"expect previewed")
+        doExpectPreviewed(c);
+    else if (v == u"expect barcode") {
     } else if (v == u"expect barcode") {
         if (!PrintCapture::lastJobHasBarcode(c.args.first()))
             fail(c.where(), QStringLiteral("bar code %1").arg(QuoteForReport(c.args.first())),
@@ -590,8 +599,12 @@ void ScenarioRun::execute(const ScenarioCommand& c) {
                            PrintCapture::lastJobBarcodes().join(QStringLiteral(", ")));
     } else if (v == u"expect file")
         doExpectFile(c);
+    else if (v == u"expect mail")
+        doExpectMail(c);
     else if (v == u"call")
         doCall(c);
+    else if (isGridCommand(v))
+        doGridCommand(c);
     else
         fail(c.where(), QStringLiteral("a command"), QuoteForReport(v));
 }
@@ -868,4 +881,144 @@ void ScenarioRun::doCall(const ScenarioCommand& c) {
         fail(c.where(), what, QStringLiteral("no result (an unknown function or bad arguments)"));
     else if (!TextMatches(expected, *result))
         fail(c.where(), what, QuoteForReport(*result));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Mail
+
+namespace {
+
+QString describeMail(const MailMessage& mail) {
+    return QStringLiteral("the mail to %1 %2 with attachment %3")
+        .arg(QuoteForReport(mail.to), QuoteForReport(mail.subject),
+             QuoteForReport(mail.attachmentName));
+}
+
+} // namespace
+
+void ScenarioRun::captureMail(const MailMessage& mail) {
+    m_mails.append({mail, where()});
+}
+
+void ScenarioRun::doExpectMail(const ScenarioCommand& c) {
+    const QString& to = c.args.at(0);
+    const QString& subject = c.args.at(1);
+    QString expected =
+        QStringLiteral("mail to %1 %2").arg(QuoteForReport(to), QuoteForReport(subject));
+    if (c.args.size() > 2)
+        expected += QStringLiteral(" with attachment %1").arg(QuoteForReport(c.args.at(2)));
+    if (m_mails.isEmpty()) {
+        fail(c.where(), expected, QStringLiteral("no mail"));
+        return;
+    }
+    const SentMail sent = m_mails.takeFirst();
+    const bool same = TextMatches(to, sent.mail.to) && TextMatches(subject, sent.mail.subject) &&
+                      (c.args.size() < 3 || TextMatches(c.args.at(2), sent.mail.attachmentName));
+    if (!same)
+        fail(c.where(), expected,
+             QStringLiteral("%1 (sent at %2)").arg(describeMail(sent.mail), sent.where));
+}
+
+void ScenarioRun::checkMailsExpected() {
+    if (failed() || m_mails.isEmpty())
+        return;
+    const SentMail& sent = m_mails.first();
+    fail(sent.where, QStringLiteral("an expect mail for every mail"),
+         QStringLiteral("%1 not expected").arg(describeMail(sent.mail)));
+}
+
+// Print jobs and previews
+
+void ScenarioRun::doExpectPrinted(const ScenarioCommand& c) {
+    const bool numbered = c.args.size() == 3;
+    const QString& text = c.args.last();
+    if (!numbered) {
+        if (!PrintCapture::lastJobPrinted(text))
+            fail(c.where(), QStringLiteral("printed %1").arg(QuoteForReport(text)),
+                 PrintCapture::jobCount() == 0
+                     ? QStringLiteral("no print job")
+                     : QStringLiteral("these lines:\n") + PrintCapture::lastJobLines().join(u'\n'));
+        return;
+    }
+    const int k = c.args.at(1).toInt();
+    if (PrintCapture::jobPrinted(k, text))
+        return;
+    const Recording* job = PrintCapture::job(k);
+    fail(c.where(), QStringLiteral("job %1 printed %2").arg(k).arg(QuoteForReport(text)),
+         job ? QStringLiteral("these lines:\n") + PrintCapture::linesOf(job).join(u'\n')
+             : QStringLiteral("%1 print jobs").arg(PrintCapture::jobCount()));
+}
+
+void ScenarioRun::doExpectPrintCounts(const ScenarioCommand& c) {
+    const int wanted = c.args.first().toInt();
+    if (c.verb == u"expect jobs") {
+        const int seen = PrintCapture::jobCount();
+        if (seen != wanted)
+            fail(c.where(), QStringLiteral("%1 print jobs").arg(wanted),
+                 QStringLiteral("%1").arg(seen));
+        return;
+    }
+    if (PrintCapture::jobCount() == 0) {
+        fail(c.where(), QStringLiteral("%1 pages").arg(wanted), QStringLiteral("no print job"));
+        return;
+    }
+    const int seen = PrintCapture::lastJobPages();
+    if (seen != wanted)
+        fail(c.where(), QStringLiteral("%1 pages in the last print job").arg(wanted),
+             QStringLiteral("%1").arg(seen));
+}
+
+void ScenarioRun::doExpectPreviewed(const ScenarioCommand& c) {
+    const QString& text = c.args.first();
+    if (PrintCapture::previewed(text))
+        return;
+    const Recording* preview = PrintCapture::lastPreview();
+    fail(c.where(), QStringLiteral("previewed %1").arg(QuoteForReport(text)),
+         preview ? QStringLiteral("these lines:\n") + PrintCapture::linesOf(preview).join(u'\n')
+                 : QStringLiteral("no preview"));
+}
+
+// Grids and lists
+
+bool ScenarioRun::isGridCommand(const QString& verb) const {
+    return verb == u"select" || verb == u"doubleclick" || verb == u"expect rows" ||
+           verb == u"expect cell";
+}
+
+void ScenarioRun::doGridCommand(const ScenarioCommand& c) {
+    if (!needProgram(c))
+        return;
+    const QString& name = c.args.first();
+    QWidget* widget = resolveWidget(c, name);
+    if (!widget)
+        return;
+    const QString& v = c.verb;
+    QString why;
+    if (v == u"select") {
+        const int n = c.args.at(1).toInt();
+        if (!SelectRow(widget, n, &why))
+            fail(c.where(), QStringLiteral("to select row %1 of %2").arg(n).arg(name), why);
+    } else if (v == u"doubleclick") {
+        if (!DoubleClickWidget(widget, &why))
+            fail(c.where(), QStringLiteral("to double-click %1").arg(name), why);
+    } else if (v == u"expect rows") {
+        const int wanted = c.args.at(1).toInt();
+        const std::optional<int> rows = RowCount(widget, &why);
+        const QString what =
+            QStringLiteral("%1 holding %2 row%3").arg(name).arg(wanted).arg(wanted == 1 ? "" : "s");
+        if (!rows)
+            fail(c.where(), what, why);
+        else if (*rows != wanted)
+            fail(c.where(), what, QStringLiteral("%1 row%2").arg(*rows).arg(*rows == 1 ? "" : "s"));
+    } else {
+        const QString& column = c.args.at(1);
+        const QString& expected = c.args.at(2);
+        const QString what = QStringLiteral("the current row of %1 to show %2 in column %3")
+                                 .arg(name, QuoteForReport(expected), QuoteForReport(column));
+        const std::optional<QString> text = CurrentCellText(widget, column, &why);
+        if (!text)
+            fail(c.where(), what, why);
+        else if (!TextMatches(expected, *text))
+            fail(c.where(), what, QuoteForReport(*text));
+    }
 }

@@ -4,6 +4,8 @@
 
 #include "scenario_parser.h"
 
+#include "core/mail.h"
+
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -102,6 +104,24 @@ private:
     void doExpectSql(const ScenarioCommand& c);
     void doExpectFile(const ScenarioCommand& c);
     void doCall(const ScenarioCommand& c);
+    // expect printed (also job K), expect jobs, expect pages, expect previewed.
+    void doExpectPrinted(const ScenarioCommand& c);
+    void doExpectPrintCounts(const ScenarioCommand& c);
+    void doExpectPreviewed(const ScenarioCommand& c);
+
+    // expect mail: every mail the program sent is captured here, oldest first, with the line
+    // it was sent at; an expect mail takes the oldest, and one left at the end fails the run.
+    struct SentMail {
+        MailMessage mail;
+        QString where;
+    };
+    void captureMail(const MailMessage& mail);
+    void doExpectMail(const ScenarioCommand& c);
+    void checkMailsExpected();
+    QList<SentMail> m_mails;
+    // select, doubleclick, expect rows, expect cell.
+    bool isGridCommand(const QString& verb) const;
+    void doGridCommand(const ScenarioCommand& c);
 
     QString m_file;
     RunFolder& m_runFolder;

@@ -3,15 +3,17 @@
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
-#include "core/main_window.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
+#include "core/screen_host.h"
 #include "core/session.h"
+#include "desk/realestate/query_handover.h"
+#include "desk/realestate/query_tc.h"
+#include "desk/realestate/re_receipt.h"
 #include "desk/realestate/receipt_writes.h"
 #include "desk/realestate/refund.h"
 #include "reports/print_output.h"
 #include "reports/print_screen.h"
-#include "reports/re_receipt.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -385,8 +387,6 @@ void frmREReceivePayment::buildScreen() {
     // These act without validating the field being left.
     for (QPushButton* b : {cmdClearScreen, cmdQuery, cmdExit})
         b->setFocusPolicy(Qt::NoFocus);
-    // The query screen joins later.
-    cmdQuery->setEnabled(false);
     connect(cmdPrintScreen, &QPushButton::clicked, this,
             [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
 
@@ -462,6 +462,10 @@ void frmREReceivePayment::buildScreen() {
     connect(cmdPrevPayor, &QPushButton::clicked, this, [this] { previousPayor(); });
     connect(cmdPrevComments, &QPushButton::clicked, this, [this] { previousCheck(); });
     connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(cmdQuery, &QPushButton::clicked, this, [] {
+        ShowScreenNamed(QStringLiteral("frmREQueryTC"),
+                        [] { return static_cast<QWidget*>(new frmREQueryTC); });
+    });
 }
 
 void frmREReceivePayment::loadRates() {
@@ -615,6 +619,17 @@ void frmREReceivePayment::enterBillNo(const QString& billNo) {
     m_inLeave = true;
     billNoLeft();
     m_inLeave = false;
+}
+
+void frmREReceivePayment::openFromQuery(const QString& billNo) {
+    clearScreen();
+    txtBillNo->setEnabled(true);
+    txtBillNo->setText(billNo);
+    m_inLeave = true;
+    billNoLeft();
+    m_inLeave = false;
+    // The number stays locked: the screen works on the bill the query gave.
+    txtBillNo->setEnabled(false);
 }
 
 void frmREReceivePayment::billNoLeft() {
@@ -1155,7 +1170,7 @@ void frmREReceivePayment::openRefund() {
                     txtCity->text(),    cboState->currentText(), txtZipCode->text(),
                     txtZipCode2->text()};
     auto* refund = new frmRERefund(source);
-    if (frmLevyDeskMain* main = mainWindow()) {
+    if (ScreenHost* main = screenHost()) {
         main->showScreen(refund, true);
     } else {
         refund->exec();

@@ -32,6 +32,9 @@ public:
 
     // Puts a bill number in and runs the field's leave action, as the scan and query screens do.
     void enterBillNo(const QString& billNo);
+    // A query screen hands a bill over: the screen is cleared and the bill loaded at once; the
+    // bill number stays locked while the query's flag is raised.
+    void openFromQuery(const QString& billNo);
 
     // The bill number and date.
     QLineEdit* txtBillNo = nullptr;

@@ -1,9 +1,9 @@
 #include "desk/realestate/refund.h"
 
 #include "core/clock.h"
-#include "core/main_window.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "desk/realestate/receipt_writes.h"
 

@@ -3,9 +3,9 @@
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
-#include "core/main_window.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "desk/realestate/payment_rules.h"
@@ -260,6 +260,11 @@ void frmREVoidReceipt::enterRecnum(const QString& recnum) {
     m_inLeave = true;
     recnumLeft();
     m_inLeave = false;
+}
+
+void frmREVoidReceipt::openFromQuery(const QString& recnum) {
+    clearScreen();
+    enterRecnum(recnum);
 }
 
 bool frmREVoidReceipt::recnumLeft() {
