@@ -35,6 +35,7 @@ const DistributionTables& RealEstateTables() {
         QStringLiteral("TCVoidReceipt"),
         QStringLiteral("TCDistribution"),
         QStringLiteral("TCVoidDistribution"),
+        QStringLiteral("TCRefund"),
         true,
         {county({"County", "Library", "C1Face"}), twp({"Twp", "S1Face", "S2Face", "S3Face"}),
          school(
@@ -50,6 +51,7 @@ const DistributionTables& PerCapitaTables() {
         QStringLiteral("PCVoidReceipt"),
         QStringLiteral("PCDistribution"),
         QStringLiteral("PCVoidDistribution"),
+        QStringLiteral("PCRefund"),
         false,
         {county({"CPerCapita", "COccupation"}), twp({"TPerCapita", "TOccupation"}),
          school({"SPerCapita", "SOccupation"}, {"SPayFlag"}, {})}};

@@ -31,6 +31,7 @@ struct DistributionTables {
     QString voidReceipts;
     QString distribution;
     QString voidDistribution;
+    QString refunds; // the refunds owed back, distributed in a sequence of their own
     bool hasMap = false;
     std::vector<DistributionBody> bodies; // County, Twp, School
 
