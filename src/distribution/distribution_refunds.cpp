@@ -6,6 +6,7 @@
 #include "distribution/distribution_numbers.h"
 
 #include <QSqlQuery>
+#include <optional>
 
 namespace {
 
@@ -23,11 +24,14 @@ QString numberText(const QString& text, QStringView pattern) {
     return ok ? FormatNumber(value, pattern) : text.trimmed();
 }
 
-QString maxKey(QSqlDatabase db, const DistributionTables& tables, const QString& except) {
+// The highest key of the refund table; with `except`, the highest other than that one.
+QString maxKey(QSqlDatabase db, const DistributionTables& tables,
+               const std::optional<QString>& except = std::nullopt) {
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT max(DisbNum) AS MaxDisbNum FROM %1 WHERE DisbNum <> ?")
-                  .arg(tables.refunds));
-    q.addBindValue(except);
+    q.prepare(QStringLiteral("SELECT max(DisbNum) AS MaxDisbNum FROM %1%2")
+                  .arg(tables.refunds, except ? QStringLiteral(" WHERE DisbNum <> ?") : QString()));
+    if (except)
+        q.addBindValue(*except);
     return q.exec() && q.next() ? TextField(q.value(0)) : QString();
 }
 
@@ -41,7 +45,7 @@ QString NextRefundDistributionKey(QSqlDatabase db, const DistributionTables& tab
                                   const QString& taxYear) {
     // The maximum over every row, "00" ones included.
     bool numeric = false;
-    const qlonglong highest = maxKey(db, tables, QString()).trimmed().toLongLong(&numeric);
+    const qlonglong highest = maxKey(db, tables).trimmed().toLongLong(&numeric);
     if (!numeric)
         return taxYear + QStringLiteral("01");
     return QString::number(highest + 1);
