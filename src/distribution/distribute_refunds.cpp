@@ -9,6 +9,7 @@
 #include "distribution/distribution_file.h"
 #include "distribution/distribution_numbers.h"
 #include "distribution/distribution_refunds.h"
+#include "distribution/screen_parts.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -58,9 +59,6 @@ DistributeRefundsScreen::DistributeRefundsScreen(const DistributionTables& table
 void DistributeRefundsScreen::buildScreen() {
     txtDisbNum = ShownField(this, QStringLiteral("txtDisbNum"), 2);
     txtControl = ShownField(this, QStringLiteral("txtControl"), 6);
-    txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
-    txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
-    txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
     txtBillNo = ShownField(this, QStringLiteral("txtBillNo"), 5);
     txtAdjNo = ShownField(this, QStringLiteral("txtAdjNo"), 2);
     txtRecnum = ShownField(this, QStringLiteral("txtRecnum"), 12);
@@ -78,11 +76,7 @@ void DistributeRefundsScreen::buildScreen() {
                                       QStringLiteral("&Distribute Refunds"));
     cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
 
-    auto* map = new QHBoxLayout;
-    for (QLineEdit* part : {txtMap3, txtMap4, txtMap5}) {
-        map->addWidget(part);
-        part->setVisible(m_tables.hasMap);
-    }
+    QHBoxLayout* map = MapFields(this, m_tables.hasMap, &txtMap3, &txtMap4, &txtMap5);
     auto* grid = new QGridLayout;
     addPairs(grid, this,
              {{"Refund Distribution #:", txtDisbNum},
@@ -220,20 +214,10 @@ void PrintRefundsForm::buildScreen() {
     txtRecnum = ShownField(this, QStringLiteral("txtRecnum"), 12);
     txtRecNumID = ShownField(this, QStringLiteral("txtRecNumID"), 4);
     txtControl = ShownField(this, QStringLiteral("txtControl"), 6);
-    txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
-    txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
-    txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
     txtName = ShownField(this, QStringLiteral("txtName"), 50);
-    cmdPrint = NamedButton(this, QStringLiteral("cmdPrint"), QStringLiteral("&Print"));
-    cmdPrintPreview =
-        NamedButton(this, QStringLiteral("cmdPrintPreview"), QStringLiteral("Print Pre&view"));
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+    QHBoxLayout* buttons = ReportButtons(this, &cmdPrint, &cmdPrintPreview, &cmdExit);
 
-    auto* map = new QHBoxLayout;
-    for (QLineEdit* part : {txtMap3, txtMap4, txtMap5}) {
-        map->addWidget(part);
-        part->setVisible(m_tables.hasMap);
-    }
+    QHBoxLayout* map = MapFields(this, m_tables.hasMap, &txtMap3, &txtMap4, &txtMap5);
     auto* grid = new QGridLayout;
     addPairs(grid, this,
              {{"Refund Distribution #:", txtDisbNum},
@@ -242,11 +226,6 @@ void PrintRefundsForm::buildScreen() {
               {"Control #:", txtControl},
               {"Name:", txtName}});
     grid->addLayout(map, 2, 3);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdPrint);
-    buttons->addWidget(cmdPrintPreview);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
     layout->addLayout(buttons);
@@ -277,32 +256,15 @@ void PrintRefundsForm::run(bool print) {
     options.taxYear = m_taxYear;
     options.caption = windowTitle();
     options.progress = [this](const QSqlRecord& row) {
-        auto show = [&row](QLineEdit* field, const char* column) {
-            field->setText(TextField(row.value(QString::fromLatin1(column))));
-        };
-        show(txtRecnum, "RecNum");
-        show(txtRecNumID, "RecNumID");
-        show(txtControl, "Control");
-        if (m_tables.hasMap) {
-            show(txtMap3, "Map3");
-            show(txtMap4, "Map4");
-            show(txtMap5, "Map5");
-        }
-        show(txtName, "Name");
+        ShowColumns(row, {{txtRecnum, "RecNum"},
+                          {txtRecNumID, "RecNumID"},
+                          {txtControl, "Control"},
+                          {txtName, "Name"}});
+        if (m_tables.hasMap)
+            ShowColumns(row, {{txtMap3, "Map3"}, {txtMap4, "Map4"}, {txtMap5, "Map5"}});
     };
     RefundDistributionReport report(db, m_tables, std::move(options));
-    if (print) {
-        PrintReport(report.definition(), db);
-        return;
-    }
-    QPointer<PrintRefundsForm> self(this);
-    PreviewReport(
-        report.definition(), this,
-        [self] {
-            if (self)
-                self->cmdPrint_Click();
-        },
-        db);
+    PrintOrPreview(report.definition(), this, print, db);
 }
 
 void PrintRefundsForm::cmdPrint_Click() {

@@ -14,20 +14,6 @@
 
 namespace {
 
-QStringList rows(const TempTaxDatabase& t, const QString& sql) {
-    QStringList out;
-    QSqlQuery q(t.db());
-    if (!q.exec(sql))
-        return {QStringLiteral("<error> ") + q.lastError().text()};
-    while (q.next()) {
-        QStringList values;
-        for (int i = 0; i < q.record().count(); ++i)
-            values << q.value(i).toString();
-        out << values.join(u'|');
-    }
-    return out;
-}
-
 // A refund row of either table; the map columns only for real estate.
 void addRefund(const TempTaxDatabase& t, const DistributionTables& tables, const QString& recnum,
                int id, const QString& disbNum, qint64 cents, const QString& name = "A PAYEE",
@@ -48,11 +34,16 @@ void addRefund(const TempTaxDatabase& t, const DistributionTables& tables, const
     QVERIFY2(q.exec(), qPrintable(q.lastError().text()));
 }
 
+// "RecNum/RecNumID=DisbNum" of each refund of the table, in the walk's order.
 QString keysOf(const TempTaxDatabase& t, const DistributionTables& tables) {
-    return rows(t, QStringLiteral("SELECT RecNum || '/' || RecNumID || '=' || DisbNum FROM %1 "
-                                  "ORDER BY RecNum, RecNumID")
-                       .arg(tables.refunds))
-        .join(u' ');
+    QSqlQuery q(t.db());
+    QStringList keys;
+    if (q.exec(QStringLiteral("SELECT RecNum || '/' || RecNumID || '=' || DisbNum FROM %1 ORDER "
+                              "BY RecNum, RecNumID")
+                   .arg(tables.refunds)))
+        while (q.next())
+            keys << q.value(0).toString();
+    return keys.join(u' ');
 }
 
 const DistributionTables& tablesOf(bool perCapita) {
