@@ -9,6 +9,7 @@
 #include "core/tax_database.h"
 #include "distribution/distribution_file.h"
 #include "distribution/distribution_numbers.h"
+#include "distribution/screen_parts.h"
 #include "rates/millage_common.h"
 
 #include <QCheckBox>
@@ -198,7 +199,7 @@ void DistributeReceiptsScreen::load(BodiesWithRates shown) {
     const OfficeDistrict office = ReadOfficeDistrict(db);
     m_district = office.district;
     m_ward = office.ward;
-    m_taxYear = session().TaxYear.isEmpty() ? ReadCountyTaxYear(db).left(4) : session().TaxYear;
+    m_taxYear = SessionTaxYear(db);
 
     const std::array<bool, 3> withRates = shown(db, m_district, m_ward);
     for (std::size_t i = 0; i < m_frames.size(); ++i) {

@@ -23,10 +23,6 @@
 
 namespace {
 
-QString taxYearOf(QSqlDatabase db) {
-    return session().TaxYear.isEmpty() ? ReadCountyTaxYear(db).left(4) : session().TaxYear;
-}
-
 // Labelled fields in rows of a grid, two pairs a row.
 void addPairs(QGridLayout* grid, QWidget* parent,
               const std::vector<std::pair<const char*, QWidget*>>& pairs) {
@@ -50,7 +46,7 @@ DistributeRefundsScreen::DistributeRefundsScreen(const DistributionTables& table
     setWindowTitle(QString::fromLatin1(DistributeRefundsTitle));
     buildScreen();
     QSqlDatabase db = session().DbConnection;
-    m_taxYear = taxYearOf(db);
+    m_taxYear = SessionTaxYear(db);
     m_key = NextRefundDistributionKey(db, m_tables, m_taxYear);
     txtDisbNum->setText(m_key.mid(4, 2));
     session().LastScreenName = objectName();
@@ -201,7 +197,7 @@ PrintRefundsForm::PrintRefundsForm(const DistributionTables& tables, const QStri
     setWindowTitle(QString::fromLatin1(PrintRefundsTitle));
     buildScreen();
     QSqlDatabase db = session().DbConnection;
-    m_taxYear = taxYearOf(db);
+    m_taxYear = SessionTaxYear(db);
     // The last refund distribution made, for a start.
     const int last = LastRefundDistribution(db, m_tables, m_taxYear);
     if (last > 0)

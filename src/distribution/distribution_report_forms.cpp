@@ -87,7 +87,7 @@ void DistributionReportForm::buildScreen() {
 
 void DistributionReportForm::load() {
     QSqlDatabase db = session().DbConnection;
-    m_taxYear = session().TaxYear.isEmpty() ? ReadCountyTaxYear(db).left(4) : session().TaxYear;
+    m_taxYear = SessionTaxYear(db);
     const LastDistribution last =
         ReadLastDistribution(db, m_tables.disbType, m_tables.body(m_body).cts);
     m_lastNumber = last.number;

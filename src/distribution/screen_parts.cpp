@@ -1,12 +1,18 @@
 #include "distribution/screen_parts.h"
 
 #include "core/named_widgets.h"
+#include "core/session.h"
 #include "core/tax_database.h"
+#include "distribution/distribution_file.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSqlRecord>
+
+QString SessionTaxYear(QSqlDatabase db) {
+    return session().TaxYear.isEmpty() ? ReadCountyTaxYear(db).left(4) : session().TaxYear;
+}
 
 QHBoxLayout* MapFields(QWidget* parent, bool shown, QLineEdit** map3, QLineEdit** map4,
                        QLineEdit** map5) {

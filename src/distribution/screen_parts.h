@@ -7,6 +7,7 @@
 
 #include <QPointer>
 #include <QSqlDatabase>
+#include <QString>
 #include <initializer_list>
 #include <utility>
 
@@ -15,6 +16,9 @@ class QLineEdit;
 class QPushButton;
 class QSqlRecord;
 class QWidget;
+
+// The session's tax year, or the county row's when the session has none yet.
+QString SessionTaxYear(QSqlDatabase db);
 
 // Makes txtMap3, txtMap4 and txtMap5 side by side; shown only when the duplicate has a map.
 QHBoxLayout* MapFields(QWidget* parent, bool shown, QLineEdit** map3, QLineEdit** map4,
