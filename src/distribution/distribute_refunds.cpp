@@ -233,7 +233,7 @@ void PrintRefundsForm::buildScreen() {
 
 void PrintRefundsForm::run(bool print) {
     const std::optional<int> number = ParseWholeNumber(txtDisbNum->text());
-    if (!number || *number < 0) {
+    if (!number) {
         MsgBox(QStringLiteral("Distribution Number Must Be Numeric"),
                QStringLiteral("Enter Distribution Number"), MsgButtons::Ok, MsgIcon::Exclamation);
         txtDisbNum->setFocus(Qt::OtherFocusReason);
@@ -241,7 +241,8 @@ void PrintRefundsForm::run(bool print) {
     }
     txtDisbNum->setText(TwoDigits(*number));
     QSqlDatabase db = session().DbConnection;
-    if (CountDistributedRefunds(db, m_tables, m_taxYear + TwoDigits(*number)) == 0) {
+    // Number 00 is where the refunds not yet distributed stand: no distribution of its own.
+    if (*number < 1 || CountDistributedRefunds(db, m_tables, m_taxYear + TwoDigits(*number)) == 0) {
         MsgBox(QStringLiteral("There are no refunds to print."),
                QString::fromLatin1(PrintRefundsTitle));
         CloseScreen(this);
