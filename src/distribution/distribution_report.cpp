@@ -194,10 +194,8 @@ DistributionReportSpec DistributionReportFor(QSqlDatabase db, const Distribution
         spec.receiptsTitle = QStringLiteral("Tax Collector Distribution Report - ") + word;
         spec.voidsTitle = QStringLiteral("Tax Collector Voided Distribution Report - ") + word;
     }
-    const QString bodyName = body == TaxingBody::County ? QStringLiteral("County")
-                             : body == TaxingBody::Twp  ? QStringLiteral("Twp/Boro/City")
-                                                        : QStringLiteral("School");
-    spec.caption = QStringLiteral("Print ") + kind + bodyName + QStringLiteral(" Distribution");
+    spec.caption =
+        QStringLiteral("Print ") + kind + TaxingBodyName(body) + QStringLiteral(" Distribution");
     return spec;
 }
 

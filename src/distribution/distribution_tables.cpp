@@ -57,3 +57,15 @@ const DistributionTables& PerCapitaTables() {
          school({"SPerCapita", "SOccupation"}, {"SPayFlag"}, {})}};
     return tables;
 }
+
+QString TaxingBodyName(TaxingBody body) {
+    switch (body) {
+    case TaxingBody::County:
+        return QStringLiteral("County");
+    case TaxingBody::Twp:
+        return QStringLiteral("Twp/Boro/City");
+    case TaxingBody::School:
+        break;
+    }
+    return QStringLiteral("School");
+}

@@ -41,6 +41,9 @@ struct DistributionTables {
 const DistributionTables& RealEstateTables();
 const DistributionTables& PerCapitaTables();
 
+// "County", "Twp/Boro/City", "School": the body as messages and captions name it.
+QString TaxingBodyName(TaxingBody body);
+
 // The discount and penalty columns of a tax line.
 inline QString DiscountColumn(const QString& face) {
     return QLatin1Char('D') + face;
