@@ -13,6 +13,7 @@
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
 #include "distribution/distribute_receipts.h"
+#include "distribution/distribute_refunds.h"
 #include "distribution/distribution_file_screens.h"
 #include "distribution/distribution_report_forms.h"
 #include "distribution/transfer_distribution_email.h"
@@ -57,6 +58,14 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuUtilitiesEditSpecialTaxes", entry<frmEditSpecialTaxes>("frmEditSpecialTaxes")},
         {"mnuREDistributionDistributeReceipts",
          entry<frmREDistributeReceipts>("frmREDistributeReceipts")},
+        {"mnuPCDistributionDistributeReceipts",
+         entry<frmPCDistributeReceipts>("frmPCDistributeReceipts")},
+        {"mnuREDistributionRefunds", entry<frmREDistributeRefunds>("frmREDistributeRefunds")},
+        {"mnuPCDistributionRefunds", entry<frmPCDistributeRefunds>("frmPCDistributeRefunds")},
+        {"mnuREDistributionPrintRefunds",
+         entry<frmREPrintDistributionRefunds>("frmREPrintDistributionRefunds")},
+        {"mnuPCDistributionPrintRefunds",
+         entry<frmPCPrintDistributionRefunds>("frmPCPrintDistributionRefunds")},
         {"mnuREDistributionCreateDistributionFile",
          entry<frmRECreateDistributionFile>("frmRECreateDistributionFile")},
         {"mnuPCDistributionCreateDistributionFile",
