@@ -12,6 +12,8 @@
 #include "desk/realestate/receive_payment.h"
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
+#include "desk/reports/receipt_report.h"
+#include "desk/reports/summary_report.h"
 #include "distribution/distribute_receipts.h"
 #include "distribution/distribution_file_screens.h"
 #include "distribution/distribution_report_forms.h"
@@ -85,6 +87,23 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmRETransferDistributionEMail>("frmRETransferDistributionEMail")},
         {"mnuPCDistributionTransferEmail",
          entry<frmPCTransferDistributionEMail>("frmPCTransferDistributionEMail")},
+        // The office's reports.
+        {"mnuREReportsPrintReceiptsRecnum",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuREReportsPrintReceiptsBill",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuREReportsPrintReceiptsDate",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsRecnum",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsBill",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsDate",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuREReportsPrintSummaryReport",
+         entry<frmREPrintSummaryReport>("frmREPrintSummaryReport")},
+        {"mnuPCReportsPrintSummaryReport",
+         entry<frmPCPrintSummaryReport>("frmPCPrintSummaryReport")},
     };
     return screens;
 }
