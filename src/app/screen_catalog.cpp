@@ -12,6 +12,7 @@
 #include "desk/realestate/receive_payment.h"
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
+#include "desk/reports/act169_report.h"
 #include "desk/reports/receipt_report.h"
 #include "desk/reports/summary_report.h"
 #include "distribution/distribute_receipts.h"
@@ -100,6 +101,7 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
         {"mnuPCReportsPrintReceiptsDate",
          entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuAct169Report", entry<frmAct169Report>("frmAct169Report")},
         {"mnuREReportsPrintSummaryReport",
          entry<frmREPrintSummaryReport>("frmREPrintSummaryReport")},
         {"mnuPCReportsPrintSummaryReport",
