@@ -140,11 +140,12 @@ void gatherHalf(QSqlDatabase db, const ReportTables& tables, TaxingBody bodyKind
     const QString disbType = tables.dist->disbType;
     auto distributionSums = [&](const QString& table, int number, const QStringList& columns,
                                 const QString& condition) {
-        return sums(db,
-                    QStringLiteral(" FROM %1 WHERE CTS = ? AND %2 = ?%3")
-                        .arg(table, body.keyColumn, condition),
-                    columns,
-                    {body.cts, taxYear + QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'))});
+        return sums(
+            db,
+            QStringLiteral(" FROM %1 WHERE CTS = ? AND %2 = ?%3")
+                .arg(table, body.keyColumn, condition),
+            columns,
+            {body.cts, taxYear + QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'))});
     };
     {
         QSqlQuery q(db);
@@ -208,10 +209,10 @@ void gatherHalf(QSqlDatabase db, const ReportTables& tables, TaxingBody bodyKind
                 before = image(
                     QStringLiteral("SELECT %1 FROM %2 WHERE BillNo = ?").arg(list, tables.master),
                     {bill});
-            const std::optional<QHash<QString, Money>> after = image(
-                QStringLiteral("SELECT %1 FROM %2 WHERE BillNo = ? AND AdjNo = ?")
-                    .arg(list, tables.adjust),
-                {bill, range.second});
+            const std::optional<QHash<QString, Money>> after =
+                image(QStringLiteral("SELECT %1 FROM %2 WHERE BillNo = ? AND AdjNo = ?")
+                          .arg(list, tables.adjust),
+                      {bill, range.second});
             if (!before || !after)
                 continue;
             bool changed = false;
@@ -371,7 +372,8 @@ ReportDefinition Act169Report(const Act169Figures& f) {
                           const char* pattern) {
             line(number, caption);
             for (std::size_t i = 0; i < n; ++i)
-                page.right(edge(i), Money(value(f.columns[i])).format(QString::fromLatin1(pattern)));
+                page.right(edge(i),
+                           Money(value(f.columns[i])).format(QString::fromLatin1(pattern)));
             page.nextLine(2);
         };
 
@@ -384,49 +386,62 @@ ReportDefinition Act169Report(const Act169Figures& f) {
         page.text(NumberX, QStringLiteral("A. Collections"));
         page.nextLine(2);
         page.bold(false);
-        values(QStringLiteral("1."), QStringLiteral("Balance Collectable - Beginning Of Month"),
-               [](const Act169Column& c) { return c.opening(); }, Amount);
-        values(QStringLiteral("2A."), QStringLiteral("Additions: During The Month (*)"),
-               [](const Act169Column& c) { return c.additions; }, Amount);
-        values(QStringLiteral("2B."),
-               QStringLiteral("Deductions: Credits During The Month - (from line 17)"),
-               [](const Act169Column&) { return Money(); }, Amount);
-        values(QStringLiteral("3."), QStringLiteral("Total Collectable"),
-               [](const Act169Column& c) { return c.totalCollectable(); }, Amount);
-        values(QStringLiteral("4."), QStringLiteral("Less: Face Collections for the Month"),
-               [](const Act169Column& c) { return c.face_; }, LessAmount);
-        values(QStringLiteral("5."), QStringLiteral("Less: Deletions from the List (*)"),
-               [](const Act169Column&) { return Money(); }, LessAmount);
+        values(
+            QStringLiteral("1."), QStringLiteral("Balance Collectable - Beginning Of Month"),
+            [](const Act169Column& c) { return c.opening(); }, Amount);
+        values(
+            QStringLiteral("2A."), QStringLiteral("Additions: During The Month (*)"),
+            [](const Act169Column& c) { return c.additions; }, Amount);
+        values(
+            QStringLiteral("2B."),
+            QStringLiteral("Deductions: Credits During The Month - (from line 17)"),
+            [](const Act169Column&) { return Money(); }, Amount);
+        values(
+            QStringLiteral("3."), QStringLiteral("Total Collectable"),
+            [](const Act169Column& c) { return c.totalCollectable(); }, Amount);
+        values(
+            QStringLiteral("4."), QStringLiteral("Less: Face Collections for the Month"),
+            [](const Act169Column& c) { return c.face_; }, LessAmount);
+        values(
+            QStringLiteral("5."), QStringLiteral("Less: Deletions from the List (*)"),
+            [](const Act169Column&) { return Money(); }, LessAmount);
         line(QStringLiteral("6."), QStringLiteral("Less: Exonerations (*)"));
         for (std::size_t i = 0; i < n; ++i) {
             const Money credits = f.columns[i].credits;
-            page.right(edge(i), credits != Money() ? credits.format(QString::fromLatin1(Amount))
-                                                   : Money().format(QString::fromLatin1(LessAmount)));
+            page.right(edge(i), credits != Money()
+                                    ? credits.format(QString::fromLatin1(Amount))
+                                    : Money().format(QString::fromLatin1(LessAmount)));
         }
         page.nextLine(2);
-        values(QStringLiteral("7."), QStringLiteral("Less: Liens/Non-Lienable Installments (*)"),
-               [](const Act169Column&) { return Money(); }, LessAmount);
-        values(QStringLiteral("8."), QStringLiteral("Balance Collectable - End of Month"),
-               [](const Act169Column& c) { return c.closing(); }, Amount);
+        values(
+            QStringLiteral("7."), QStringLiteral("Less: Liens/Non-Lienable Installments (*)"),
+            [](const Act169Column&) { return Money(); }, LessAmount);
+        values(
+            QStringLiteral("8."), QStringLiteral("Balance Collectable - End of Month"),
+            [](const Act169Column& c) { return c.closing(); }, Amount);
         page.nextLine();
         page.bold(true);
         page.text(NumberX, QStringLiteral("B. Reconciliation of Cash Collected"));
         page.nextLine(2);
         page.bold(false);
-        values(QStringLiteral("9."),
-               QStringLiteral("Face Amount of Collections (must agree with line 4)"),
-               [](const Act169Column& c) { return c.face_; }, Amount);
-        values(QStringLiteral("10."), QStringLiteral("Plus: Penalties"),
-               [](const Act169Column& c) { return c.penalty; }, Amount);
-        values(QStringLiteral("11."), QStringLiteral("Less: Discounts"),
-               [](const Act169Column& c) { return c.discount; }, Amount);
+        values(
+            QStringLiteral("9."),
+            QStringLiteral("Face Amount of Collections (must agree with line 4)"),
+            [](const Act169Column& c) { return c.face_; }, Amount);
+        values(
+            QStringLiteral("10."), QStringLiteral("Plus: Penalties"),
+            [](const Act169Column& c) { return c.penalty; }, Amount);
+        values(
+            QStringLiteral("11."), QStringLiteral("Less: Discounts"),
+            [](const Act169Column& c) { return c.discount; }, Amount);
         line(QStringLiteral("12."), QStringLiteral("Total Cash Collected per Column"));
         const QString letters = QStringLiteral("ABCD");
         for (std::size_t i = 0; i < n; ++i)
             page.right(edge(i), letters.at(qsizetype(i)) + QStringLiteral(". ") +
                                     f.columns[i].cash().format(QString::fromLatin1(Amount)));
         page.nextLine(2);
-        line(QStringLiteral("13."), QStringLiteral("Total Cash Collected - (12A + 12B + 12C + 12D)"));
+        line(QStringLiteral("13."),
+             QStringLiteral("Total Cash Collected - (12A + 12B + 12C + 12D)"));
         page.right(edge(n - 1), f.totalCash().format(QString::fromLatin1(Amount)));
         page.nextLine(3);
         page.text(NumberX,
@@ -513,15 +528,20 @@ ReportDefinition Act169Report(const Act169Figures& f) {
         page.nextLine();
         page.text(CaptionX, QStringLiteral("Tax Collector"));
         page.nextLine();
-        page.text(CaptionX, QStringLiteral("I verify this is a complete and accurate reporting of the balance"));
+        page.text(
+            CaptionX,
+            QStringLiteral("I verify this is a complete and accurate reporting of the balance"));
         page.nextLine();
-        page.text(CaptionX, QStringLiteral("collectable, taxes collected and remitted for the month."));
+        page.text(CaptionX,
+                  QStringLiteral("collectable, taxes collected and remitted for the month."));
         page.nextLine(2);
-        page.text(CaptionX,
-                  QStringLiteral("Received by (taxing district): ____________________________________"));
+        page.text(
+            CaptionX,
+            QStringLiteral("Received by (taxing district): ____________________________________"));
         page.nextLine();
-        page.text(CaptionX,
-                  QStringLiteral("Title: _________________________________  Date: ________________"));
+        page.text(
+            CaptionX,
+            QStringLiteral("Title: _________________________________  Date: ________________"));
         page.nextLine();
         page.text(CaptionX, QStringLiteral("I acknowledge the receipt of this report."));
         page.nextLine();
@@ -556,8 +576,7 @@ frmAct169Report::frmAct169Report(QWidget* parent) : QWidget(parent) {
     cboReportType->setCurrentIndex(-1);
     chkPrintAdjustmentReports = new QCheckBox(QStringLiteral("Print Adjustment Reports"), this);
     chkPrintAdjustmentReports->setObjectName(QStringLiteral("chkPrintAdjustmentReports"));
-    chkPrintDistributionReports =
-        new QCheckBox(QStringLiteral("Print Distribution Reports"), this);
+    chkPrintDistributionReports = new QCheckBox(QStringLiteral("Print Distribution Reports"), this);
     chkPrintDistributionReports->setObjectName(QStringLiteral("chkPrintDistributionReports"));
 
     auto* grid = new QGridLayout;
@@ -637,7 +656,7 @@ void frmAct169Report::printSupportingDocuments(const Act169Figures& figures) {
         if (row.total == Money())
             continue;
         std::unique_ptr<DistributionReportForm> form;
-        const TaxingBody body = figures.kind == Act169Kind::County ? TaxingBody::County
+        const TaxingBody body = figures.kind == Act169Kind::County   ? TaxingBody::County
                                 : figures.kind == Act169Kind::School ? TaxingBody::School
                                                                      : TaxingBody::Twp;
         auto make = [&]() -> DistributionReportForm* {

@@ -97,7 +97,8 @@ ReceiptReport::ReceiptReport(QSqlDatabase db, const ReportTables& tables,
     const bool dates = m_options.range != ReceiptRange::RecNum;
     const QString from = dates ? FormatDate(m_options.startDate) : m_options.startRecNum;
     const QString to = dates ? FormatDate(m_options.endDate) : m_options.endRecNum;
-    d.titles = {QString(), QStringLiteral("Transactions From ") + from + QStringLiteral(" To ") + to};
+    d.titles = {QString(),
+                QStringLiteral("Transactions From ") + from + QStringLiteral(" To ") + to};
 
     // The amount columns: each face column, then discounts, penalties, total, over/under,
     // refund and the total with them.
@@ -142,14 +143,14 @@ ReceiptReport::ReceiptReport(QSqlDatabase db, const ReportTables& tables,
                 s.WriteRight(AmountsLeft + double(i + 1) * width, amounts.at(i));
             s.Print();
         };
-        line({QStringLiteral("Bill #"), QStringLiteral("Control #"), QStringLiteral("Map")},
-             first);
+        line({QStringLiteral("Bill #"), QStringLiteral("Control #"), QStringLiteral("Map")}, first);
         line({QStringLiteral("Name"), QStringLiteral("Rec#/Chk#"), QString()}, second);
     };
     d.body = [this](ReportPage& page) { return draw(page); };
 }
 
 bool ReceiptReport::draw(ReportPage& page) {
+    m_totalsPage = false;
     const bool re = m_tables.realEstate;
     const QString kind = re ? QStringLiteral("Real Estate") : QStringLiteral("Per Capita");
     const QString receiptsTitle =
@@ -278,7 +279,7 @@ bool ReceiptReport::draw(ReportPage& page) {
         page.nextLine();
         page.text(BillX, fitted(s, TextField(r.value(QStringLiteral("Name"))), NameWidth));
         page.text(RecNumX, TextField(r.value(QStringLiteral("Recnum"))) + QStringLiteral(" / ") +
-                                TextField(r.value(QStringLiteral("Checknum"))));
+                               TextField(r.value(QStringLiteral("Checknum"))));
         page.nextLine();
     };
     auto totalLine = [&](const Totals& t) {
@@ -372,8 +373,8 @@ bool ReceiptReport::draw(ReportPage& page) {
         page.nextLine();
     };
     auto fourColumns = [&](const QString& label, const Triple& x) {
-        line(label + amount12(x.discount) + QLatin1Char(' ') + amount12(x.face) +
-             QLatin1Char(' ') + amount12(x.penalty) + QLatin1Char(' ') + amount12(x.total()));
+        line(label + amount12(x.discount) + QLatin1Char(' ') + amount12(x.face) + QLatin1Char(' ') +
+             amount12(x.penalty) + QLatin1Char(' ') + amount12(x.total()));
     };
     const QString rule =
         QStringLiteral("                  ------------ ------------ ------------ ------------");
@@ -408,12 +409,14 @@ bool ReceiptReport::draw(ReportPage& page) {
         block({{QStringLiteral("          School: "), 7}, {label16(m_names.schoolSpecial), 8}},
               QString());
     } else {
-        block({{label16(QStringLiteral("County P/C")), 0}, {label16(QStringLiteral("County Occ")), 1}},
+        block({{label16(QStringLiteral("County P/C")), 0},
+               {label16(QStringLiteral("County Occ")), 1}},
               QStringLiteral("    Total County: "));
         block({{label16(word + QStringLiteral(" P/C")), 2},
                {label16(word + QStringLiteral(" Occ")), 3}},
               label16(QStringLiteral("Total ") + word));
-        block({{label16(QStringLiteral("School P/C")), 4}, {label16(QStringLiteral("School Occ")), 5}},
+        block({{label16(QStringLiteral("School P/C")), 4},
+               {label16(QStringLiteral("School Occ")), 5}},
               QString());
     }
     line(QStringLiteral("                  ============ ============ ============ ============"));
@@ -503,12 +506,18 @@ ReceiptReportForm::ReceiptReportForm(const ReportTables& tables, const QString& 
     advance(txtEndDateEntered, 10, buttons.cmdPrint);
     advance(txtEndRecNum, 12, buttons.cmdPrint);
 
-    connect(optDateCredited, &QRadioButton::toggled, this,
-            [this](bool on) { if (on) chooseRange(ReceiptRange::DateCredited); });
-    connect(optDateEntered, &QRadioButton::toggled, this,
-            [this](bool on) { if (on) chooseRange(ReceiptRange::DateEntered); });
-    connect(optRecNum, &QRadioButton::toggled, this,
-            [this](bool on) { if (on) chooseRange(ReceiptRange::RecNum); });
+    connect(optDateCredited, &QRadioButton::toggled, this, [this](bool on) {
+        if (on)
+            chooseRange(ReceiptRange::DateCredited);
+    });
+    connect(optDateEntered, &QRadioButton::toggled, this, [this](bool on) {
+        if (on)
+            chooseRange(ReceiptRange::DateEntered);
+    });
+    connect(optRecNum, &QRadioButton::toggled, this, [this](bool on) {
+        if (on)
+            chooseRange(ReceiptRange::RecNum);
+    });
     connect(buttons.cmdPrint, &QPushButton::clicked, this, [this] { cmdPrint_Click(); });
     connect(buttons.cmdPrintPreview, &QPushButton::clicked, this,
             [this] { cmdPrintPreview_Click(); });
@@ -519,10 +528,9 @@ ReceiptReportForm::ReceiptReportForm(const ReportTables& tables, const QString& 
 
 void ReceiptReportForm::chooseRange(ReceiptRange range) {
     m_range = range;
-    const std::pair<QLineEdit*, QLineEdit*> pairs[] = {
-        {txtStartDateCredited, txtEndDateCredited},
-        {txtStartDateEntered, txtEndDateEntered},
-        {txtStartRecNum, txtEndRecNum}};
+    const std::pair<QLineEdit*, QLineEdit*> pairs[] = {{txtStartDateCredited, txtEndDateCredited},
+                                                       {txtStartDateEntered, txtEndDateEntered},
+                                                       {txtStartRecNum, txtEndRecNum}};
     for (int i = 0; i < 3; ++i) {
         const bool on = i == int(range);
         pairs[i].first->setEnabled(on);

@@ -1,7 +1,7 @@
 #include "desk/reports/report_common.h"
 
-#include "core/named_widgets.h"
 #include "core/common_values.h"
+#include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/tax_database.h"
 #include "reports/report_frame.h"
@@ -18,15 +18,15 @@ QStringList ReportTables::faceColumns() const {
 }
 
 const ReportTables& RealEstateReportTables() {
-    static const ReportTables tables{&RealEstateTables(),     true,
-                                     QStringLiteral("TCMaster"), QStringLiteral("TCAdjust"),
+    static const ReportTables tables{&RealEstateTables(),         true,
+                                     QStringLiteral("TCMaster"),  QStringLiteral("TCAdjust"),
                                      QStringLiteral("TCAddress"), QStringLiteral("TCAdds")};
     return tables;
 }
 
 const ReportTables& PerCapitaReportTables() {
-    static const ReportTables tables{&PerCapitaTables(),      false,
-                                     QStringLiteral("PCMaster"), QStringLiteral("PCAdjust"),
+    static const ReportTables tables{&PerCapitaTables(),          false,
+                                     QStringLiteral("PCMaster"),  QStringLiteral("PCAdjust"),
                                      QStringLiteral("PCAddress"), QStringLiteral("PCAdds")};
     return tables;
 }
@@ -72,8 +72,8 @@ TaxNames TaxNames::read(QSqlDatabase db) {
         return out;
     };
     const QStringList county = specials(QStringLiteral("00"), QStringLiteral("0"));
-    names.countySpecial = county.isEmpty() || county.first().isEmpty() ? QStringLiteral("Cnty Spc")
-                                                                       : county.first();
+    names.countySpecial =
+        county.isEmpty() || county.first().isEmpty() ? QStringLiteral("Cnty Spc") : county.first();
     const QStringList own = specials(lookups.district, lookups.ward);
     for (int i = 0; i < 3; ++i) {
         const QString name = i < own.size() ? own.at(i) : QString();

@@ -37,14 +37,14 @@ const ReportTables& PerCapitaReportTables();
 
 // The office's names for its tax lines.
 struct TaxNames {
-    QString bodyWord;          // "Township", "Borough", "City" or empty
-    QString countyTaxName;     // S1TaxName of the county's Millfile row ("Act 1" when none)
-    QString countySpecial;     // Desc1 of the county's first special tax, or "Cnty Spc"
-    QStringList municipal;     // the three municipal specials: Desc1, or "Spec. #n"
-    QString schoolSpecial;     // S1TaxName of the collector's Millfile row, or "Sch. Spec."
-    QString municipality;      // TwpBoro
-    QString schoolName;        // SchoolName of tbl_Twpboro
-    QString county;            // tbl_County's name
+    QString bodyWord;      // "Township", "Borough", "City" or empty
+    QString countyTaxName; // S1TaxName of the county's Millfile row ("Act 1" when none)
+    QString countySpecial; // Desc1 of the county's first special tax, or "Cnty Spc"
+    QStringList municipal; // the three municipal specials: Desc1, or "Spec. #n"
+    QString schoolSpecial; // S1TaxName of the collector's Millfile row, or "Sch. Spec."
+    QString municipality;  // TwpBoro
+    QString schoolName;    // SchoolName of tbl_Twpboro
+    QString county;        // tbl_County's name
 
     static TaxNames read(QSqlDatabase db);
 };

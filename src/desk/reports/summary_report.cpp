@@ -193,8 +193,8 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
     }
 
     // Receipts, voids, distributed receipts and distributed voids, per body and pay flag.
-    const std::array<QString, 4> receiptTables{dist.receipts, dist.voidReceipts,
-                                                dist.distribution, dist.voidDistribution};
+    const std::array<QString, 4> receiptTables{dist.receipts, dist.voidReceipts, dist.distribution,
+                                               dist.voidDistribution};
     std::array<std::array<FlagTable, 3>, 4> flags;
     for (std::size_t t = 0; t < 4; ++t)
         for (std::size_t b = 0; b < 3; ++b)
@@ -215,8 +215,8 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
                     return {};
                 while (q.next())
                     installments[t][std::size_t(n - 1)].insert(
-                        q.value(0).toString(), {q.value(1).toLongLong(), MoneyField(q.value(2)),
-                                                MoneyField(q.value(3))});
+                        q.value(0).toString(),
+                        {q.value(1).toLongLong(), MoneyField(q.value(2)), MoneyField(q.value(3))});
             }
         }
     }
@@ -297,8 +297,8 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
                                 SummaryFigures& block) {
             const FlagTable& ft = flags[t][b];
             const int sign = voided ? -1 : 1;
-            for (const QString flag : {QStringLiteral("F"), QStringLiteral("D"),
-                                       QStringLiteral("P")}) {
+            for (const QString flag :
+                 {QStringLiteral("F"), QStringLiteral("D"), QStringLiteral("P")}) {
                 const FlagSums s = ft.value(flag);
                 qint64 n = s.count;
                 Money face = s.of(def.columns);
@@ -337,17 +337,20 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
 
         // B: the net receipts.
         SummaryFigures receipts;
-        receiptLines(0, false,
-                     QStringLiteral("Receipts Taken                          Face                     "),
-                     receipts);
-        receiptLines(1, true,
-                     QStringLiteral("Voided Receipts                         Face                     "),
-                     receipts);
+        receiptLines(
+            0, false,
+            QStringLiteral("Receipts Taken                          Face                     "),
+            receipts);
+        receiptLines(
+            1, true,
+            QStringLiteral("Voided Receipts                         Face                     "),
+            receipts);
         out << Hyphens;
         out << figureLine(
-            schoolPage
-                ? QStringLiteral("Current Net Receipts Taken (Including Installments)              ")
-                : QStringLiteral("Current Net Receipts Taken                                       "),
+            schoolPage ? QStringLiteral(
+                             "Current Net Receipts Taken (Including Installments)              ")
+                       : QStringLiteral(
+                             "Current Net Receipts Taken                                       "),
             {receipts.count, {}, receipts.face, receipts.discount, receipts.penalty});
         page.netReceipts = receipts;
         out << QString();
@@ -385,7 +388,8 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
                                           "School + Sch1Face = 0 AND AdjFlag <> 'A' AND BillNo < "
                                           "'A'")
                                .arg(tables.master))});
-            out << QStringLiteral("                                                                 -------");
+            out << QStringLiteral(
+                "                                                                 -------");
             balance.count =
                 page.netDuplicate.count -
                 count(db, QStringLiteral("SELECT count(*) FROM %1 WHERE (SPayFlag = 'D' OR "
@@ -403,12 +407,14 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
 
         // D: the net disbursed.
         SummaryFigures disbursed;
-        receiptLines(2, false,
-                     QStringLiteral("Receipts Reported As Distributed        Face                     "),
-                     disbursed);
-        receiptLines(3, true,
-                     QStringLiteral("Voided Receipts Reported As Distributed Face                     "),
-                     disbursed);
+        receiptLines(
+            2, false,
+            QStringLiteral("Receipts Reported As Distributed        Face                     "),
+            disbursed);
+        receiptLines(
+            3, true,
+            QStringLiteral("Voided Receipts Reported As Distributed Face                     "),
+            disbursed);
         out << Hyphens;
         out << figureLine(
             QStringLiteral("Current Net Receipts Disbursed                                   "),
@@ -445,9 +451,8 @@ ReportDefinition BalanceSummaryReport(QSqlDatabase db, const ReportTables& table
             for (int i = 0; i < p.lines.size(); ++i) {
                 QString line = p.lines.at(i);
                 if (i == 0)
-                    line += QLatin1Char(' ') + lookups.district + lookups.ward +
-                            QLatin1Char(' ') + lookups.twpBoro +
-                            QStringLiteral("                       Page: ") +
+                    line += QLatin1Char(' ') + lookups.district + lookups.ward + QLatin1Char(' ') +
+                            lookups.twpBoro + QStringLiteral("                       Page: ") +
                             QString::number(page.pageNumber());
                 s.CurrentX = 0;
                 s.Print(line);
@@ -466,8 +471,8 @@ SummaryReportForm::SummaryReportForm(const ReportTables& tables, const QString& 
     setWindowTitle(tables.realEstate ? QStringLiteral("Print Real Estate Summary Report")
                                      : QStringLiteral("Print Per Capita Summary Report"));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(
-        QStringLiteral("The summary covers the whole year as it stands now."), this));
+    layout->addWidget(
+        new QLabel(QStringLiteral("The summary covers the whole year as it stands now."), this));
     auto* row = new QHBoxLayout;
     buttons = MakeReportButtons(this, row);
     layout->addLayout(row);
