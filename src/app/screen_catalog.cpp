@@ -13,6 +13,7 @@
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
 #include "desk/reports/act169_report.h"
+#include "desk/reports/change_reports.h"
 #include "desk/reports/receipt_report.h"
 #include "desk/reports/summary_report.h"
 #include "distribution/distribute_receipts.h"
@@ -102,6 +103,14 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCReportsPrintReceiptsDate",
          entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
         {"mnuAct169Report", entry<frmAct169Report>("frmAct169Report")},
+        {"mnuREReportsPrintAdjustments",
+         entry<frmREPrintAdjustmentReport>("frmREPrintAdjustmentReport")},
+        {"mnuPCReportsPrintAdjustments",
+         entry<frmPCPrintAdjustmentReport>("frmPCPrintAdjustmentReport")},
+        {"mnuREReportsPrintAddressChanges",
+         entry<frmREPrintAddressReport>("frmREPrintAddressReport")},
+        {"mnuPCReportsPrintAddressChanges",
+         entry<frmPCPrintAddressReport>("frmPCPrintAddressReport")},
         {"mnuREReportsPrintSummaryReport",
          entry<frmREPrintSummaryReport>("frmREPrintSummaryReport")},
         {"mnuPCReportsPrintSummaryReport",

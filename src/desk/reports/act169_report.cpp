@@ -1,5 +1,7 @@
 #include "desk/reports/act169_report.h"
 
+#include "desk/reports/change_reports.h"
+
 #include "core/common_values.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
@@ -649,10 +651,11 @@ void frmAct169Report::cmdPrint_Click() {
 }
 
 void frmAct169Report::printSupportingDocuments(const Act169Figures& figures) {
-    if (!chkPrintDistributionReports->isChecked())
-        return;
     const bool silent = session().SilentPrint;
+    const bool distributions = chkPrintDistributionReports->isChecked();
     for (const Act169Remittance& row : figures.remittances) {
+        if (!distributions)
+            break;
         if (row.total == Money())
             continue;
         std::unique_ptr<DistributionReportForm> form;
@@ -679,6 +682,15 @@ void frmAct169Report::printSupportingDocuments(const Act169Figures& figures) {
         form->cmdPrint_Click();
         session().SilentPrint = silent;
     }
+    if (!chkPrintAdjustmentReports->isChecked())
+        return;
+    QSqlDatabase db = session().DbConnection;
+    if (figures.kind != Act169Kind::TownshipPC)
+        PrintAdjustmentReportSilently(db, RealEstateReportTables(), figures.firstDay,
+                                      figures.lastDay);
+    if (figures.kind == Act169Kind::TownshipPC || figures.kind == Act169Kind::School)
+        PrintAdjustmentReportSilently(db, PerCapitaReportTables(), figures.firstDay,
+                                      figures.lastDay);
 }
 
 void frmAct169Report::cmdPrintPreview_Click() {
