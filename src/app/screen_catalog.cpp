@@ -13,6 +13,7 @@
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
 #include "desk/reports/act169_report.h"
+#include "desk/reports/act1_reports.h"
 #include "desk/reports/change_reports.h"
 #include "desk/reports/receipt_report.h"
 #include "desk/reports/summary_report.h"
@@ -103,6 +104,10 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCReportsPrintReceiptsDate",
          entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
         {"mnuAct169Report", entry<frmAct169Report>("frmAct169Report")},
+        {"mnuREReportsPrintIneligibleAct1",
+         entry<frmREPrintIneligibleAct1>("frmREPrintIneligibleAct1")},
+        {"mnuREReportsPrintAct1ZeroAmounts",
+         entry<frmREPrintAct1ZeroAmounts>("frmREPrintAct1ZeroAmounts")},
         {"mnuREReportsPrintAdjustments",
          entry<frmREPrintAdjustmentReport>("frmREPrintAdjustmentReport")},
         {"mnuPCReportsPrintAdjustments",
