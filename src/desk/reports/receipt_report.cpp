@@ -139,8 +139,11 @@ ReceiptReport::ReceiptReport(QSqlDatabase db, const ReportTables& tables,
                 s.CurrentX = MapX;
                 s.Write(left.at(2));
             }
+            // The amount captions in a smaller size, so that neighbours do not touch.
+            s.FontSize = 8;
             for (qsizetype i = 0; i < amounts.size(); ++i)
                 s.WriteRight(AmountsLeft + double(i + 1) * width, amounts.at(i));
+            s.FontSize = 9;
             s.Print();
         };
         line({QStringLiteral("Bill #"), QStringLiteral("Control #"), QStringLiteral("Map")}, first);
