@@ -469,8 +469,17 @@ bool AddressReport::draw(ReportPage& page) {
             page.nextLine();
         }
         QString control = QStringLiteral("Control #: ") + text(row, "Control");
-        if (re)
-            control += QStringLiteral("  Map #: ") + mapOf(row, QLatin1Char('-'));
+        if (re) {
+            // A change recorded without the map number shows the bill's.
+            const QSqlRecord mapped =
+                !text(row, "Map3").trimmed().isEmpty()
+                    ? row
+                    : firstRow(m_db,
+                               QStringLiteral("SELECT Map3, Map4, Map5 FROM %1 WHERE Control = ?")
+                                   .arg(t.master),
+                               {text(row, "Control")});
+            control += QStringLiteral("  Map #: ") + mapOf(mapped, QLatin1Char('-'));
+        }
         page.text(0, control);
         page.nextLine();
         page.text(0, QStringLiteral("Change #: ") + QString::number(row.value("AddrID").toInt()));
