@@ -5,6 +5,7 @@
 #include "core/named_widgets.h"
 #include "core/session.h"
 #include "core/tax_database.h"
+#include "rates/millage_common.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -432,12 +433,8 @@ ReceiptReportForm::ReceiptReportForm(const ReportTables& tables, const QString& 
                                      QWidget* parent)
     : QWidget(parent), m_tables(tables) {
     setObjectName(name);
-    m_order = session().ReceiptReportOrder;
-    if (m_order != u"BILL" && m_order != u"DATE")
-        m_order = QStringLiteral("RECN");
-    setWindowTitle(m_order == u"BILL"   ? QStringLiteral("Bill Number Order")
-                   : m_order == u"DATE" ? QStringLiteral("Date Credited Order")
-                                        : QStringLiteral("Receipt Number Order"));
+    takeOrder();
+    ReloadOnActivation(this, [this] { takeOrder(); });
 
     optDateCredited = new QRadioButton(QStringLiteral("Date Credited"), this);
     optDateCredited->setObjectName(QStringLiteral("optDateCredited"));
@@ -529,6 +526,15 @@ ReceiptReportForm::ReceiptReportForm(const ReportTables& tables, const QString& 
     session().LastScreenName = objectName();
 }
 
+void ReceiptReportForm::takeOrder() {
+    m_order = session().ReceiptReportOrder;
+    if (m_order != u"BILL" && m_order != u"DATE")
+        m_order = QStringLiteral("RECN");
+    setWindowTitle(m_order == u"BILL"   ? QStringLiteral("Bill Number Order")
+                   : m_order == u"DATE" ? QStringLiteral("Date Credited Order")
+                                        : QStringLiteral("Receipt Number Order"));
+}
+
 void ReceiptReportForm::chooseRange(ReceiptRange range) {
     m_range = range;
     const std::pair<QLineEdit*, QLineEdit*> pairs[] = {{txtStartDateCredited, txtEndDateCredited},
@@ -584,6 +590,8 @@ std::optional<ReceiptReportOptions> ReceiptReportForm::validOptions() {
 }
 
 void ReceiptReportForm::run(bool print) {
+    // The menu sets the order before it shows the form, also when the form is open already.
+    takeOrder();
     std::optional<ReceiptReportOptions> options = validOptions();
     if (!options)
         return;

@@ -79,6 +79,8 @@ protected:
     ReceiptReportForm(const ReportTables& tables, const QString& name, QWidget* parent);
 
 private:
+    // The order the menu asked for, and the caption that names it.
+    void takeOrder();
     void chooseRange(ReceiptRange range);
     // The checked fields as options; nothing after a refusal (its message shown).
     std::optional<ReceiptReportOptions> validOptions();
