@@ -256,7 +256,7 @@ void gatherHalf(QSqlDatabase db, const ReportTables& tables, TaxingBody bodyKind
                     total += in[i] + out[i];
                 }
             };
-            move(&Act169Column::face_, faces, QString());
+            move(&Act169Column::faceCollected, faces, QString());
             move(&Act169Column::discount, prefixed("D", faces),
                  QStringLiteral(" AND %1 <> 0").arg(firstDiscount));
             move(&Act169Column::penalty, prefixed("P", faces),
@@ -403,7 +403,7 @@ ReportDefinition Act169Report(const Act169Figures& f) {
             [](const Act169Column& c) { return c.totalCollectable(); }, Amount);
         values(
             QStringLiteral("4."), QStringLiteral("Less: Face Collections for the Month"),
-            [](const Act169Column& c) { return c.face_; }, LessAmount);
+            [](const Act169Column& c) { return c.faceCollected; }, LessAmount);
         values(
             QStringLiteral("5."), QStringLiteral("Less: Deletions from the List (*)"),
             [](const Act169Column&) { return Money(); }, LessAmount);
@@ -429,7 +429,7 @@ ReportDefinition Act169Report(const Act169Figures& f) {
         values(
             QStringLiteral("9."),
             QStringLiteral("Face Amount of Collections (must agree with line 4)"),
-            [](const Act169Column& c) { return c.face_; }, Amount);
+            [](const Act169Column& c) { return c.faceCollected; }, Amount);
         values(
             QStringLiteral("10."), QStringLiteral("Plus: Penalties"),
             [](const Act169Column& c) { return c.penalty; }, Amount);

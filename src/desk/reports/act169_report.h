@@ -31,14 +31,14 @@ struct Act169Column {
     Money distributedBefore;
     Money additions;
     Money credits;
-    Money face_;
+    Money faceCollected;
     Money discount;
     Money penalty;
 
     Money opening() const { return original + addedBefore + adjustedBefore - distributedBefore; }
     Money totalCollectable() const { return opening() + additions; }
-    Money closing() const { return totalCollectable() - face_ + credits; }
-    Money cash() const { return face_ + penalty + discount; }
+    Money closing() const { return totalCollectable() - faceCollected + credits; }
+    Money cash() const { return faceCollected + penalty + discount; }
 };
 
 // A distribution of the month: a row of "C. Payment of Taxes".

@@ -61,7 +61,7 @@ private Q_SLOTS:
         QCOMPARE(s2.additions, Money::fromDollars(15));
         QCOMPARE(s2.credits, -Money::fromDollars(10));
         // The void of distribution 1's receipt comes back in May; distribution 3 adds nothing.
-        QCOMPARE(twp.face_, -Money::fromDollars(50));
+        QCOMPARE(twp.faceCollected, -Money::fromDollars(50));
         QCOMPARE(twp.discount, Money::fromDollars(1));
         QCOMPARE(int(may.remittances.size()), 2);
         QCOMPARE(may.remittances[1].total, Money());

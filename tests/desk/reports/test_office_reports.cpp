@@ -213,8 +213,9 @@ private Q_SLOTS:
             const QString first = IsoDate(f->firstDay);
             const Act169Column& county = f->columns[0];
             const QString of = QStringLiteral("CTS = 'C' AND CDisbNum = '%1'").arg(key);
-            QCOMPARE(county.face_, columnsSum(m_db, {"County"}, "TCDistribution", of) +
-                                       columnsSum(m_db, {"County"}, "TCVoidDistribution", of));
+            QCOMPARE(county.faceCollected,
+                     columnsSum(m_db, {"County"}, "TCDistribution", of) +
+                         columnsSum(m_db, {"County"}, "TCVoidDistribution", of));
             QCOMPARE(county.discount, columnsSum(m_db, {"DCounty"}, "TCDistribution", of) +
                                           columnsSum(m_db, {"DCounty"}, "TCVoidDistribution", of));
             const Money before =
@@ -238,7 +239,7 @@ private Q_SLOTS:
                           .arg(first));
             QCOMPARE(county.opening(), original + added + adjusted - before);
             QCOMPARE(f->remittances[0].total, f->totalCash());
-            QVERIFY(county.face_ != Money());
+            QVERIFY(county.faceCollected != Money());
         }
         for (std::size_t i = 0; i < april.columns.size(); ++i)
             QCOMPARE(april.columns[i].closing(), may.columns[i].opening());
