@@ -465,6 +465,9 @@ ReportDefinition Act169Report(const Act169Figures& f) {
             page.nextLine();
             const std::size_t rows = all ? f.remittances.size() : 8;
             for (std::size_t r = 0; r < rows; ++r) {
+                // A long addendum runs on over further pages.
+                if (all && s.CurrentY + 3 * s.TextHeight() > s.ScaleHeight())
+                    page.newPage();
                 if (!all && addendum) {
                     if (r == 2)
                         page.text(TransactionX, QStringLiteral("SEE ATTACHED ADDENDUM"));
@@ -557,7 +560,6 @@ ReportDefinition Act169Report(const Act169Figures& f) {
             page.bold(false);
             table(true);
         }
-        (void)s;
         return true;
     };
     return d;

@@ -94,6 +94,19 @@ QSqlRecord firstRow(QSqlDatabase db, const QString& sql, const QVariantList& val
     return QSqlRecord();
 }
 
+// Before a block of lines: the page-full rule, and a new page besides when the block would
+// run past the bottom of this one.
+void startBlock(ReportPage& page, int lines, double points) {
+    page.startRow();
+    ReportSurface& s = page.surface();
+    const double size = s.FontSize;
+    s.FontSize = points;
+    const double height = lines * s.TextHeight();
+    s.FontSize = size;
+    if (s.CurrentY + height > s.ScaleHeight())
+        page.newPage();
+}
+
 } // namespace
 
 AdjustmentReport::AdjustmentReport(QSqlDatabase db, const ReportTables& tables,
@@ -300,7 +313,8 @@ bool AdjustmentReport::draw(ReportPage& page) {
             const QString reason = text(row, "Reason");
             const QString bill =
                 billNo + (adjNo > 0 ? QLatin1Char('-') + QString::number(adjNo) : QString());
-            page.startRow();
+            // The block of a change is kept whole on its page.
+            startBlock(page, re ? 3 + int(faces.size()) : 6 + int(faces.size()), re ? 9 : 8);
             if (re) {
                 page.text(ControlX, text(row, "Control"));
                 page.text(NameX, fitted(s, text(row, "Name2"), NameWidth));
@@ -455,7 +469,7 @@ bool AddressReport::draw(ReportPage& page) {
             before =
                 firstRow(m_db, QStringLiteral("SELECT * FROM %1 WHERE Control = ?").arg(t.master),
                          {text(row, "Control")});
-        page.startRow();
+        startBlock(page, 10, 9);
         page.bold(true);
         page.text(0, QStringLiteral("B E F O R E   C H A N G E"));
         page.text(half, QStringLiteral("A F T E R    C H A N G E"));

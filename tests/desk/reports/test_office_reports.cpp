@@ -9,6 +9,8 @@
 #include "core/tax_database.h"
 #include "demo/demo_database.h"
 #include "desk/reports/act169_report.h"
+#include "desk/reports/act1_reports.h"
+#include "desk/reports/change_reports.h"
 #include "desk/reports/receipt_report.h"
 #include "desk/reports/summary_report.h"
 #include "distribution/distribution_writes.h"
@@ -291,6 +293,47 @@ private Q_SLOTS:
         QVERIFY2(figures.size() == 6, qPrintable(grand));
         QCOMPARE(figures.at(3), (month + voids).format(u"#,###,###.00"));
         QVERIFY(print->pages.size() >= 3);
+    }
+
+    // However many rows, nothing is drawn past the bottom of the printable area: a block of
+    // lines that would not fit goes whole to the next page.
+    void nothingBelowThePage() {
+        MessageScript messages;
+        // Forty bills adjusted once more, so that the adjustment blocks fill pages.
+        QSqlQuery q(m_db);
+        QVERIFY(q.exec(QStringLiteral(
+            "INSERT INTO TCAdjust (Control, BillNo, AdjNo, Name, Map3, Map4, Map5, AssLand, "
+            "AssImpr, County, Library, Twp, School, AdjDate, Reason, AdjFlag) SELECT Control, "
+            "BillNo, 99, Name, Map3, Map4, Map5, AssLand, AssImpr, County, Library, Twp, School, "
+            "'2013-09-30', 'REVIEW', 'A' FROM TCMaster WHERE substr(BillNo, 1, 1) <> 'A' LIMIT "
+            "40")));
+        ChangeReportOptions changes;
+        changes.start = QDate(2013, 1, 1);
+        changes.end = QDate(2013, 12, 31);
+        ReceiptReportOptions receipts;
+        receipts.startDate = changes.start;
+        receipts.endDate = changes.end;
+        AdjustmentReport adjustments(m_db, RealEstateReportTables(), changes);
+        AddressReport addresses(m_db, RealEstateReportTables(), changes);
+        ReceiptReport deposit(m_db, PerCapitaReportTables(), receipts);
+        const std::vector<std::pair<const char*, ReportDefinition>> reports{
+            {"adjustments", adjustments.definition()},
+            {"addresses", addresses.definition()},
+            {"deposit", deposit.definition()},
+            {"summary", BalanceSummaryReport(m_db, RealEstateReportTables())},
+            {"late payers", LatePayerReport(m_db)}};
+        for (const auto& [name, definition] : reports) {
+            const std::optional<Recording> r = DrawReport(definition, ReportMode::Print, m_db);
+            QVERIFY2(r, name);
+            if (std::string(name) == "adjustments" || std::string(name) == "deposit")
+                QVERIFY2(r->pages.size() > 1, name);
+            const double bottom = r->format.scaleHeight();
+            for (const RecordedPage& page : r->pages)
+                for (const PrintedText* t : page.texts())
+                    QVERIFY2(
+                        t->baseline() <= bottom,
+                        qPrintable(QStringLiteral("%1: %2 at %3").arg(name, t->text).arg(t->y)));
+        }
     }
 };
 
