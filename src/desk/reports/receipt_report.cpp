@@ -20,6 +20,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QVBoxLayout>
+#include <array>
 #include <vector>
 
 namespace {
@@ -235,21 +236,34 @@ bool ReceiptReport::draw(ReportPage& page) {
         }
     }
 
+    // The columns by position: a void holds the receipt's columns in the same order, then
+    // its own, so one set of positions serves both tables.
+    const QSqlRecord layout = m_db.record(m_tables.dist->receipts);
+    auto at = [&layout](const char* name) { return layout.indexOf(QLatin1String(name)); };
+    const int billNoAt = at("BillNo"), adjNoAt = at("AdjNo"), controlAt = at("Control"),
+              map3At = at("Map3"), map4At = at("Map4"), map5At = at("Map5"),
+              overageAt = at("Overage"), refundAt = at("Refund"), nameAt = at("Name"),
+              recnumAt = at("Recnum"), checknumAt = at("Checknum");
+    std::vector<std::array<int, 3>> tripleAt(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        const QString& face = faces.at(qsizetype(i));
+        tripleAt[i] = {int(layout.indexOf(face)), int(layout.indexOf(DiscountColumn(face))),
+                       int(layout.indexOf(PenaltyColumn(face)))};
+    }
     auto rowTriples = [&](const QSqlRecord& r) {
         std::vector<Triple> out(n);
-        for (std::size_t i = 0; i < n; ++i) {
-            const QString& face = faces.at(qsizetype(i));
-            out[i] = {MoneyField(r.value(face)), MoneyField(r.value(DiscountColumn(face))),
-                      MoneyField(r.value(PenaltyColumn(face)))};
-        }
+        for (std::size_t i = 0; i < n; ++i)
+            out[i] = {MoneyField(r.value(tripleAt[i][0])), MoneyField(r.value(tripleAt[i][1])),
+                      MoneyField(r.value(tripleAt[i][2]))};
         return out;
     };
-    auto add = [n](Totals& t, const std::vector<Triple>& row, const QSqlRecord& r) {
+    auto add = [n, overageAt, refundAt](Totals& t, const std::vector<Triple>& row,
+                                        const QSqlRecord& r) {
         ++t.count;
         for (std::size_t i = 0; i < n; ++i)
             t.lines[i] += row[i];
-        t.overage += MoneyField(r.value(QStringLiteral("Overage")));
-        t.refund += MoneyField(r.value(QStringLiteral("Refund")));
+        t.overage += MoneyField(r.value(overageAt));
+        t.refund += MoneyField(r.value(refundAt));
     };
     auto amounts = [&](const std::vector<Triple>& row, Money overage, Money refund) {
         Triple all;
@@ -266,24 +280,23 @@ bool ReceiptReport::draw(ReportPage& page) {
     };
     auto printRow = [&](const QSqlRecord& r, const std::vector<Triple>& row, bool voidLine) {
         page.startRow();
-        QString bill = TextField(r.value(QStringLiteral("BillNo")));
-        const int adjNo = r.value(QStringLiteral("AdjNo")).toInt();
+        QString bill = TextField(r.value(billNoAt));
+        const int adjNo = r.value(adjNoAt).toInt();
         if (adjNo > 0)
             bill += QLatin1Char('-') + QString::number(adjNo);
         if (voidLine)
             bill += QStringLiteral("  VOID");
         page.text(BillX, bill);
-        page.text(ControlX, TextField(r.value(QStringLiteral("Control"))));
+        page.text(ControlX, TextField(r.value(controlAt)));
         if (re)
-            page.text(MapX, TextField(r.value(QStringLiteral("Map3"))) + QLatin1Char('.') +
-                                TextField(r.value(QStringLiteral("Map4"))) + QLatin1Char('.') +
-                                TextField(r.value(QStringLiteral("Map5"))));
-        amounts(row, MoneyField(r.value(QStringLiteral("Overage"))),
-                MoneyField(r.value(QStringLiteral("Refund"))));
+            page.text(MapX, TextField(r.value(map3At)) + QLatin1Char('.') +
+                                TextField(r.value(map4At)) + QLatin1Char('.') +
+                                TextField(r.value(map5At)));
+        amounts(row, MoneyField(r.value(overageAt)), MoneyField(r.value(refundAt)));
         page.nextLine();
-        page.text(BillX, fitted(s, TextField(r.value(QStringLiteral("Name"))), NameWidth));
-        page.text(RecNumX, TextField(r.value(QStringLiteral("Recnum"))) + QStringLiteral(" / ") +
-                               TextField(r.value(QStringLiteral("Checknum"))));
+        page.text(BillX, fitted(s, TextField(r.value(nameAt)), NameWidth));
+        page.text(RecNumX, TextField(r.value(recnumAt)) + QStringLiteral(" / ") +
+                               TextField(r.value(checknumAt)));
         page.nextLine();
     };
     auto totalLine = [&](const Totals& t) {
@@ -317,7 +330,7 @@ bool ReceiptReport::draw(ReportPage& page) {
             const std::vector<Triple> row = rowTriples(r);
             if (print)
                 printRow(r, row, false);
-            const QString recnum = TextField(r.value(QStringLiteral("Recnum")));
+            const QString recnum = TextField(r.value(recnumAt));
             const auto voided = voidOf.constFind(recnum);
             if (voided == voidOf.cend()) {
                 add(section, row, r);
@@ -349,7 +362,7 @@ bool ReceiptReport::draw(ReportPage& page) {
     {
         Totals section(n);
         for (const QSqlRecord& v : voids) {
-            if (voidedInRange.contains(TextField(v.value(QStringLiteral("Recnum")))))
+            if (voidedInRange.contains(TextField(v.value(recnumAt))))
                 continue;
             if (m_options.progress)
                 m_options.progress(v);
