@@ -39,12 +39,6 @@ constexpr double ColumnWidth = 1500;
 const char* const Amount = "$###,###,###,##0.00";
 const char* const LessAmount = "-$###,###,###,##0.00";
 
-QString bodyLetter(TaxingBody body) {
-    return body == TaxingBody::County ? QStringLiteral("C")
-           : body == TaxingBody::Twp  ? QStringLiteral("T")
-                                      : QStringLiteral("S");
-}
-
 // Sums of the columns over a statement's rows (no rows: zero).
 std::vector<Money> sums(QSqlDatabase db, const QString& from, const QStringList& columns,
                         const QVariantList& values) {

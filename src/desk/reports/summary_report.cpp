@@ -59,10 +59,16 @@ QString money(Money m) {
     return m.format(u"$###,###,##0.00");
 }
 
-// A line of the page: a label and the figures it shows, each ending at its column.
+// A line of the page: a label and the figures it shows, each ending at its column. Counts
+// print in "###,##0" unless the line gives its own pattern.
 struct Figures {
+    Figures(std::optional<qint64> n = {}, const QString& pattern = QString(),
+            std::optional<Money> atFace = {}, std::optional<Money> allowed = {},
+            std::optional<Money> collected = {})
+        : count(n), countPattern(pattern.isEmpty() ? QStringLiteral("###,##0") : pattern),
+          face(atFace), discount(allowed), penalty(collected) {}
     std::optional<qint64> count;
-    QString countPattern = QStringLiteral("###,##0");
+    QString countPattern;
     std::optional<Money> face;
     std::optional<Money> discount;
     std::optional<Money> penalty;
@@ -297,7 +303,7 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
                                 SummaryFigures& block) {
             const FlagTable& ft = flags[t][b];
             const int sign = voided ? -1 : 1;
-            for (const QString flag :
+            for (const QString& flag :
                  {QStringLiteral("F"), QStringLiteral("D"), QStringLiteral("P")}) {
                 const FlagSums s = ft.value(flag);
                 qint64 n = s.count;
@@ -367,13 +373,14 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
             {zeroValue});
         out << QString();
 
-        SummaryFigures balance{page.netDuplicate.count - receipts.count,
-                               page.netDuplicate.face - receipts.face};
+        SummaryFigures balance;
+        balance.count = page.netDuplicate.count - receipts.count;
+        balance.face = page.netDuplicate.face - receipts.face;
         if (schoolPage) {
             const auto& r = flags[0][b];
             const auto& v = flags[1][b];
             qint64 whole = 0;
-            for (const QString flag :
+            for (const QString& flag :
                  {QStringLiteral("F"), QStringLiteral("D"), QStringLiteral("P")})
                 whole += r.value(flag).count - v.value(flag).count;
             whole += count(db, QStringLiteral("SELECT count(*) FROM %1 WHERE Pay1Flag <> ' ' AND "
@@ -422,7 +429,8 @@ std::vector<SummaryPage> GatherBalanceSummary(QSqlDatabase db, const ReportTable
         page.netDisbursed = disbursed;
         out << QString();
         // E: still to pay over.
-        page.yetToDisburse = {receipts.count - disbursed.count, receipts.face - disbursed.face};
+        page.yetToDisburse.count = receipts.count - disbursed.count;
+        page.yetToDisburse.face = receipts.face - disbursed.face;
         out << figureLine(
             QStringLiteral("Receipts Yet To Be Disbursed                                     "),
             {page.yetToDisburse.count, {}, page.yetToDisburse.face});

@@ -196,6 +196,24 @@ private Q_SLOTS:
         QVERIFY(out != Money());
     }
 
+    // Counts print with their thousands separated, the non taxable ones in brackets.
+    void summaryCountsFormatted() {
+        TempTaxDatabase t;
+        QVERIFY(t.exec(QStringLiteral(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1234) "
+            "INSERT INTO TCMaster (BillNo, County) SELECT CASE WHEN i > 1200 THEN 'X' || i ELSE "
+            "printf('%5d', i) END, 1000000 FROM n")));
+        const std::vector<SummaryPage> pages =
+            GatherBalanceSummary(t.db(), RealEstateReportTables());
+        QVERIFY(!pages.empty());
+        const QStringList& lines = pages.front().lines;
+        QVERIFY(lines.contains(QStringLiteral(
+            "Tax Duplicate As Originally Billed - Taxable                       1,200         "
+            "$120,000.00")));
+        QVERIFY(lines.contains(QStringLiteral(
+            "Tax Duplicate As Originally Billed - Non Taxable                    (34)")));
+    }
+
     // The Act 169 report of April and May for the county: the opening balance, the month's
     // face collections, discounts and the remittances, computed here from the tables; and
     // April's closing balance is May's opening one.
