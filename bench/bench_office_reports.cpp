@@ -5,6 +5,8 @@
 // Run with QT_QPA_PLATFORM=offscreen when there is no display. Without --database a demo
 // database of N parcels and persons is made first; voids of every seventh receipt and the
 // distributions of April, May and June are added (the set-up is not timed). Figures are medians.
+// The deposit list covers August, the school's busiest month, unless --month says otherwise.
+// BENCH_SPLIT=1 also prints how long each report took to draw, before its PDF was written.
 
 #include "core/clock.h"
 #include "core/session.h"
