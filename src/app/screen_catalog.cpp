@@ -12,6 +12,11 @@
 #include "desk/realestate/receive_payment.h"
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
+#include "desk/reports/act169_report.h"
+#include "desk/reports/act1_reports.h"
+#include "desk/reports/change_reports.h"
+#include "desk/reports/receipt_report.h"
+#include "desk/reports/summary_report.h"
 #include "distribution/distribute_receipts.h"
 #include "distribution/distribute_refunds.h"
 #include "distribution/distribution_file_screens.h"
@@ -94,6 +99,36 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmRETransferDistributionEMail>("frmRETransferDistributionEMail")},
         {"mnuPCDistributionTransferEmail",
          entry<frmPCTransferDistributionEMail>("frmPCTransferDistributionEMail")},
+        // The office's reports.
+        {"mnuREReportsPrintReceiptsRecnum",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuREReportsPrintReceiptsBill",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuREReportsPrintReceiptsDate",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsRecnum",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsBill",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsDate",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuAct169Report", entry<frmAct169Report>("frmAct169Report")},
+        {"mnuREReportsPrintIneligibleAct1",
+         entry<frmREPrintIneligibleAct1>("frmREPrintIneligibleAct1")},
+        {"mnuREReportsPrintAct1ZeroAmounts",
+         entry<frmREPrintAct1ZeroAmounts>("frmREPrintAct1ZeroAmounts")},
+        {"mnuREReportsPrintAdjustments",
+         entry<frmREPrintAdjustmentReport>("frmREPrintAdjustmentReport")},
+        {"mnuPCReportsPrintAdjustments",
+         entry<frmPCPrintAdjustmentReport>("frmPCPrintAdjustmentReport")},
+        {"mnuREReportsPrintAddressChanges",
+         entry<frmREPrintAddressReport>("frmREPrintAddressReport")},
+        {"mnuPCReportsPrintAddressChanges",
+         entry<frmPCPrintAddressReport>("frmPCPrintAddressReport")},
+        {"mnuREReportsPrintSummaryReport",
+         entry<frmREPrintSummaryReport>("frmREPrintSummaryReport")},
+        {"mnuPCReportsPrintSummaryReport",
+         entry<frmPCPrintSummaryReport>("frmPCPrintSummaryReport")},
     };
     return screens;
 }
