@@ -1,6 +1,7 @@
 #include "app/screen_catalog.h"
 
 #include "bills/pc_print_3up_labels.h"
+#include "bills/pc_print_tax_bills.h"
 #include "bills/re_print_3up_labels.h"
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
@@ -36,6 +37,7 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCReportsPrintMailingLabels", entry<frmPCPrint3UpLabels>("frmPCPrint3UpLabels")},
         {"mnuREReportsPrintSchoolTaxBills", entry<frmSchoolRETaxBillFen>("frmSchoolRETaxBillFen")},
         {"mnuREReportsPrintTaxBills", entry<frmREPrintTaxBills>("frmREPrintTaxBills")},
+        {"mnuPCReportsPrintTaxBills", entry<frmPCPrintTaxBills>("frmPCPrintTaxBills")},
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
