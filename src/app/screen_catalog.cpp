@@ -2,6 +2,7 @@
 
 #include "bills/pc_print_3up_labels.h"
 #include "bills/pc_print_tax_bills.h"
+#include "bills/print_second_notices.h"
 #include "bills/re_print_3up_labels.h"
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
@@ -38,6 +39,10 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuREReportsPrintSchoolTaxBills", entry<frmSchoolRETaxBillFen>("frmSchoolRETaxBillFen")},
         {"mnuREReportsPrintTaxBills", entry<frmREPrintTaxBills>("frmREPrintTaxBills")},
         {"mnuPCReportsPrintTaxBills", entry<frmPCPrintTaxBills>("frmPCPrintTaxBills")},
+        {"mnuREReportsPrintSecondNotices",
+         entry<frmREPrintSecondNotices>("frmREPrintSecondNotices")},
+        {"mnuPCReportsPrintSecondNotices",
+         entry<frmPCPrintSecondNotices>("frmPCPrintSecondNotices")},
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},

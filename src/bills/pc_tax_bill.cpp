@@ -123,8 +123,10 @@ BillFace pcFace(const PCBillOffice& pc, const PCBillLook& look, const BilledBodi
     return f;
 }
 
-void drawPCMailingPage(ReportSurface& s, const PCBillOffice& pc, const PCBillLook& look,
-                       const QSqlRecord& bill, int sequence) {
+} // namespace
+
+void DrawPCMailingPage(ReportSurface& s, const PCBillOffice& pc, const PCBillLook& look,
+                       const QSqlRecord& bill, int sequence, const QString& headline) {
     const REBillOffice& office = pc.office;
     const QSqlRecord& rates = office.rates;
     const bool late = look.frame == BillingFrame::Late;
@@ -138,14 +140,12 @@ void drawPCMailingPage(ReportSurface& s, const PCBillOffice& pc, const PCBillLoo
                      ProperName(office.twpBoro.trimmed()) + QStringLiteral(" Tax Coll."),
                      frameText(rates, look.frame, "Line2"), frameText(rates, look.frame, "Line3")};
     m.service = QStringLiteral("Forwarding Service");
-    m.headline = QStringLiteral("*** OFFICIAL PER CAPITA TAX BILL  ***");
+    m.headline = headline;
     m.address = nameBlock(PCMailingName(bill), bill);
     m.zipCode = trimmed(bill, "ZipCode");
     m.zipCode2 = trimmed(bill, "ZipCode2");
     DrawMailingFront(s, m);
 }
-
-} // namespace
 
 bool PCBillOffice::read(QSqlDatabase db, PCBillOffice* office, QString* error) {
     PCBillOffice o;
@@ -185,7 +185,8 @@ void DrawPCTaxBill(ReportSurface& s, const PCBillOffice& office, const PCBillLoo
     const BilledBodies bodies =
         PCBillBodies(office.office.bodies(look.frame), look.secondNotice, bill);
     if (look.printAddress) {
-        drawPCMailingPage(s, office, look, bill, sequence);
+        DrawPCMailingPage(s, office, look, bill, sequence,
+                          QStringLiteral("*** OFFICIAL PER CAPITA TAX BILL  ***"));
         s.NewPage();
     }
     DrawBillSheet(s, pcFace(office, look, bodies, bill));

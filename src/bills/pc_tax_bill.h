@@ -48,6 +48,10 @@ QString PCMailingName(const QSqlRecord& bill);
 void DrawPCTaxBill(ReportSurface& surface, const PCBillOffice& office, const PCBillLook& look,
                    const QSqlRecord& bill, int sequence);
 
+// The mailing page (no back panel) under this headline ("*** OFFICIAL ... ***").
+void DrawPCMailingPage(ReportSurface& surface, const PCBillOffice& office, const PCBillLook& look,
+                       const QSqlRecord& bill, int sequence, const QString& headline);
+
 // The query of a run by its choices.
 QString PCBillQuery(bool samples, PCBillOrder order, bool ascending, bool secondNotice);
 
