@@ -19,6 +19,7 @@ namespace {
 const char16_t* const NoticeMoney = u"$#,###,###,##0.00";
 constexpr double CodeHeight = 400;
 constexpr double CodeModule = 15;
+constexpr double CodeBelowTop = 1300;
 // The amounts of the list: labels indented, amounts to one right edge.
 constexpr double LabelIndent = 720;
 constexpr double AmountEdge = 6480;
@@ -419,12 +420,12 @@ void DrawSecondNotice(ReportSurface& s, const NoticeOffice& office, const Notice
         s.NewPage();
     }
     const std::vector<NoticeLine> lines = NoticeLines(office, listed, look.form, bill);
-    // The bar code at the top right, for the scanner at the counter.
+    // The bar code at the right, beside the taxpayer's block, for the scanner at the counter.
     const QString payload = NoticePayload(office.duplicate, look.frame, Clock::today(),
                                           office.office.district, text(bill, "Control"));
     const double codeWidth = Code39Width(payload, CodeModule);
-    PrintCode39(s, s.ScaleWidth() - look.left - codeWidth, look.top, payload, CodeHeight,
-                CodeModule);
+    PrintCode39(s, s.ScaleWidth() - look.left - codeWidth, look.top + CodeBelowTop, payload,
+                CodeHeight, CodeModule);
     if (look.form == NoticeForm::County)
         countyNotice(s, office, look, bill, lines);
     else
