@@ -23,6 +23,7 @@
 #include "utilities/backup_data.h"
 #include "utilities/email_data_file.h"
 #include "utilities/import_duplicate.h"
+#include "utilities/late_billing_routines.h"
 
 #include <QHash>
 
@@ -84,6 +85,8 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmPCPrintDistributionTwp>("frmPCPrintDistributionTwp")},
         {"mnuPCDistributionPrintSchool",
          entry<frmPCPrintDistributionSchool>("frmPCPrintDistributionSchool")},
+        {"mnuUtilitiesLateBillingRoutine",
+         {"frmLateBillingRoutines", false, &frmLateBillingRoutines::open}},
         {"mnuUilitiesEditSpecialTaxpayers",
          {"frmEditSpecialTaxpayers", false, &frmEditSpecialTaxpayers::open}},
         {"mnuUtilitiesZipAndEmail", entry<frmEmailDataFile>("frmEmailDataFile")},
