@@ -328,3 +328,20 @@ void frmPCPrintTaxBills::cmdOK_Click() {
     }
     txtBillNo->setFocus();
 }
+
+frmPCPrintTaxBills* OpenPCPrintTaxBillsFor(const QString& billNo) {
+    frmPCPrintTaxBills* form = nullptr;
+    if (ScreenHost* host = screenHost())
+        form = qobject_cast<frmPCPrintTaxBills*>(
+            host->openScreen(QStringLiteral("frmPCPrintTaxBills")));
+    if (!form)
+        form = new frmPCPrintTaxBills;
+    if (ScreenHost* host = screenHost())
+        host->showScreen(form, false);
+    else
+        form->show();
+    form->txtBillNo->setText(billNo.trimmed());
+    form->txtNumberOfMailers->setText(QStringLiteral("1"));
+    form->cmdOK->setFocus();
+    return form;
+}

@@ -62,3 +62,8 @@ private:
     bool m_cancel = false;
     qint64 m_lastPump = 0;
 };
+
+// Opens the per capita bill form (or brings the open one forward) for one bill: its number in
+// txtBillNo, "1" in txtNumberOfMailers and the focus on cmdOK, for the collector to choose the
+// frame and press it (the scan screen's way in).
+frmPCPrintTaxBills* OpenPCPrintTaxBillsFor(const QString& billNo);

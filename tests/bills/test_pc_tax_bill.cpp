@@ -11,6 +11,8 @@
 #include "support/test_support.h"
 
 #include <QDir>
+#include <QLineEdit>
+#include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -57,6 +59,7 @@ private Q_SLOTS:
     void runs_data();
     void runs();
     void streamedPdfReadsBack();
+    void handOverFillsTheForm();
 
 private:
     Recording drawBill(const QString& billNo, const PCBillLook& look);
@@ -281,6 +284,16 @@ void TestPCTaxBill::streamedPdfReadsBack() {
         }
     }
     QCOMPARE(scanned, 10);
+}
+
+void TestPCTaxBill::handOverFillsTheForm() {
+    Clock::setToday(QDate(2013, 5, 1));
+    frmPCPrintTaxBills* form = OpenPCPrintTaxBillsFor(QStringLiteral("   42"));
+    QVERIFY(form->optBillLate->isChecked());
+    QVERIFY(form->txtControl->isHidden());
+    QCOMPARE(form->txtBillNo->text(), QStringLiteral("42"));
+    QCOMPARE(form->txtNumberOfMailers->text(), QStringLiteral("1"));
+    delete form;
 }
 
 QTEST_MAIN(TestPCTaxBill)
