@@ -11,6 +11,8 @@
 //              drawn, its page streamed into one PDF file
 //   notices    the county notice of every unpaid parcel, early and late bodies, from bill 1
 //   peak       the resident set's high-water mark after the runs (VmHWM)
+//   floor      (with --floor-bills N) the pages of the first N per capita bills, recorded once,
+//              then drawn straight onto a QPdfWriter: bills per second, for the ratio
 
 #include "bills/pc_tax_bill.h"
 #include "bills/second_notice.h"
@@ -25,6 +27,9 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
@@ -93,6 +98,44 @@ double streamed(const QString& pdf, int runs, const char* what,
     return median(rates);
 }
 
+// The floor: recorded pages drawn plainly onto one PDF writer, in pages per second.
+double floorRate(const Recording& recording, const QString& pdf) {
+    QElapsedTimer t;
+    t.start();
+    QPdfWriter writer(pdf);
+    writer.setResolution(1440);
+    writer.setPageLayout(
+        QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
+    QPainter painter;
+    if (!painter.begin(&writer))
+        return 0;
+    for (std::size_t i = 0; i < recording.pages.size(); ++i) {
+        if (i > 0)
+            writer.newPage();
+        painter.save();
+        painter.translate(360, 360);
+        QPen pen(Qt::black);
+        pen.setWidthF(12);
+        painter.setPen(pen);
+        for (const PrintedItem& item : recording.pages[i].items) {
+            if (const auto* text = std::get_if<PrintedText>(&item)) {
+                painter.setFont(text->font.qfont());
+                painter.drawText(QPointF(text->x, text->baseline()), text->text);
+            } else if (const auto* l = std::get_if<PrintedLine>(&item)) {
+                painter.drawLine(l->line);
+            } else if (const auto* b = std::get_if<PrintedBox>(&item)) {
+                painter.drawRect(b->rect);
+            } else if (const auto* c = std::get_if<PrintedBarcode>(&item)) {
+                for (const QRectF& bar : c->bars)
+                    painter.fillRect(bar, Qt::black);
+            }
+        }
+        painter.restore();
+    }
+    painter.end();
+    return recording.pages.size() / (t.nsecsElapsed() / 1e9);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -146,6 +189,25 @@ int main(int argc, char** argv) {
     const double pcRate =
         streamed(dir.filePath(QStringLiteral("pc_bills.pdf")), runs, "pc bills",
                  [&](ReportSurface& s) { return RunPCTaxBills(db, pcOffice, pcRun, s); });
+
+    const int floorBills = argument(args, QStringLiteral("--floor-bills"), 0);
+    if (floorBills > 0) {
+        PCBillRun some = pcRun;
+        some.mailers = floorBills;
+        ReportSurface recorded;
+        SetUpBillSurface(recorded);
+        const BillRunResult result = RunPCTaxBills(db, pcOffice, some, recorded);
+        recorded.EndDoc();
+        std::vector<double> floors;
+        for (int r = 0; r < runs; ++r)
+            floors.push_back(
+                floorRate(recorded.recording(), dir.filePath(QStringLiteral("floor.pdf"))));
+        const double f = median(floors) * result.printed /
+                         std::max<double>(1, recorded.recording().pages.size());
+        std::printf("floor %.1f pc bills/s (%d bills)   ratio %.2f\n", f, result.printed,
+                    pcRate / std::max(f, 1e-9));
+        std::fflush(stdout);
+    }
 
     NoticeOffice noticeOffice;
     QSqlQuery year(db);
