@@ -1,6 +1,8 @@
 #include "app/screen_catalog.h"
 
 #include "bills/pc_print_3up_labels.h"
+#include "bills/pc_print_tax_bills.h"
+#include "bills/print_second_notices.h"
 #include "bills/re_print_3up_labels.h"
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
@@ -27,6 +29,7 @@
 #include "utilities/backup_data.h"
 #include "utilities/email_data_file.h"
 #include "utilities/import_duplicate.h"
+#include "utilities/late_billing_routines.h"
 
 #include <QHash>
 
@@ -42,6 +45,11 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCReportsPrintMailingLabels", entry<frmPCPrint3UpLabels>("frmPCPrint3UpLabels")},
         {"mnuREReportsPrintSchoolTaxBills", entry<frmSchoolRETaxBillFen>("frmSchoolRETaxBillFen")},
         {"mnuREReportsPrintTaxBills", entry<frmREPrintTaxBills>("frmREPrintTaxBills")},
+        {"mnuPCReportsPrintTaxBills", entry<frmPCPrintTaxBills>("frmPCPrintTaxBills")},
+        {"mnuREReportsPrintSecondNotices",
+         entry<frmREPrintSecondNotices>("frmREPrintSecondNotices")},
+        {"mnuPCReportsPrintSecondNotices",
+         entry<frmPCPrintSecondNotices>("frmPCPrintSecondNotices")},
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
@@ -91,6 +99,8 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmPCPrintDistributionTwp>("frmPCPrintDistributionTwp")},
         {"mnuPCDistributionPrintSchool",
          entry<frmPCPrintDistributionSchool>("frmPCPrintDistributionSchool")},
+        {"mnuUtilitiesLateBillingRoutine",
+         {"frmLateBillingRoutines", false, &frmLateBillingRoutines::open}},
         {"mnuUilitiesEditSpecialTaxpayers",
          {"frmEditSpecialTaxpayers", false, &frmEditSpecialTaxpayers::open}},
         {"mnuUtilitiesZipAndEmail", entry<frmEmailDataFile>("frmEmailDataFile")},
