@@ -8,6 +8,7 @@
 #include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
+#include "desk/reports/change_reports.h"
 #include "utilities/late_billing.h"
 
 #include <QCheckBox>
@@ -38,19 +39,26 @@ QCheckBox* tick(QWidget* parent, const char* name, const char* caption) {
     return b;
 }
 
-// ================================================================================================
-// JOIN POINT: the adjustment reports.
-// The routine prints the year's adjustments (and afterwards those it has just written) through
-// frmREPrintAdjustmentReport and frmPCPrintAdjustmentReport: open the form, put the two dates
-// ("mm/dd/yyyy") into its txtStartDate and txtEndDate, and fire its cmdPrint_Click. Those forms
-// are built apart from this routine; until they are joined here, this step prints nothing.
-// Returns false when the report could not be printed.
-// ================================================================================================
-bool PrintLateBillingAdjustments(Duplicate duplicate, const QDate& start, const QDate& end) {
-    Q_UNUSED(duplicate);
-    Q_UNUSED(start);
-    Q_UNUSED(end);
-    return false;
+// Prints the adjustments of a range through the adjustment report form of the duplicate, as
+// the collector would: the form opened, its two dates filled in, Print pressed, the form closed.
+// Its boxes (the copies, the closing message) are asked as usual.
+void PrintLateBillingAdjustments(Duplicate duplicate, const QDate& start, const QDate& end) {
+    ChangeReportForm* form = nullptr;
+    if (duplicate == Duplicate::RealEstate)
+        form = new frmREPrintAdjustmentReport;
+    else
+        form = new frmPCPrintAdjustmentReport;
+    form->setAttribute(Qt::WA_DeleteOnClose);
+    QPointer<ChangeReportForm> guard(form);
+    if (ScreenHost* host = screenHost())
+        host->showScreen(form, false);
+    else
+        form->show();
+    form->txtStartDate->setText(start.toString(QStringLiteral("MM/dd/yyyy")));
+    form->txtEndDate->setText(end.toString(QStringLiteral("MM/dd/yyyy")));
+    form->cmdPrint_Click();
+    if (guard)
+        CloseScreen(guard);
 }
 
 // Prints the bills of the late frame whose address changed or that were added, through the
