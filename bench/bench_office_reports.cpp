@@ -8,6 +8,7 @@
 // The deposit list covers August, the school's busiest month, unless --month says otherwise.
 // BENCH_SPLIT=1 also prints how long each report took to draw, before its PDF was written.
 
+#include "bench_support.h"
 #include "core/clock.h"
 #include "core/session.h"
 #include "core/tax_database.h"
@@ -31,16 +32,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
 
 bool prepare(QSqlDatabase db) {
     QSqlQuery q(db);
@@ -91,10 +82,10 @@ double timed(const std::function<ReportDefinition()>& make, QSqlDatabase db, con
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
-    const int parcels = argument(args, "--parcels", 50000);
-    const int runs = std::max(1, argument(args, "--runs", 3));
+    const int parcels = Argument(args, "--parcels", 50000);
+    const int runs = std::max(1, Argument(args, "--runs", 3));
     // The month of the deposit list (August, the school's busiest, by default).
-    const int month = std::clamp(argument(args, "--month", 8), 1, 12);
+    const int month = std::clamp(Argument(args, "--month", 8), 1, 12);
     QTemporaryDir dir;
     const QString path = dir.filePath("KestLevyDsk2013.sqlite");
     QString error;
@@ -145,7 +136,7 @@ int main(int argc, char** argv) {
     std::printf("balance summary: %d pages, deposit list of month %d: %d pages, Act 169: %d "
                 "pages\n",
                 summaryPages, month, depositPages, act169Pages);
-    std::printf("RESULT summary_s=%.3f deposit_s=%.3f act169_s=%.3f\n", median(summary),
-                median(deposit), median(act169));
+    std::printf("RESULT summary_s=%.3f deposit_s=%.3f act169_s=%.3f\n", Median(summary),
+                Median(deposit), Median(act169));
     return 0;
 }

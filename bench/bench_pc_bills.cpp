@@ -14,6 +14,7 @@
 //   floor      (with --floor-bills N) the pages of the first N per capita bills, recorded once,
 //              then drawn straight onto a QPdfWriter: bills per second, for the ratio
 
+#include "bench_support.h"
 #include "bills/pc_tax_bill.h"
 #include "bills/second_notice.h"
 #include "core/clock.h"
@@ -40,31 +41,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-QString textArgument(const QStringList& args, const QString& name) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1) : QString();
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const QString v = textArgument(args, name);
-    return v.isEmpty() ? fallback : v.toInt();
-}
-
-double peakMegabytes() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
-    return 0;
-}
 
 // Runs `draw` onto a surface streamed into one PDF, `runs` times; the median of pieces per
 // second, or a negative number when a run failed.
@@ -95,7 +71,7 @@ double streamed(const QString& pdf, int runs, const char* what,
                     QFileInfo(pdf).size() / 1048576.0);
         std::fflush(stdout);
     }
-    return median(rates);
+    return Median(rates);
 }
 
 // The floor: recorded pages drawn plainly onto one PDF writer, in pages per second.
@@ -141,14 +117,14 @@ double floorRate(const Recording& recording, const QString& pdf) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
-    const int runs = std::max(1, argument(args, QStringLiteral("--runs"), 3));
+    const int runs = std::max(1, Argument(args, QStringLiteral("--runs"), 3));
     QTemporaryDir dir;
-    QString path = textArgument(args, QStringLiteral("--database"));
+    QString path = TextArgument(args, QStringLiteral("--database"));
     QString error;
     if (path.isEmpty()) {
         DemoOptions options;
-        options.parcels = std::max(1, argument(args, QStringLiteral("--parcels"), 50000));
-        options.persons = std::max(1, argument(args, QStringLiteral("--persons"), 50000));
+        options.parcels = std::max(1, Argument(args, QStringLiteral("--parcels"), 50000));
+        options.persons = std::max(1, Argument(args, QStringLiteral("--persons"), 50000));
         path = dir.filePath(QStringLiteral("KestLevyDsk2013.sqlite"));
         std::printf("making a demo of %d parcels and %d persons\n", options.parcels,
                     options.persons);
@@ -190,7 +166,7 @@ int main(int argc, char** argv) {
         streamed(dir.filePath(QStringLiteral("pc_bills.pdf")), runs, "pc bills",
                  [&](ReportSurface& s) { return RunPCTaxBills(db, pcOffice, pcRun, s); });
 
-    const int floorBills = argument(args, QStringLiteral("--floor-bills"), 0);
+    const int floorBills = Argument(args, QStringLiteral("--floor-bills"), 0);
     if (floorBills > 0) {
         PCBillRun some = pcRun;
         some.mailers = floorBills;
@@ -202,7 +178,7 @@ int main(int argc, char** argv) {
         for (int r = 0; r < runs; ++r)
             floors.push_back(
                 floorRate(recorded.recording(), dir.filePath(QStringLiteral("floor.pdf"))));
-        const double f = median(floors) * result.printed /
+        const double f = Median(floors) * result.printed /
                          std::max<double>(1, recorded.recording().pages.size());
         std::printf("floor %.1f pc bills/s (%d bills)   ratio %.2f\n", f, result.printed,
                     pcRate / std::max(f, 1e-9));
@@ -226,7 +202,7 @@ int main(int argc, char** argv) {
         [&](ReportSurface& s) { return RunSecondNotices(db, noticeOffice, noticeRun, s); });
     if (pcRate < 0 || noticeRate < 0)
         return 1;
-    const double peak = peakMegabytes();
+    const double peak = PeakMegabytes();
     std::printf("pc bills %.1f/s, notices %.1f/s, median of %d runs, peak %.0f MB\n", pcRate,
                 noticeRate, runs, peak);
     std::printf("RESULT pc_bills_per_s=%.0f notices_per_s=%.0f peak_mb=%.0f\n", pcRate, noticeRate,
