@@ -3,7 +3,11 @@
 // the address as billed; each change is one more TCAddress row, numbered by AddrID, and the
 // master carries the CAddrFlag marker. The amounts of the bill are not touched.
 
+#include "desk/realestate/chain_writes.h"
+
 #include <QDate>
+#include <QSqlRecord>
+#include <functional>
 #include <QSqlDatabase>
 #include <QString>
 #include <QWidget>
@@ -50,6 +54,19 @@ struct FieldRefusal {
 };
 FieldRefusal CheckNewZipCode(const QString& zipCode);
 FieldRefusal CheckNewZipCode2(const QString& zipCode2);
+
+// The chain of a bill's address changes as the address screens step through it: when the
+// master's CAddrFlag is "A", "Original Bill Before Address Change", then each row shown with
+// "Address Change Encountered" and nextAddrId after it. False, after the integrity message, when
+// the flag stands without a row: the screen closes.
+bool ReplayAddressHistory(QSqlDatabase db, const ChainTables& tables, const QSqlRecord& master,
+                          const std::function<void(const QSqlRecord&)>& showChange,
+                          int* nextAddrId);
+// A state not in the box's list: "Invalid State", the box emptied and focused; false.
+bool CheckStateBox(QComboBox* state);
+// USPS ticked: the change is reportable (ticked and locked) and the reason gets
+// " USPS Address Change"; unticked: reportable unticked and free again.
+void ApplyUspsTick(bool ticked, QCheckBox* reportable, QLineEdit* reason);
 
 class frmREAddressChange : public QWidget {
     Q_OBJECT
@@ -123,6 +140,7 @@ private:
 
     QString m_control;
     QString m_billNo;
+    QString m_hfFlag;
     int m_nextAddrId = 1;
     bool m_loaded = false;
     bool m_inLeave = false;
