@@ -388,9 +388,10 @@ void frmPCAddressChange::loadBill(const QString& column, const QString& key, boo
         {txtAddr1, txtNewAddr1},           {txtStreetNumber, txtNewStreetNumber},
         {txtStreetName, txtNewStreetName}, {txtZipCode, txtNewZipCode},
         {txtZipCode2, txtNewZipCode2}};
+    // The one blank that stands for an empty part is not copied, so typing starts clean.
     for (const auto& [from, to] : copies) {
         const QSignalBlocker block(to);
-        to->setText(from->text());
+        to->setText(from->text().trimmed());
     }
     txtNewName->setText(txtName->text());
     txtNewPrintName->setText(txtPrintName->text());
@@ -508,25 +509,30 @@ void frmPCAddressChange::accept() {
         return;
     }
     // 3. and 4.
+    // A part is stored trimmed; an empty one as one blank, as the duplicate holds it.
+    auto part = [](const QLineEdit* field) {
+        const QString text = field->text().trimmed();
+        return text.isEmpty() ? QStringLiteral(" ") : text;
+    };
     PerCapitaAddressRecord c;
     c.control = m_control;
     c.billNo = m_billNo;
     c.addrId = m_nextAddrId;
     c.name = txtNewName->text();
-    c.prefix = txtNewPrefix->text();
-    c.lName = txtNewLName->text();
-    c.fName = txtNewFName->text();
-    c.mName = txtNewMName->text();
-    c.suffix = txtNewSuffix->text();
-    c.relationship = txtNewRelationship->text();
-    c.addr1 = txtNewAddr1->text();
+    c.prefix = part(txtNewPrefix);
+    c.lName = part(txtNewLName);
+    c.fName = part(txtNewFName);
+    c.mName = part(txtNewMName);
+    c.suffix = part(txtNewSuffix);
+    c.relationship = part(txtNewRelationship);
+    c.addr1 = part(txtNewAddr1);
     c.addr2 = txtNewAddr2->text();
-    c.streetNumber = txtNewStreetNumber->text();
-    c.streetName = txtNewStreetName->text();
+    c.streetNumber = part(txtNewStreetNumber);
+    c.streetName = part(txtNewStreetName);
     c.city = cboNewCity->currentText();
     c.state = cboNewState->currentText();
     c.zipCode = txtNewZipCode->text();
-    c.zipCode2 = txtNewZipCode2->text();
+    c.zipCode2 = part(txtNewZipCode2);
     c.reason = txtReason->text();
     c.aDate = Clock::today();
     c.reportable = chkReportable->isChecked();
