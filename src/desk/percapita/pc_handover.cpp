@@ -41,7 +41,7 @@ bool OpenPCPrintTaxBillsFor(const QString& billNo) {
     if (!form)
         return false;
     if (auto* bill = form->findChild<QLineEdit*>(QStringLiteral("txtBillNo")))
-        bill->setText(billNo);
+        bill->setText(billNo.trimmed());
     if (auto* count = form->findChild<QLineEdit*>(QStringLiteral("txtNumberOfMailers")))
         count->setText(QStringLiteral("1"));
     if (auto* ok = form->findChild<QPushButton*>(QStringLiteral("cmdOK")))
