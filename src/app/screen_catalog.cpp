@@ -6,6 +6,7 @@
 #include "bills/school_re_tax_bill_fen.h"
 #include "desk/percapita/address_change.h"
 #include "desk/percapita/adjust_tax_bill.h"
+#include "desk/percapita/query_individual.h"
 #include "desk/percapita/query_screens.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/adjust_tax_bill.h"
@@ -52,6 +53,7 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCPaymentsChangeAddress", entry<frmPCAddressChange>("frmPCAddressChange")},
         {"mnuPCQueryTC", entry<frmPCQueryTC>("frmPCQueryTC")},
         {"mnuPCQueryReceipts", entry<frmPCQueryReceipts>("frmPCQueryReceipts")},
+        {"mnuPCQueryIndividual", entry<frmPCQueryIndividual>("frmPCQueryIndividual")},
         {"mnuUtilitiesRestore", entry<frmRestoreData>("frmRestoreData", true)},
         {"mnuPrinters", entry<frmSelectPrinter>("frmSelectPrinter")},
         {"mnuREPaymentsReprintReceipt", entry<frmREReprintReceipt>("frmREReprintReceipt")},

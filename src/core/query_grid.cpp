@@ -3,11 +3,11 @@
 #include "core/common_values.h"
 #include "core/csv.h"
 #include "core/messages.h"
-#include "core/session.h"
 #include "core/money.h"
+#include "core/session.h"
 
-#include <QDate>
 #include <QAction>
+#include <QDate>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
@@ -459,9 +459,9 @@ void GridContents(const QAbstractItemModel* model, QStringList* captions,
 }
 
 bool ExportGridToCsv(const QTableView* grid, const QString& title) {
-    const std::optional<QString> chosen = messageService().saveFileName(
-        QStringLiteral("Export to CSV"), session().programFolder(),
-        QStringLiteral("CSV Files (*.csv)"));
+    const std::optional<QString> chosen =
+        messageService().saveFileName(QStringLiteral("Export to CSV"), session().programFolder(),
+                                      QStringLiteral("CSV Files (*.csv)"));
     if (!chosen || chosen->trimmed().isEmpty())
         return false;
     QString path = *chosen;

@@ -192,16 +192,16 @@ void frmPCAddressChange::buildScreen() {
         return g;
     };
     QGridLayout* oldGrid =
-        fill(fraAddress, {txtName, txtPrintName, txtPrefix, txtFName, txtMName, txtLName,
-                          txtSuffix, txtRelationship, txtAddr1, txtStreetNumber, txtStreetName,
-                          txtAddr2, cboCity, cboState, txtZipCode, txtZipCode2, txtOldReason});
+        fill(fraAddress, {txtName, txtPrintName, txtPrefix, txtFName, txtMName, txtLName, txtSuffix,
+                          txtRelationship, txtAddr1, txtStreetNumber, txtStreetName, txtAddr2,
+                          cboCity, cboState, txtZipCode, txtZipCode2, txtOldReason});
     oldGrid->addWidget(new QLabel(QStringLiteral("Change Date:"), fraAddress), 14, 0);
     oldGrid->addWidget(txtADate, 14, 1);
-    QGridLayout* newGrid = fill(
-        fraNewAddress,
-        {txtNewName, txtNewPrintName, txtNewPrefix, txtNewFName, txtNewMName, txtNewLName,
-         txtNewSuffix, txtNewRelationship, txtNewAddr1, txtNewStreetNumber, txtNewStreetName,
-         txtNewAddr2, cboNewCity, cboNewState, txtNewZipCode, txtNewZipCode2, txtReason});
+    QGridLayout* newGrid =
+        fill(fraNewAddress,
+             {txtNewName, txtNewPrintName, txtNewPrefix, txtNewFName, txtNewMName, txtNewLName,
+              txtNewSuffix, txtNewRelationship, txtNewAddr1, txtNewStreetNumber, txtNewStreetName,
+              txtNewAddr2, cboNewCity, cboNewState, txtNewZipCode, txtNewZipCode2, txtReason});
     newGrid->addWidget(chkPrintBill, 14, 1);
     newGrid->addWidget(chkReportable, 15, 1);
     newGrid->addWidget(chkUSPS, 16, 1);
@@ -235,12 +235,12 @@ void frmPCAddressChange::buildScreen() {
     layout->addLayout(frames);
     layout->addLayout(buttons);
 
-    QWidget* order[] = {optBillNo,          txtBillNo,         optControl,      txtControl,
-                        txtNewPrefix,       txtNewFName,       txtNewMName,     txtNewLName,
-                        txtNewSuffix,       txtNewRelationship, txtNewAddr1,    txtNewStreetNumber,
-                        txtNewStreetName,   cboNewCity,        cboNewState,     txtNewZipCode,
-                        txtNewZipCode2,     txtReason,         chkPrintBill,    chkReportable,
-                        chkUSPS,            cmdAccept};
+    QWidget* order[] = {optBillNo,        txtBillNo,          optControl,   txtControl,
+                        txtNewPrefix,     txtNewFName,        txtNewMName,  txtNewLName,
+                        txtNewSuffix,     txtNewRelationship, txtNewAddr1,  txtNewStreetNumber,
+                        txtNewStreetName, cboNewCity,         cboNewState,  txtNewZipCode,
+                        txtNewZipCode2,   txtReason,          chkPrintBill, chkReportable,
+                        chkUSPS,          cmdAccept};
     for (std::size_t i = 1; i < std::size(order); ++i)
         setTabOrder(order[i - 1], order[i]);
 
@@ -349,19 +349,23 @@ void frmPCAddressChange::loadBill(const QString& column, const QString& key, boo
         txtControl->setText(m_control);
     }
     auto showAddress = [&](const QSqlRecord& r) {
-        const std::pair<QLineEdit*, const char*> fields[] = {
-            {txtName, "Name"},          {txtPrefix, "Prefix"},
-            {txtFName, "FName"},        {txtMName, "MName"},
-            {txtLName, "LName"},        {txtSuffix, "Suffix"},
-            {txtRelationship, "Relationship"}, {txtAddr1, "Addr1"},
-            {txtStreetNumber, "StreetNumber"}, {txtStreetName, "StreetName"},
-            {txtAddr2, "Addr2"},        {txtZipCode, "ZipCode"},
-            {txtZipCode2, "ZipCode2"}};
+        const std::pair<QLineEdit*, const char*> fields[] = {{txtName, "Name"},
+                                                             {txtPrefix, "Prefix"},
+                                                             {txtFName, "FName"},
+                                                             {txtMName, "MName"},
+                                                             {txtLName, "LName"},
+                                                             {txtSuffix, "Suffix"},
+                                                             {txtRelationship, "Relationship"},
+                                                             {txtAddr1, "Addr1"},
+                                                             {txtStreetNumber, "StreetNumber"},
+                                                             {txtStreetName, "StreetName"},
+                                                             {txtAddr2, "Addr2"},
+                                                             {txtZipCode, "ZipCode"},
+                                                             {txtZipCode2, "ZipCode2"}};
         for (const auto& [field, name] : fields)
             field->setText(text(r, name));
-        txtPrintName->setText(BuildPrintName({txtPrefix->text(), txtFName->text(),
-                                              txtMName->text(), txtLName->text(),
-                                              txtSuffix->text()}));
+        txtPrintName->setText(BuildPrintName({txtPrefix->text(), txtFName->text(), txtMName->text(),
+                                              txtLName->text(), txtSuffix->text()}));
         cboCity->setEditText(text(r, "City"));
         cboState->setEditText(text(r, "State"));
     };
@@ -473,8 +477,8 @@ bool frmPCAddressChange::checkField(QWidget* field) {
 }
 
 void frmPCAddressChange::clearAddress() {
-    for (QLineEdit* field : {txtNewAddr1, txtNewStreetNumber, txtNewStreetName, txtNewZipCode,
-                             txtNewZipCode2})
+    for (QLineEdit* field :
+         {txtNewAddr1, txtNewStreetNumber, txtNewStreetName, txtNewZipCode, txtNewZipCode2})
         field->clear();
     cboNewCity->clear();
     cboNewCity->setEditText(QString());
@@ -494,8 +498,8 @@ void frmPCAddressChange::accept() {
         return;
     }
     // A field left by the pointer on another button has not been checked yet.
-    for (QWidget* field : std::initializer_list<QWidget*>{cboNewCity, cboNewState, txtNewZipCode,
-                                                          txtNewZipCode2})
+    for (QWidget* field :
+         std::initializer_list<QWidget*>{cboNewCity, cboNewState, txtNewZipCode, txtNewZipCode2})
         if (!checkField(field)) {
             m_inLeave = false;
             return;

@@ -264,14 +264,14 @@ void frmPCAdjustTaxBill::buildScreen() {
     layout->addLayout(reasonRow);
     layout->addLayout(buttons);
 
-    QWidget* order[] = {cboAction,      txtBillNo,      txtControl,     txtPrefix,
-                        txtFName,       txtMName,       txtLName,       txtSuffix,
+    QWidget* order[] = {cboAction,       txtBillNo,     txtControl,      txtPrefix,
+                        txtFName,        txtMName,      txtLName,        txtSuffix,
                         txtRelationship, txtAddr1,      txtStreetNumber, txtStreetName,
-                        txtZipCode,     txtZipCode2,    cboCity,        cboState,
-                        cboOccuCode,    txtOccuDesc,    txtOccuValue,   txtBirthdate,
-                        chkCounty,      chkTwp,         chkSchool,      txtCPerCapita,
-                        txtCOccupation, txtTPerCapita,  txtTOccupation, txtSPerCapita,
-                        txtSOccupation, txtReason,      chkPrintBill,   cmdAccept};
+                        txtZipCode,      txtZipCode2,   cboCity,         cboState,
+                        cboOccuCode,     txtOccuDesc,   txtOccuValue,    txtBirthdate,
+                        chkCounty,       chkTwp,        chkSchool,       txtCPerCapita,
+                        txtCOccupation,  txtTPerCapita, txtTOccupation,  txtSPerCapita,
+                        txtSOccupation,  txtReason,     chkPrintBill,    cmdAccept};
     for (std::size_t i = 1; i < std::size(order); ++i)
         setTabOrder(order[i - 1], order[i]);
 
@@ -296,8 +296,8 @@ void frmPCAdjustTaxBill::buildScreen() {
             m_inLeave = false;
         }
     });
-    for (QLineEdit* part : {txtPrefix, txtFName, txtMName, txtLName, txtSuffix, txtStreetNumber,
-                            txtStreetName})
+    for (QLineEdit* part :
+         {txtPrefix, txtFName, txtMName, txtLName, txtSuffix, txtStreetNumber, txtStreetName})
         connect(part, &QLineEdit::textChanged, this, [this] { buildNames(); });
     for (QCheckBox* box : bodyBoxes())
         connect(box, &QCheckBox::clicked, this, [this] {
@@ -362,8 +362,8 @@ void frmPCAdjustTaxBill::loadRates() {
         const bool visible = m_rates.body[std::size_t(b)].levies();
         m_bodyVisible[std::size_t(b)] = visible;
         boxes[std::size_t(b)]->setVisible(visible);
-        for (QLineEdit* f : {faces[std::size_t(b * 2)], faces[std::size_t(b * 2 + 1)],
-                             totals[std::size_t(b)]}) {
+        for (QLineEdit* f :
+             {faces[std::size_t(b * 2)], faces[std::size_t(b * 2 + 1)], totals[std::size_t(b)]}) {
             f->setVisible(visible);
             if (auto* label = findChild<QLabel*>(QStringLiteral("lbl") + f->objectName().mid(3)))
                 label->setVisible(visible);
@@ -554,14 +554,19 @@ void frmPCAdjustTaxBill::showImage(const QSqlRecord& image) {
 // stored.
 void frmPCAdjustTaxBill::showAddress(const QSqlRecord& row) {
     auto text = [&row](const char* column) { return TextField(row.value(column)); };
-    const std::pair<QLineEdit*, const char*> fields[] = {
-        {txtPrefix, "Prefix"},       {txtFName, "FName"},
-        {txtMName, "MName"},         {txtLName, "LName"},
-        {txtSuffix, "Suffix"},       {txtRelationship, "Relationship"},
-        {txtAddr1, "Addr1"},         {txtStreetNumber, "StreetNumber"},
-        {txtStreetName, "StreetName"}, {txtZipCode, "ZipCode"},
-        {txtZipCode2, "ZipCode2"},   {txtName, "Name"},
-        {txtAddr2, "Addr2"}};
+    const std::pair<QLineEdit*, const char*> fields[] = {{txtPrefix, "Prefix"},
+                                                         {txtFName, "FName"},
+                                                         {txtMName, "MName"},
+                                                         {txtLName, "LName"},
+                                                         {txtSuffix, "Suffix"},
+                                                         {txtRelationship, "Relationship"},
+                                                         {txtAddr1, "Addr1"},
+                                                         {txtStreetNumber, "StreetNumber"},
+                                                         {txtStreetName, "StreetName"},
+                                                         {txtZipCode, "ZipCode"},
+                                                         {txtZipCode2, "ZipCode2"},
+                                                         {txtName, "Name"},
+                                                         {txtAddr2, "Addr2"}};
     for (const auto& [field, column] : fields) {
         const QSignalBlocker block(field);
         field->setText(text(column));
@@ -585,8 +590,9 @@ void frmPCAdjustTaxBill::buildNames() {
 bool frmPCAdjustTaxBill::bodySettled(int body) const {
     if (!m_bodyVisible[std::size_t(body)])
         return true;
-    const QString flag = body == 0 ? m_flags.cPayFlag : body == 1 ? m_flags.tPayFlag
-                                                                  : m_flags.sPayFlag;
+    const QString flag = body == 0   ? m_flags.cPayFlag
+                         : body == 1 ? m_flags.tPayFlag
+                                     : m_flags.sPayFlag;
     return !isBlank(flag);
 }
 
@@ -635,9 +641,9 @@ void frmPCAdjustTaxBill::startAddition() {
     for (QLineEdit* field : findChildren<QLineEdit*>())
         if (!field->isReadOnly() && field != txtBillNo && field != txtAdjNo)
             field->setEnabled(true);
-    for (QWidget* w : std::initializer_list<QWidget*>{cboCity, cboState, cboOccuCode, txtReason,
-                                                      chkReportable, chkUSPS, cmdAccept,
-                                                      cmdPaymentInfo})
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{cboCity, cboState, cboOccuCode, txtReason, chkReportable,
+                                         chkUSPS, cmdAccept, cmdPaymentInfo})
         w->setEnabled(true);
     chkPrintBill->setEnabled(PerCapitaBillFormExists());
     const auto boxes = bodyBoxes();

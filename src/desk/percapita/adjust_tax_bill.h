@@ -110,7 +110,7 @@ private:
     void buildNames();
 
     std::array<QLineEdit*, PerCapitaLineCount> faceFields() const {
-        return {txtCPerCapita, txtCOccupation, txtTPerCapita,
+        return {txtCPerCapita,  txtCOccupation, txtTPerCapita,
                 txtTOccupation, txtSPerCapita,  txtSOccupation};
     }
     std::array<QCheckBox*, 3> bodyBoxes() const { return {chkCounty, chkTwp, chkSchool}; }

@@ -7,8 +7,8 @@
 
 namespace {
 
-const char* const LineNames[PerCapitaLineCount] = {"CPerCapita", "COccupation", "TPerCapita",
-                                                    "TOccupation", "SPerCapita", "SOccupation"};
+const char* const LineNames[PerCapitaLineCount] = {"CPerCapita",  "COccupation", "TPerCapita",
+                                                   "TOccupation", "SPerCapita",  "SOccupation"};
 
 Money rounded(double value) {
     return Money::fromRounded(RoundTo(value, 2));
@@ -75,8 +75,8 @@ PerCapitaAmounts PerCapitaAmountsFromRecord(const QSqlRecord& bill) {
 }
 
 PerCapitaRates PerCapitaRatesFromMillfile(const QSqlRecord& countyRow,
-                                          const QSqlRecord& municipalRow,
-                                          const QString& district, const QString& schoolName) {
+                                          const QSqlRecord& municipalRow, const QString& district,
+                                          const QString& schoolName) {
     PerCapitaRates r;
     const bool district37 = district.trimmed() == QLatin1String("37");
     r.body[0] = {rate(countyRow, "SPC"), rate(countyRow, "SMO"), district37,
@@ -84,8 +84,8 @@ PerCapitaRates PerCapitaRatesFromMillfile(const QSqlRecord& countyRow,
     r.body[1] = {rate(municipalRow, "TPC"), rate(municipalRow, "TMO"), district37,
                  rate(municipalRow, "PCTD"), rate(municipalRow, "PCTP")};
     r.body[2] = {rate(municipalRow, "SPC"), rate(municipalRow, "SMO"),
-                 schoolName.trimmed() == QLatin1String("Larkspur Hill"),
-                 rate(municipalRow, "PCSD"), rate(municipalRow, "PCSP")};
+                 schoolName.trimmed() == QLatin1String("Larkspur Hill"), rate(municipalRow, "PCSD"),
+                 rate(municipalRow, "PCSP")};
     return r;
 }
 
@@ -99,8 +99,8 @@ PerCapitaAmounts ComputePerCapitaAmounts(const PerCapitaAmounts& before, qint64 
         const Money occupation = r.occupationInMills
                                      ? rounded(r.occupation / 1000 * double(occupationValue))
                                      : rounded(r.occupation);
-        a.line[std::size_t(b * 2)] = TripleFromFace(rounded(r.perCapita), r.discountPct,
-                                                    r.penaltyPct);
+        a.line[std::size_t(b * 2)] =
+            TripleFromFace(rounded(r.perCapita), r.discountPct, r.penaltyPct);
         a.line[std::size_t(b * 2 + 1)] = TripleFromFace(occupation, r.discountPct, r.penaltyPct);
     }
     return a;

@@ -38,7 +38,9 @@ QString PerCapitaPenaltyColumn(int line);
 struct PerCapitaAmounts {
     std::array<AmountTriple, PerCapitaLineCount> line{};
 
-    Money bodyFace(int body) const { return line[std::size_t(body * 2)].face + line[std::size_t(body * 2 + 1)].face; }
+    Money bodyFace(int body) const {
+        return line[std::size_t(body * 2)].face + line[std::size_t(body * 2 + 1)].face;
+    }
     Money totalFace() const { return bodyFace(0) + bodyFace(1) + bodyFace(2); }
     bool operator==(const PerCapitaAmounts&) const = default;
 };
@@ -46,11 +48,11 @@ PerCapitaAmounts PerCapitaAmountsFromRecord(const QSqlRecord& bill);
 
 // The rates of one body's two lines.
 struct PerCapitaBodyRates {
-    double perCapita = 0;      // SPC (county row), TPC, SPC (municipal row): a flat amount
-    double occupation = 0;     // SMO, TMO, SMO: a flat amount, or mills on the occupation value
+    double perCapita = 0;  // SPC (county row), TPC, SPC (municipal row): a flat amount
+    double occupation = 0; // SMO, TMO, SMO: a flat amount, or mills on the occupation value
     bool occupationInMills = false;
-    double discountPct = 0;    // PCSD, PCTD, PCSD
-    double penaltyPct = 0;     // PCSP, PCTP, PCSP
+    double discountPct = 0; // PCSD, PCTD, PCSD
+    double penaltyPct = 0;  // PCSP, PCTP, PCSP
 
     // The body levies something: its lines are shown.
     bool levies() const { return perCapita != 0 || occupation != 0; }
@@ -64,8 +66,8 @@ struct PerCapitaRates {
 // occupation go by mills in district "37" only, the school's only in the school district named
 // "Larkspur Hill" (tbl_Twpboro SchoolName); elsewhere they are flat amounts.
 PerCapitaRates PerCapitaRatesFromMillfile(const QSqlRecord& countyRow,
-                                          const QSqlRecord& municipalRow,
-                                          const QString& district, const QString& schoolName);
+                                          const QSqlRecord& municipalRow, const QString& district,
+                                          const QString& schoolName);
 
 // The faces of the ticked bodies from their rates and the occupation value (whole dollars), with
 // their discount and penalty: per capita the flat rate; occupation RoundTo(mill / 1000 * value)
@@ -100,8 +102,7 @@ struct PerCapitaAddition {
     QDate addDate;
     QString reason;
 };
-bool AddPerCapitaBill(QSqlDatabase db, const PerCapitaAddition& addition,
-                      QString* error = nullptr);
+bool AddPerCapitaBill(QSqlDatabase db, const PerCapitaAddition& addition, QString* error = nullptr);
 
 // An adjustment (AdjFlag "A" on the master, then the image in PCAdjust with AdjFlag "A") or an
 // exoneration (AdjFlag "A" and all three pay flags "X" on the master, whatever the ticks; the

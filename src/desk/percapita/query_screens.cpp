@@ -25,11 +25,11 @@ QueryListKind masterListKind() {
     k.gridFrameName = "fraMasterList";
     k.gridCaption = "Search Master File";
     k.columns = {
-        {"Control", "Control", F::Text},  {"Bill #", "BillNo", F::Text},
-        {"Name", "Name", F::Text},        {"Discount", "Discount", F::Money},
-        {"Face", "Face", F::Money},       {"Penalty", "Penalty", F::Money},
-        {"C Pd", "CPayFlag", F::Text},    {"T Pd", "TPayFlag", F::Text},
-        {"S Pd", "SPayFlag", F::Text},    {"Adj", "AdjFlag", F::Text},
+        {"Control", "Control", F::Text}, {"Bill #", "BillNo", F::Text},
+        {"Name", "Name", F::Text},       {"Discount", "Discount", F::Money},
+        {"Face", "Face", F::Money},      {"Penalty", "Penalty", F::Money},
+        {"C Pd", "CPayFlag", F::Text},   {"T Pd", "TPayFlag", F::Text},
+        {"S Pd", "SPayFlag", F::Text},   {"Adj", "AdjFlag", F::Text},
         {"Addr", "CAddrFlag", F::Text},
     };
     k.widths = {60, 50, 260, 90, 90, 90, 40, 40, 40, 35, 40};
@@ -60,16 +60,11 @@ QueryListKind receiptListKind() {
     k.gridFrameName = "fraReceiptList";
     k.gridCaption = "Search Receipts File";
     k.columns = {
-        {"Control", "Control", F::Text},
-        {"Bill #", "BillNo", F::Text},
-        {"Name", "Name", F::Text},
-        {"Receipt Number", "RecNum", F::Text},
-        {"Payment", "Total", F::Money},
-        {"Date", "RDate", F::Date},
-        {"Voided", "VDate", F::Date},
-        {"C Pd", "CPayFlag", F::Text},
-        {"M Pd", "TPayFlag", F::Text},
-        {"S Pd", "SPayFlag", F::Text},
+        {"Control", "Control", F::Text}, {"Bill #", "BillNo", F::Text},
+        {"Name", "Name", F::Text},       {"Receipt Number", "RecNum", F::Text},
+        {"Payment", "Total", F::Money},  {"Date", "RDate", F::Date},
+        {"Voided", "VDate", F::Date},    {"C Pd", "CPayFlag", F::Text},
+        {"M Pd", "TPayFlag", F::Text},   {"S Pd", "SPayFlag", F::Text},
     };
     k.widths = {60, 50, 240, 110, 90, 80, 80, 40, 40, 40};
     k.derived = {{"UName", {"Name"}, true}};

@@ -6,11 +6,11 @@
 #include "desk/realestate/chain_writes.h"
 
 #include <QDate>
-#include <QSqlRecord>
-#include <functional>
 #include <QSqlDatabase>
+#include <QSqlRecord>
 #include <QString>
 #include <QWidget>
+#include <functional>
 
 class QCheckBox;
 class QComboBox;

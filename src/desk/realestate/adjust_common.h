@@ -24,8 +24,7 @@ inline constexpr const char* AdjustTaxBillTitle = "Adjust Tax Bill";
 // False, after the integrity message, when a chain is incomplete: the screen closes.
 bool ReplayAdjustHistory(const BillNow& bill, const BillHistory& history,
                          const std::function<void(const QSqlRecord&)>& showImage,
-                         const std::function<void(const QSqlRecord&)>& showAddress,
-                         int* nextAdjNo);
+                         const std::function<void(const QSqlRecord&)>& showAddress, int* nextAdjNo);
 
 // The paid test of an adjustment: when every body is settled, "This tax bill has ALREADY been
 // exonerated" (every visible flag "X") or "This account has already been paid in full. You

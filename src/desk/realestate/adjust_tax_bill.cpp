@@ -1,5 +1,6 @@
 #include "desk/realestate/adjust_tax_bill.h"
 
+#include "bills/re_print_tax_bills.h"
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
@@ -7,7 +8,6 @@
 #include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
-#include "bills/re_print_tax_bills.h"
 #include "desk/realestate/adjust_common.h"
 #include "desk/realestate/query_handover.h"
 #include "desk/realestate/query_tc.h"
@@ -784,10 +784,10 @@ void frmREAdjustTaxBill::startAddition() {
     cboAction->setEnabled(false);
     txtBillNo->setEnabled(false);
     for (QWidget* w : std::initializer_list<QWidget*>{
-             txtControl, txtName,      txtCoOwner,  txtAddr1,      txtAddr2,    cboCity,
-             cboState,   txtZipCode,   txtZipCode2, txtMap3,       txtMap4,     txtMap5,
-             txtDesc1,   txtDesc2,     txtDesc3,    txtDeedBook,   txtDeedPage, cboLandUse,
-             txtAcreage, txtAssLand,   txtAssImpr,  chkHFFlag,     chkAAFlag,   chkInstallments,
+             txtControl, txtName,      txtCoOwner,  txtAddr1,       txtAddr2,    cboCity,
+             cboState,   txtZipCode,   txtZipCode2, txtMap3,        txtMap4,     txtMap5,
+             txtDesc1,   txtDesc2,     txtDesc3,    txtDeedBook,    txtDeedPage, cboLandUse,
+             txtAcreage, txtAssLand,   txtAssImpr,  chkHFFlag,      chkAAFlag,   chkInstallments,
              txtReason,  cmdCalculate, cmdAccept,   cmdPaymentInfo, chkPrintBill})
         w->setEnabled(true);
     const auto boxes = bodyBoxes();

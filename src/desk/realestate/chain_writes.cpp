@@ -92,9 +92,10 @@ bool RemoveExoneration(QSqlDatabase db, const ChainUnexoneration& u, QString* er
         const QString adjFlag = u.lastAdjNo > 1 ? QStringLiteral("A") : QStringLiteral(" ");
         if (!exec(db, sql, {adjFlag, u.billNo}, error))
             return false;
-        return exec(
-            db, QStringLiteral("DELETE FROM %1 WHERE BillNo = ? AND AdjNo = ?").arg(table(u.tables.adjust)),
-            {u.billNo, u.lastAdjNo}, error);
+        return exec(db,
+                    QStringLiteral("DELETE FROM %1 WHERE BillNo = ? AND AdjNo = ?")
+                        .arg(table(u.tables.adjust)),
+                    {u.billNo, u.lastAdjNo}, error);
     });
 }
 

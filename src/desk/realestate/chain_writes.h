@@ -30,9 +30,7 @@ inline constexpr ChainTables PerCapitaChain{"PCMaster", "PCAdjust", "PCAddress",
 // The columns of a row to insert with their values, in the order they are added.
 class RowValues {
 public:
-    void add(const char* column, const QVariant& value) {
-        add(QString::fromLatin1(column), value);
-    }
+    void add(const char* column, const QVariant& value) { add(QString::fromLatin1(column), value); }
     void add(const QString& column, const QVariant& value) {
         m_columns << column;
         m_values.push_back(value);
@@ -78,8 +76,7 @@ struct ChainAdjustment {
     bool exonerate = false;
     BodyTicks bodies{}; // exoneration: the bodies set to "X"
 };
-bool AppendAdjustment(QSqlDatabase db, const ChainAdjustment& adjustment,
-                      QString* error = nullptr);
+bool AppendAdjustment(QSqlDatabase db, const ChainAdjustment& adjustment, QString* error = nullptr);
 
 // Taking an exoneration back: AdjFlag stays "A" while an earlier adjustment remains (lastAdjNo
 // above 1), else blank; each ticked body's pay flag is cleared; the last adjustment row goes.

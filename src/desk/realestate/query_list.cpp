@@ -169,8 +169,8 @@ void QueryListScreen::buildScreen() {
         NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"));
     cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
     for (const QueryRowButton& b : m_kind.rowButtons)
-        m_rowButtons.push_back(NamedButton(this, QString::fromLatin1(b.name),
-                                           QString::fromLatin1(b.caption)));
+        m_rowButtons.push_back(
+            NamedButton(this, QString::fromLatin1(b.name), QString::fromLatin1(b.caption)));
 
     model = new QueryGridModel(m_kind.columns, m_kind.derived, this);
     if (!m_kind.lateSql.isEmpty())
@@ -311,8 +311,7 @@ bool QueryListScreen::loadList() {
     if (!o)
         return false;
     QString error;
-    if (!model->load(session().DbConnection, m_kind.sql, {}, o->orderBy, m_kind.distinct,
-                     &error)) {
+    if (!model->load(session().DbConnection, m_kind.sql, {}, o->orderBy, m_kind.distinct, &error)) {
         MsgBox(QStringLiteral("The file could not be read: ") + error,
                QString::fromLatin1(m_kind.boxTitle), MsgButtons::Ok, MsgIcon::Critical);
         return false;

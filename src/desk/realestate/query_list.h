@@ -131,7 +131,7 @@ private:
 
 // A per capita or real-estate master list's SQL: the master's rows and one more for each
 // address change with the change's fields named in changeFields, the master's for the rest.
-QString MasterUnionSql(const char* master, const char* address,
-                       const QStringList& changeFields, const QStringList& masterFields);
+QString MasterUnionSql(const char* master, const char* address, const QStringList& changeFields,
+                       const QStringList& masterFields);
 // ifnull(D1, 0)+ifnull(D2, 0)+...: a sum of amount columns, Null counting as zero.
 QString AmountSum(const QStringList& columns);

@@ -325,8 +325,7 @@ void TestPerCapitaCorrections::failedWriteLeavesNothing() {
     c.billNo = QStringLiteral("   42");
     c.name = QStringLiteral("X");
     QVERIFY(!RecordPerCapitaAddressChange(t.db(), c, &error));
-    QCOMPARE(rows(t.db(), "SELECT BillNo, AdjFlag, CAddrFlag FROM PCMaster"),
-             QString("   42| | "));
+    QCOMPARE(rows(t.db(), "SELECT BillNo, AdjFlag, CAddrFlag FROM PCMaster"), QString("   42| | "));
     QCOMPARE(rows(t.db(), "SELECT BillNum FROM PCBillNum"), QString("7"));
 }
 
