@@ -423,44 +423,26 @@ void frmPCAdjustTaxBill::openFromQuery(const QString& billNo) {
     cboAction->setFocus(Qt::OtherFocusReason);
 }
 
+AdjustActionFlow frmPCAdjustTaxBill::actionFlow() {
+    return {cboAction,
+            txtBillNo,
+            &m_action,
+            &m_loaded,
+            &m_inLeave,
+            [this] { startAddition(); },
+            [this] { loadBill(); }};
+}
+
 void frmPCAdjustTaxBill::setAction(int action) {
-    if (!cboAction->isEnabled())
-        return;
-    {
-        const QSignalBlocker block(cboAction);
-        cboAction->setCurrentIndex(action <= AddBill ? action : -1);
-    }
-    actionChosen(action);
+    SetAdjustAction(actionFlow(), action);
 }
 
 void frmPCAdjustTaxBill::actionChosen(int action) {
-    if (action == NoAction) {
-        MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
-        return;
-    }
-    m_action = action;
-    if (action == AddBill) {
-        startAddition();
-        return;
-    }
-    txtBillNo->setEnabled(true);
-    txtBillNo->setFocus(Qt::OtherFocusReason);
-    if (!isBlank(txtBillNo->text())) {
-        m_inLeave = true;
-        billNoLeft();
-        m_inLeave = false;
-    }
+    AdjustActionChosen(actionFlow(), action);
 }
 
 void frmPCAdjustTaxBill::billNoLeft() {
-    if (m_loaded || m_action == AddBill || isBlank(txtBillNo->text()))
-        return;
-    if (m_action == NoAction) {
-        MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
-        cboAction->setFocus(Qt::OtherFocusReason);
-        return;
-    }
-    loadBill();
+    AdjustBillNoLeft(actionFlow());
 }
 
 void frmPCAdjustTaxBill::loadBill() {
@@ -908,14 +890,8 @@ bool frmPCAdjustTaxBill::accept() {
 }
 
 void frmPCAdjustTaxBill::showPaymentInfo() {
-    if (m_loaded)
-        session().PaymentInfoText = PerCapitaPaymentInfoText(
-            m_flags, m_btFlag, ReadPerCapitaReceipts(session().DbConnection, m_billNo));
-    else
-        session().PaymentInfoText.clear();
-    if (session().PaymentInfoText.isEmpty())
-        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle),
-               MsgButtons::Ok, MsgIcon::Information);
-    else
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
+    ShowAdjustPaymentInfo(
+        m_loaded ? PerCapitaPaymentInfoText(m_flags, m_btFlag,
+                                            ReadPerCapitaReceipts(session().DbConnection, m_billNo))
+                 : QString());
 }

@@ -98,6 +98,7 @@ private:
     void buildScreen();
     void loadRates();
     void clearScreen();
+    struct AdjustActionFlow actionFlow();
     void actionChosen(int action);
     void billNoLeft();
     void loadBill();

@@ -2,9 +2,11 @@
 
 #include "core/messages.h"
 #include "core/session.h"
+#include "desk/realestate/payment_rules.h"
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QSignalBlocker>
 #include <QSqlQuery>
 #include <QStringList>
 
@@ -171,4 +173,64 @@ bool ZipCodeLookup(QLineEdit* zipCode, QComboBox* city, QComboBox* state) {
         city->setEditText(QString());
     }
     return true;
+}
+
+namespace {
+
+constexpr int NoAdjustAction = -1;
+constexpr int AddBillAction = 1;
+
+void actionMissing() {
+    MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
+}
+
+} // namespace
+
+void AdjustActionChosen(const AdjustActionFlow& flow, int action) {
+    if (action == NoAdjustAction) {
+        actionMissing();
+        return;
+    }
+    *flow.action = action;
+    if (action == AddBillAction) {
+        flow.startAddition();
+        return;
+    }
+    flow.txtBillNo->setEnabled(true);
+    flow.txtBillNo->setFocus(Qt::OtherFocusReason);
+    if (!flow.txtBillNo->text().trimmed().isEmpty()) {
+        *flow.inLeave = true;
+        AdjustBillNoLeft(flow);
+        *flow.inLeave = false;
+    }
+}
+
+void SetAdjustAction(const AdjustActionFlow& flow, int action) {
+    if (!flow.cboAction->isEnabled())
+        return;
+    {
+        const QSignalBlocker block(flow.cboAction);
+        flow.cboAction->setCurrentIndex(action <= AddBillAction ? action : -1);
+    }
+    AdjustActionChosen(flow, action);
+}
+
+void AdjustBillNoLeft(const AdjustActionFlow& flow) {
+    if (*flow.loaded || *flow.action == AddBillAction || flow.txtBillNo->text().trimmed().isEmpty())
+        return;
+    if (*flow.action == NoAdjustAction) {
+        actionMissing();
+        flow.cboAction->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    flow.loadBill();
+}
+
+void ShowAdjustPaymentInfo(const QString& text) {
+    session().PaymentInfoText = text;
+    if (text.isEmpty())
+        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle),
+               MsgButtons::Ok, MsgIcon::Information);
+    else
+        MsgBox(text, QString::fromLatin1(PaymentInfoTitle));
 }

@@ -50,5 +50,28 @@ bool ConfirmZeroTotal(Money total, const QString& abortedText);
 // focus back on the field.
 bool ZipCodeLookup(QLineEdit* zipCode, QComboBox* city, QComboBox* state);
 
+// The action list and the bill number of an adjustment screen: what the screens keep of them
+// and what they do on a choice. Positions are those of cboAction; -1 is no action, 1 adding a
+// bill.
+struct AdjustActionFlow {
+    QComboBox* cboAction = nullptr;
+    QLineEdit* txtBillNo = nullptr;
+    int* action = nullptr;
+    bool* loaded = nullptr;
+    bool* inLeave = nullptr;
+    std::function<void()> startAddition;
+    std::function<void()> loadBill;
+};
+// A choice in the list: none is "Action must be selected"; adding starts the addition; any
+// other sends the focus to the bill number and loads the number that stands there.
+void AdjustActionChosen(const AdjustActionFlow& flow, int action);
+// The same choice made by the program; positions beyond the list leave it without a selection.
+void SetAdjustAction(const AdjustActionFlow& flow, int action);
+// Leaving the bill number: loads it once an action other than adding is chosen.
+void AdjustBillNoLeft(const AdjustActionFlow& flow);
+// Payment Info: the text when anything was paid, else "There have been no payments made on this
+// account" (title "Receive Payments").
+void ShowAdjustPaymentInfo(const QString& text);
+
 // Gives the focus back to a field refused, its text selected for retyping.
 void RefuseField(QLineEdit* field);

@@ -539,49 +539,31 @@ void frmREAdjustTaxBill::openFromQuery(const QString& billNo) {
     cboAction->setFocus(Qt::OtherFocusReason);
 }
 
+AdjustActionFlow frmREAdjustTaxBill::actionFlow() {
+    return {cboAction,
+            txtBillNo,
+            &m_action,
+            &m_loaded,
+            &m_inLeave,
+            [this] { startAddition(); },
+            [this] { loadBill(); }};
+}
+
 void frmREAdjustTaxBill::setAction(int action) {
-    if (!cboAction->isEnabled())
-        return;
-    {
-        const QSignalBlocker block(cboAction);
-        cboAction->setCurrentIndex(action <= AddBill ? action : -1);
-    }
-    actionChosen(action);
+    SetAdjustAction(actionFlow(), action);
 }
 
 void frmREAdjustTaxBill::actionChosen(int action) {
-    if (action == NoAction) {
-        MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
-        return;
-    }
-    m_action = action;
-    if (action == AddBill) {
-        startAddition();
-        return;
-    }
-    txtBillNo->setEnabled(true);
-    txtBillNo->setFocus(Qt::OtherFocusReason);
-    if (!isBlank(txtBillNo->text())) {
-        m_inLeave = true;
-        billNoLeft();
-        m_inLeave = false;
-    }
+    AdjustActionChosen(actionFlow(), action);
+}
+
+void frmREAdjustTaxBill::billNoLeft() {
+    AdjustBillNoLeft(actionFlow());
 }
 
 // ---------------------------------------------------------------------------------------------
 // Loading a bill
 // ---------------------------------------------------------------------------------------------
-
-void frmREAdjustTaxBill::billNoLeft() {
-    if (m_loaded || m_action == AddBill || isBlank(txtBillNo->text()))
-        return;
-    if (m_action == NoAction) {
-        MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
-        cboAction->setFocus(Qt::OtherFocusReason);
-        return;
-    }
-    loadBill();
-}
 
 void frmREAdjustTaxBill::loadBill() {
     const QString title = QString::fromLatin1(AdjustTitle);
@@ -1287,14 +1269,9 @@ bool frmREAdjustTaxBill::accept() {
 }
 
 void frmREAdjustTaxBill::showPaymentInfo() {
-    if (m_loaded)
-        session().PaymentInfoText = RealEstatePaymentInfoText(
-            m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, m_billNo));
-    else
-        session().PaymentInfoText.clear();
-    if (session().PaymentInfoText.isEmpty())
-        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle),
-               MsgButtons::Ok, MsgIcon::Information);
-    else
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
+    ShowAdjustPaymentInfo(
+        m_loaded
+            ? RealEstatePaymentInfoText(
+                  m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, m_billNo))
+            : QString());
 }
