@@ -296,33 +296,29 @@ bool frmPCAddressChange::eventFilter(QObject* watched, QEvent* event) {
     return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }
 
+AddressSearchFlow frmPCAddressChange::searchFlow() {
+    return {optBillNo,
+            optControl,
+            txtBillNo,
+            txtControl,
+            &m_loaded,
+            &m_inLeave,
+            [this] { clearScreen(); },
+            [this](const QString& column, const QString& key, bool byBill) {
+                loadBill(column, key, byBill);
+            }};
+}
+
 void frmPCAddressChange::chooseSearch(bool byBill) {
-    txtBillNo->setEnabled(byBill);
-    txtControl->setEnabled(!byBill);
-    if (!m_loaded)
-        (byBill ? txtBillNo : txtControl)->setFocus(Qt::OtherFocusReason);
+    ChooseAddressSearch(searchFlow(), byBill);
 }
 
 void frmPCAddressChange::openFromQuery(const QString& billNo) {
-    if (!optBillNo->isChecked() && !optControl->isChecked()) {
-        optBillNo->setChecked(true);
-        chooseSearch(true);
-    }
-    clearScreen();
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    loadBill(QStringLiteral("BillNo"), PadBillNo(billNo), true);
-    m_inLeave = false;
+    OpenAddressFromQuery(searchFlow(), billNo);
 }
 
 void frmPCAddressChange::searchLeft(bool byBill) {
-    QLineEdit* field = byBill ? txtBillNo : txtControl;
-    if (field->text().trimmed().isEmpty() || !field->isEnabled())
-        return;
-    if (byBill)
-        loadBill(QStringLiteral("BillNo"), PadBillNo(field->text()), true);
-    else
-        loadBill(QStringLiteral("Control"), field->text().trimmed(), false);
+    AddressSearchLeft(searchFlow(), byBill);
 }
 
 void frmPCAddressChange::loadBill(const QString& column, const QString& key, bool byBill) {

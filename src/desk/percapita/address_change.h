@@ -111,6 +111,7 @@ protected:
 
 private:
     void buildScreen();
+    struct AddressSearchFlow searchFlow();
     void chooseSearch(bool byBill);
     void searchLeft(bool byBill);
     void loadBill(const QString& column, const QString& key, bool byBill);

@@ -163,6 +163,35 @@ void ApplyUspsTick(bool ticked, QCheckBox* reportable, QLineEdit* reason) {
     }
 }
 
+void ChooseAddressSearch(const AddressSearchFlow& flow, bool byBill) {
+    flow.txtBillNo->setEnabled(byBill);
+    flow.txtControl->setEnabled(!byBill);
+    if (!*flow.loaded)
+        (byBill ? flow.txtBillNo : flow.txtControl)->setFocus(Qt::OtherFocusReason);
+}
+
+void OpenAddressFromQuery(const AddressSearchFlow& flow, const QString& billNo) {
+    if (!flow.optBillNo->isChecked() && !flow.optControl->isChecked()) {
+        flow.optBillNo->setChecked(true);
+        ChooseAddressSearch(flow, true);
+    }
+    flow.clearScreen();
+    flow.txtBillNo->setText(billNo);
+    *flow.inLeave = true;
+    flow.loadBill(QStringLiteral("BillNo"), PadBillNo(billNo), true);
+    *flow.inLeave = false;
+}
+
+void AddressSearchLeft(const AddressSearchFlow& flow, bool byBill) {
+    QLineEdit* field = byBill ? flow.txtBillNo : flow.txtControl;
+    if (field->text().trimmed().isEmpty() || !field->isEnabled())
+        return;
+    if (byBill)
+        flow.loadBill(QStringLiteral("BillNo"), PadBillNo(field->text()), true);
+    else
+        flow.loadBill(QStringLiteral("Control"), field->text().trimmed(), false);
+}
+
 // ---------------------------------------------------------------------------------------------
 // The screen
 // ---------------------------------------------------------------------------------------------
@@ -359,34 +388,29 @@ bool frmREAddressChange::eventFilter(QObject* watched, QEvent* event) {
     return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }
 
+AddressSearchFlow frmREAddressChange::searchFlow() {
+    return {optBillNo,
+            optControl,
+            txtBillNo,
+            txtControl,
+            &m_loaded,
+            &m_inLeave,
+            [this] { clearScreen(); },
+            [this](const QString& column, const QString& key, bool byBill) {
+                loadBill(column, key, byBill);
+            }};
+}
+
 void frmREAddressChange::chooseSearch(bool byBill) {
-    txtBillNo->setEnabled(byBill);
-    txtControl->setEnabled(!byBill);
-    QLineEdit* field = byBill ? txtBillNo : txtControl;
-    if (!m_loaded)
-        field->setFocus(Qt::OtherFocusReason);
+    ChooseAddressSearch(searchFlow(), byBill);
 }
 
 void frmREAddressChange::openFromQuery(const QString& billNo) {
-    if (!optBillNo->isChecked() && !optControl->isChecked()) {
-        optBillNo->setChecked(true);
-        chooseSearch(true);
-    }
-    clearScreen();
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    loadBill(QStringLiteral("BillNo"), PadBillNo(billNo), true);
-    m_inLeave = false;
+    OpenAddressFromQuery(searchFlow(), billNo);
 }
 
 void frmREAddressChange::searchLeft(bool byBill) {
-    QLineEdit* field = byBill ? txtBillNo : txtControl;
-    if (field->text().trimmed().isEmpty() || !field->isEnabled())
-        return;
-    if (byBill)
-        loadBill(QStringLiteral("BillNo"), PadBillNo(field->text()), true);
-    else
-        loadBill(QStringLiteral("Control"), field->text(), false);
+    AddressSearchLeft(searchFlow(), byBill);
 }
 
 void frmREAddressChange::loadBill(const QString& column, const QString& key, bool byBill) {

@@ -68,6 +68,26 @@ bool CheckStateBox(QComboBox* state);
 // " USPS Address Change"; unticked: reportable unticked and free again.
 void ApplyUspsTick(bool ticked, QCheckBox* reportable, QLineEdit* reason);
 
+// How the address screens find a bill: by bill number or control number, chosen by optBillNo
+// and optControl, and handed over by a query.
+struct AddressSearchFlow {
+    QRadioButton* optBillNo = nullptr;
+    QRadioButton* optControl = nullptr;
+    QLineEdit* txtBillNo = nullptr;
+    QLineEdit* txtControl = nullptr;
+    bool* loaded = nullptr;
+    bool* inLeave = nullptr;
+    std::function<void()> clearScreen;
+    // Loads the bill whose column ("BillNo" or "Control") holds key.
+    std::function<void(const QString& column, const QString& key, bool byBill)> loadBill;
+};
+// An option chosen: its field enabled (and focused while no bill is loaded), the other not.
+void ChooseAddressSearch(const AddressSearchFlow& flow, bool byBill);
+// A query hands a bill over: search by bill when no option is chosen, clear, load the number.
+void OpenAddressFromQuery(const AddressSearchFlow& flow, const QString& billNo);
+// Leaving the bill or control number: a value loads the bill (a bill number padded first).
+void AddressSearchLeft(const AddressSearchFlow& flow, bool byBill);
+
 class frmREAddressChange : public QWidget {
     Q_OBJECT
 public:
@@ -127,6 +147,7 @@ protected:
 
 private:
     void buildScreen();
+    AddressSearchFlow searchFlow();
     void chooseSearch(bool byBill);
     void searchLeft(bool byBill);
     void loadBill(const QString& column, const QString& key, bool byBill);
