@@ -317,6 +317,11 @@ QWidget* frmLevyDeskMain::openScreen(const QString& screenName) const {
     return nullptr;
 }
 
+QWidget* frmLevyDeskMain::createScreen(const QString& screenName) {
+    const ScreenEntry* entry = screenNamed(screenName);
+    return entry && entry->create ? entry->create() : nullptr;
+}
+
 void frmLevyDeskMain::closeScreensExcept(const QStringList& keep) {
     const QList<QMdiSubWindow*> subs = m_mdi->subWindowList();
     for (auto it = subs.rbegin(); it != subs.rend(); ++it) {

@@ -35,6 +35,7 @@ public:
     QWidget* hostWindow() override { return this; }
     void showScreen(QWidget* screen, bool modal) override;
     QWidget* openScreen(const QString& screenName) const override;
+    QWidget* createScreen(const QString& screenName) override;
     void closeScreensExcept(const QStringList& keep) override;
 
 protected:

@@ -6,6 +6,10 @@
 #include "bills/re_print_3up_labels.h"
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
+#include "desk/percapita/address_change.h"
+#include "desk/percapita/adjust_tax_bill.h"
+#include "desk/percapita/query_individual.h"
+#include "desk/percapita/query_screens.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/adjust_tax_bill.h"
 #include "desk/realestate/query_individual.h"
@@ -59,6 +63,11 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuREQueryTC", entry<frmREQueryTC>("frmREQueryTC")},
         {"mnuREQueryIndividual", entry<frmREQueryIndividual>("frmREQueryIndividual")},
         {"mnuREQueryReceipts", entry<frmREQueryReceipts>("frmREQueryReceipts")},
+        {"mnuPCPaymentsAdjustTaxBill", entry<frmPCAdjustTaxBill>("frmPCAdjustTaxBill")},
+        {"mnuPCPaymentsChangeAddress", entry<frmPCAddressChange>("frmPCAddressChange")},
+        {"mnuPCQueryTC", entry<frmPCQueryTC>("frmPCQueryTC")},
+        {"mnuPCQueryReceipts", entry<frmPCQueryReceipts>("frmPCQueryReceipts")},
+        {"mnuPCQueryIndividual", entry<frmPCQueryIndividual>("frmPCQueryIndividual")},
         {"mnuUtilitiesRestore", entry<frmRestoreData>("frmRestoreData", true)},
         {"mnuPrinters", entry<frmSelectPrinter>("frmSelectPrinter")},
         {"mnuREPaymentsReprintReceipt", entry<frmREReprintReceipt>("frmREReprintReceipt")},
@@ -149,4 +158,12 @@ const ScreenEntry* screenForMenuItem(const QString& itemName) {
     const auto& screens = catalog();
     auto it = screens.find(itemName);
     return it == screens.end() ? nullptr : &it.value();
+}
+
+const ScreenEntry* screenNamed(const QString& screenName) {
+    const auto& screens = catalog();
+    for (auto it = screens.begin(); it != screens.end(); ++it)
+        if (it.value().screenName == screenName)
+            return &it.value();
+    return nullptr;
 }

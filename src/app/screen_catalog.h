@@ -15,3 +15,5 @@ struct ScreenEntry {
 
 // The entry for a menu item name, or nullptr when that command opens nothing yet.
 const ScreenEntry* screenForMenuItem(const QString& itemName);
+// The entry that opens the screen of that name, or nullptr.
+const ScreenEntry* screenNamed(const QString& screenName);

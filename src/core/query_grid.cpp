@@ -1,12 +1,18 @@
 #include "core/query_grid.h"
 
 #include "core/common_values.h"
+#include "core/csv.h"
+#include "core/messages.h"
 #include "core/money.h"
+#include "core/session.h"
 
+#include <QAction>
 #include <QDate>
 #include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QPushButton>
 #include <QSqlDriver>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -430,4 +436,62 @@ void ShowGridRow(QTableView* grid, int row) {
     grid->setCurrentIndex(index);
     grid->selectRow(row);
     grid->scrollTo(index, QAbstractItemView::PositionAtCenter);
+}
+
+void GridContents(const QAbstractItemModel* model, QStringList* captions,
+                  std::vector<QStringList>* rows) {
+    captions->clear();
+    rows->clear();
+    if (!model)
+        return;
+    const int columns = model->columnCount();
+    for (int c = 0; c < columns; ++c)
+        captions->append(model->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString());
+    const int count = model->rowCount();
+    rows->reserve(std::size_t(count));
+    for (int r = 0; r < count; ++r) {
+        QStringList row;
+        row.reserve(columns);
+        for (int c = 0; c < columns; ++c)
+            row.append(model->data(model->index(r, c), Qt::DisplayRole).toString());
+        rows->push_back(std::move(row));
+    }
+}
+
+bool ExportGridToCsv(const QTableView* grid, const QString& title) {
+    const std::optional<QString> chosen =
+        messageService().saveFileName(QStringLiteral("Export to CSV"), session().programFolder(),
+                                      QStringLiteral("CSV Files (*.csv)"));
+    if (!chosen || chosen->trimmed().isEmpty())
+        return false;
+    QString path = *chosen;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".csv");
+    QStringList captions;
+    std::vector<QStringList> rows;
+    GridContents(grid->model(), &captions, &rows);
+    QString error;
+    if (!WriteCsvFile(path, captions, rows, &error)) {
+        MsgBox(QStringLiteral("The file ") + QDir::toNativeSeparators(path) +
+                   QStringLiteral(" could not be written: ") + error,
+               title, MsgButtons::Ok, MsgIcon::Critical);
+        return false;
+    }
+    return true;
+}
+
+QPushButton* AddCsvExport(QTableView* grid, QWidget* buttonParent, const QString& title) {
+    auto* button = new QPushButton(QStringLiteral("Export to CS&V..."), buttonParent);
+    button->setObjectName(QStringLiteral("cmdExportCsv"));
+    button->setAutoDefault(false);
+    button->setFocusPolicy(Qt::NoFocus);
+    QObject::connect(button, &QPushButton::clicked, grid,
+                     [grid, title] { ExportGridToCsv(grid, title); });
+    auto* action = new QAction(QStringLiteral("Export to CSV..."), grid);
+    action->setObjectName(QStringLiteral("actExportCsv"));
+    QObject::connect(action, &QAction::triggered, grid,
+                     [grid, title] { ExportGridToCsv(grid, title); });
+    grid->addAction(action);
+    grid->setContextMenuPolicy(Qt::ActionsContextMenu);
+    return button;
 }

@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+class QAbstractItemModel;
+class QPushButton;
 class QTableView;
 class QWidget;
 struct sqlite3;
@@ -134,3 +136,16 @@ private:
 QTableView* NamedGrid(QWidget* parent, const QString& name, QueryGridModel* model);
 // Makes a row current and brings it into view, as a found row is shown.
 void ShowGridRow(QTableView* grid, int row);
+
+// What a grid shows, as text: the captions of its columns and each row's texts, in the order
+// the grid shows them.
+void GridContents(const QAbstractItemModel* model, QStringList* captions,
+                  std::vector<QStringList>* rows);
+// "Export to CSV...": asks for a file through the message service's save-file chooser (in the
+// program's folder), adds ".csv" to a name without a suffix, and writes what the grid shows with
+// its captions (core/csv.h). A file that cannot be written is told in a box titled title. True
+// when a file was written.
+bool ExportGridToCsv(const QTableView* grid, const QString& title);
+// Gives a grid its export: the button cmdExportCsv ("Export to CSV...", made on buttonParent,
+// for the screen to place) and the same command on the grid's context menu.
+QPushButton* AddCsvExport(QTableView* grid, QWidget* buttonParent, const QString& title);

@@ -21,6 +21,12 @@ public:
     virtual void showScreen(QWidget* screen, bool modal) = 0;
     // The open screen of that name, or nullptr.
     virtual QWidget* openScreen(const QString& screenName) const = 0;
+    // A new screen of that name as the menu opens it (not shown yet), or nullptr when the
+    // program has no such screen.
+    virtual QWidget* createScreen(const QString& screenName) {
+        (void)screenName;
+        return nullptr;
+    }
     // Closes every open screen but those named, without questions.
     virtual void closeScreensExcept(const QStringList& keep) = 0;
     // Sets the title again from the open database (after a restore).

@@ -1,5 +1,6 @@
 #include "desk/realestate/address_change.h"
 
+#include "bills/re_print_tax_bills.h"
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
@@ -8,6 +9,7 @@
 #include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
+#include "desk/realestate/chain_writes.h"
 #include "desk/realestate/query_handover.h"
 #include "desk/realestate/query_tc.h"
 #include "desk/realestate/receive_payment.h"
@@ -68,28 +70,26 @@ QComboBox* stateBox(QWidget* parent, const QString& name) {
 // ---------------------------------------------------------------------------------------------
 
 bool RecordAddressChange(QSqlDatabase db, const AddressChangeRecord& change, QString* error) {
-    return InOneTransaction(db, error, [&] {
-        QSqlQuery q(db);
-        // The marker first: a change cut off here is found as incomplete and mended.
-        q.prepare(QStringLiteral("UPDATE TCMaster SET CAddrFlag = 'A' WHERE BillNo = ?"));
-        q.addBindValue(change.billNo);
-        if (!q.exec())
-            return QueryFailed(db, q, error);
-        q.prepare(QStringLiteral(
-            "INSERT INTO TCAddress (Control, BillNo, AddrID, Name, Map3, Map4, Map5, CoOwner, "
-            "Addr1, Addr2, City, State, ZipCode, ZipCode2, ADate, Reason, Reportable, USPS) "
-            "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
-        for (const QVariant& v : QVariantList{
-                 change.control, change.billNo, change.addrId, change.name, change.map3,
-                 change.map4, change.map5, change.coOwner, change.addr1, change.addr2, change.city,
-                 change.state, change.zipCode, change.zipCode2, DateValue(change.aDate),
-                 change.reason, change.reportable ? QStringLiteral("1") : QStringLiteral("0"),
-                 change.usps ? QStringLiteral("1") : QStringLiteral("0")})
-            q.addBindValue(v);
-        if (!q.exec())
-            return QueryFailed(db, q, error);
-        return true;
-    });
+    RowValues row;
+    row.add("Control", change.control);
+    row.add("BillNo", change.billNo);
+    row.add("AddrID", change.addrId);
+    row.add("Name", change.name);
+    row.add("Map3", change.map3);
+    row.add("Map4", change.map4);
+    row.add("Map5", change.map5);
+    row.add("CoOwner", change.coOwner);
+    row.add("Addr1", change.addr1);
+    row.add("Addr2", change.addr2);
+    row.add("City", change.city);
+    row.add("State", change.state);
+    row.add("ZipCode", change.zipCode);
+    row.add("ZipCode2", change.zipCode2);
+    row.add("ADate", DateValue(change.aDate));
+    row.add("Reason", change.reason);
+    row.add("Reportable", BoxValue(change.reportable));
+    row.add("USPS", BoxValue(change.usps));
+    return AppendAddressChange(db, RealEstateChain, change.billNo, row, error);
 }
 
 FieldRefusal CheckNewZipCode(const QString& zipCode) {
@@ -112,6 +112,84 @@ FieldRefusal CheckNewZipCode2(const QString& zipCode2) {
     if (!allDigits(zipCode2, 4))
         return {QStringLiteral("Invalid Zip Code Extension"), title};
     return {};
+}
+
+bool ReplayAddressHistory(QSqlDatabase db, const ChainTables& tables, const QSqlRecord& master,
+                          const std::function<void(const QSqlRecord&)>& showChange,
+                          int* nextAddrId) {
+    *nextAddrId = 1;
+    if (FlagField(master.value("CAddrFlag")).trimmed() != QLatin1String("A"))
+        return true;
+    MsgBox(QStringLiteral("Original Bill Before Address Change"),
+           QString::fromLatin1(AddressChangeTitle), MsgButtons::Ok, MsgIcon::Information);
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, AddrID")
+                  .arg(QString::fromLatin1(tables.address)));
+    q.addBindValue(master.value("BillNo"));
+    bool any = false;
+    if (q.exec())
+        while (q.next()) {
+            any = true;
+            const QSqlRecord change = q.record();
+            showChange(change);
+            *nextAddrId = change.value("AddrID").toInt() + 1;
+            MsgBox(QStringLiteral("Address Change Encountered"),
+                   QString::fromLatin1(AddressChangeTitle), MsgButtons::Ok, MsgIcon::Information);
+        }
+    if (!any)
+        MsgBox(QString::fromLatin1(IncompleteAddressText), QString::fromLatin1(IntegrityErrorTitle),
+               MsgButtons::Ok, MsgIcon::Critical);
+    return any;
+}
+
+bool CheckStateBox(QComboBox* state) {
+    if (state->findText(state->currentText(), Qt::MatchExactly | Qt::MatchCaseSensitive) >= 0)
+        return true;
+    MsgBox(QStringLiteral("Invalid State"), QStringLiteral("Enter State"), MsgButtons::Ok,
+           MsgIcon::Exclamation);
+    state->setEditText(QString());
+    state->setFocus(Qt::OtherFocusReason);
+    return false;
+}
+
+void ApplyUspsTick(bool ticked, QCheckBox* reportable, QLineEdit* reason) {
+    if (ticked) {
+        reportable->setChecked(true);
+        reportable->setEnabled(false);
+        reason->setText(reason->text() + QString::fromLatin1(UspsReason));
+    } else {
+        reportable->setChecked(false);
+        reportable->setEnabled(true);
+    }
+}
+
+void ChooseAddressSearch(const AddressSearchFlow& flow, bool byBill) {
+    flow.txtBillNo->setEnabled(byBill);
+    flow.txtControl->setEnabled(!byBill);
+    if (!*flow.loaded)
+        (byBill ? flow.txtBillNo : flow.txtControl)->setFocus(Qt::OtherFocusReason);
+}
+
+void OpenAddressFromQuery(const AddressSearchFlow& flow, const QString& billNo) {
+    if (!flow.optBillNo->isChecked() && !flow.optControl->isChecked()) {
+        flow.optBillNo->setChecked(true);
+        ChooseAddressSearch(flow, true);
+    }
+    flow.clearScreen();
+    flow.txtBillNo->setText(billNo);
+    *flow.inLeave = true;
+    flow.loadBill(QStringLiteral("BillNo"), PadBillNo(billNo), true);
+    *flow.inLeave = false;
+}
+
+void AddressSearchLeft(const AddressSearchFlow& flow, bool byBill) {
+    QLineEdit* field = byBill ? flow.txtBillNo : flow.txtControl;
+    if (field->text().trimmed().isEmpty() || !field->isEnabled())
+        return;
+    if (byBill)
+        flow.loadBill(QStringLiteral("BillNo"), PadBillNo(field->text()), true);
+    else
+        flow.loadBill(QStringLiteral("Control"), field->text().trimmed(), false);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -310,34 +388,29 @@ bool frmREAddressChange::eventFilter(QObject* watched, QEvent* event) {
     return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }
 
+AddressSearchFlow frmREAddressChange::searchFlow() {
+    return {optBillNo,
+            optControl,
+            txtBillNo,
+            txtControl,
+            &m_loaded,
+            &m_inLeave,
+            [this] { clearScreen(); },
+            [this](const QString& column, const QString& key, bool byBill) {
+                loadBill(column, key, byBill);
+            }};
+}
+
 void frmREAddressChange::chooseSearch(bool byBill) {
-    txtBillNo->setEnabled(byBill);
-    txtControl->setEnabled(!byBill);
-    QLineEdit* field = byBill ? txtBillNo : txtControl;
-    if (!m_loaded)
-        field->setFocus(Qt::OtherFocusReason);
+    ChooseAddressSearch(searchFlow(), byBill);
 }
 
 void frmREAddressChange::openFromQuery(const QString& billNo) {
-    if (!optBillNo->isChecked() && !optControl->isChecked()) {
-        optBillNo->setChecked(true);
-        chooseSearch(true);
-    }
-    clearScreen();
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    loadBill(QStringLiteral("BillNo"), PadBillNo(billNo), true);
-    m_inLeave = false;
+    OpenAddressFromQuery(searchFlow(), billNo);
 }
 
 void frmREAddressChange::searchLeft(bool byBill) {
-    QLineEdit* field = byBill ? txtBillNo : txtControl;
-    if (field->text().trimmed().isEmpty() || !field->isEnabled())
-        return;
-    if (byBill)
-        loadBill(QStringLiteral("BillNo"), PadBillNo(field->text()), true);
-    else
-        loadBill(QStringLiteral("Control"), field->text(), false);
+    AddressSearchLeft(searchFlow(), byBill);
 }
 
 void frmREAddressChange::loadBill(const QString& column, const QString& key, bool byBill) {
@@ -358,6 +431,7 @@ void frmREAddressChange::loadBill(const QString& column, const QString& key, boo
 
     // 1. The master as billed.
     m_control = text(master, "Control");
+    m_hfFlag = FlagField(master.value("HFFlag")).trimmed();
     m_billNo = text(master, "BillNo");
     m_nextAddrId = 1;
     {
@@ -384,32 +458,16 @@ void frmREAddressChange::loadBill(const QString& column, const QString& key, boo
     txtADate->clear();
 
     // 2. The chain of changes, each one told.
-    if (FlagField(master.value("CAddrFlag")).trimmed() == QLatin1String("A")) {
-        MsgBox(QStringLiteral("Original Bill Before Address Change"),
-               QString::fromLatin1(AddressChangeTitle), MsgButtons::Ok, MsgIcon::Information);
-        q.prepare(
-            QStringLiteral("SELECT * FROM TCAddress WHERE BillNo = ? ORDER BY BillNo, AddrID"));
-        q.addBindValue(m_billNo);
-        bool any = false;
-        if (q.exec()) {
-            while (q.next()) {
-                any = true;
-                const QSqlRecord change = q.record();
+    if (!ReplayAddressHistory(
+            db, RealEstateChain, master,
+            [&](const QSqlRecord& change) {
                 showAddress(change);
                 txtOldReason->setText(text(change, "Reason"));
                 txtADate->setText(FormatDate(DateField(change.value("ADate"))));
-                m_nextAddrId = change.value("AddrID").toInt() + 1;
-                MsgBox(QStringLiteral("Address Change Encountered"),
-                       QString::fromLatin1(AddressChangeTitle), MsgButtons::Ok,
-                       MsgIcon::Information);
-            }
-        }
-        if (!any) {
-            MsgBox(QString::fromLatin1(IncompleteAddressText),
-                   QString::fromLatin1(IntegrityErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
-            CloseScreen(this);
-            return;
-        }
+            },
+            &m_nextAddrId)) {
+        CloseScreen(this);
+        return;
     }
 
     // 3. The new frame starts as a copy of the old one.
@@ -426,8 +484,7 @@ void frmREAddressChange::loadBill(const QString& column, const QString& key, boo
     txtBillNo->setEnabled(false);
     txtControl->setEnabled(false);
     fraNewAddress->setEnabled(true);
-    // A new bill is printed from the bill printing screen, which takes no bill from here yet.
-    chkPrintBill->setEnabled(false);
+    chkPrintBill->setEnabled(true);
     chkReportable->setEnabled(true);
     chkUSPS->setEnabled(true);
     cmdAccept->setEnabled(true);
@@ -444,14 +501,7 @@ bool frmREAddressChange::checkField(QWidget* field) {
         if (txtNewCity->text().trimmed().isEmpty())
             refusal = {QStringLiteral("City Must Be Specified"), QStringLiteral("Enter City")};
     } else if (field == cboNewState) {
-        if (cboNewState->findText(cboNewState->currentText(),
-                                  Qt::MatchExactly | Qt::MatchCaseSensitive) < 0) {
-            MsgBox(QStringLiteral("Invalid State"), QStringLiteral("Enter State"), MsgButtons::Ok,
-                   MsgIcon::Exclamation);
-            cboNewState->setEditText(QString());
-            cboNewState->setFocus(Qt::OtherFocusReason);
-            return false;
-        }
+        return CheckStateBox(cboNewState);
     } else if (field == txtNewZipCode) {
         refusal = CheckNewZipCode(txtNewZipCode->text());
     } else if (field == txtNewZipCode2) {
@@ -475,14 +525,7 @@ bool frmREAddressChange::checkAll() {
 }
 
 void frmREAddressChange::uspsClicked(bool ticked) {
-    if (ticked) {
-        chkReportable->setChecked(true);
-        chkReportable->setEnabled(false);
-        txtReason->setText(txtReason->text() + QString::fromLatin1(UspsReason));
-    } else {
-        chkReportable->setChecked(false);
-        chkReportable->setEnabled(true);
-    }
+    ApplyUspsTick(ticked, chkReportable, txtReason);
 }
 
 void frmREAddressChange::clearAddress() {
@@ -540,8 +583,12 @@ void frmREAddressChange::accept() {
     // 4.
     MsgBox(QStringLiteral("Address Changed."), QString::fromLatin1(ChangeAddressTitle),
            MsgButtons::Ok, MsgIcon::Information);
-    // 6.
+    // 5. and 6.: the bill form opens last, so that its print button keeps the focus.
+    const bool printBill = chkPrintBill->isChecked();
+    const bool coupons = m_hfFlag == QLatin1String("A");
     clearScreen();
+    if (printBill)
+        OpenREPrintTaxBillsFor(change.billNo, coupons);
 }
 
 void frmREAddressChange::clearScreen() {

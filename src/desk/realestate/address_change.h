@@ -3,10 +3,14 @@
 // the address as billed; each change is one more TCAddress row, numbered by AddrID, and the
 // master carries the CAddrFlag marker. The amounts of the bill are not touched.
 
+#include "desk/realestate/chain_writes.h"
+
 #include <QDate>
 #include <QSqlDatabase>
+#include <QSqlRecord>
 #include <QString>
 #include <QWidget>
+#include <functional>
 
 class QCheckBox;
 class QComboBox;
@@ -50,6 +54,39 @@ struct FieldRefusal {
 };
 FieldRefusal CheckNewZipCode(const QString& zipCode);
 FieldRefusal CheckNewZipCode2(const QString& zipCode2);
+
+// The chain of a bill's address changes as the address screens step through it: when the
+// master's CAddrFlag is "A", "Original Bill Before Address Change", then each row shown with
+// "Address Change Encountered" and nextAddrId after it. False, after the integrity message, when
+// the flag stands without a row: the screen closes.
+bool ReplayAddressHistory(QSqlDatabase db, const ChainTables& tables, const QSqlRecord& master,
+                          const std::function<void(const QSqlRecord&)>& showChange,
+                          int* nextAddrId);
+// A state not in the box's list: "Invalid State", the box emptied and focused; false.
+bool CheckStateBox(QComboBox* state);
+// USPS ticked: the change is reportable (ticked and locked) and the reason gets
+// " USPS Address Change"; unticked: reportable unticked and free again.
+void ApplyUspsTick(bool ticked, QCheckBox* reportable, QLineEdit* reason);
+
+// How the address screens find a bill: by bill number or control number, chosen by optBillNo
+// and optControl, and handed over by a query.
+struct AddressSearchFlow {
+    QRadioButton* optBillNo = nullptr;
+    QRadioButton* optControl = nullptr;
+    QLineEdit* txtBillNo = nullptr;
+    QLineEdit* txtControl = nullptr;
+    bool* loaded = nullptr;
+    bool* inLeave = nullptr;
+    std::function<void()> clearScreen;
+    // Loads the bill whose column ("BillNo" or "Control") holds key.
+    std::function<void(const QString& column, const QString& key, bool byBill)> loadBill;
+};
+// An option chosen: its field enabled (and focused while no bill is loaded), the other not.
+void ChooseAddressSearch(const AddressSearchFlow& flow, bool byBill);
+// A query hands a bill over: search by bill when no option is chosen, clear, load the number.
+void OpenAddressFromQuery(const AddressSearchFlow& flow, const QString& billNo);
+// Leaving the bill or control number: a value loads the bill (a bill number padded first).
+void AddressSearchLeft(const AddressSearchFlow& flow, bool byBill);
 
 class frmREAddressChange : public QWidget {
     Q_OBJECT
@@ -110,6 +147,7 @@ protected:
 
 private:
     void buildScreen();
+    AddressSearchFlow searchFlow();
     void chooseSearch(bool byBill);
     void searchLeft(bool byBill);
     void loadBill(const QString& column, const QString& key, bool byBill);
@@ -123,6 +161,7 @@ private:
 
     QString m_control;
     QString m_billNo;
+    QString m_hfFlag;
     int m_nextAddrId = 1;
     bool m_loaded = false;
     bool m_inLeave = false;

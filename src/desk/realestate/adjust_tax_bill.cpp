@@ -1,5 +1,6 @@
 #include "desk/realestate/adjust_tax_bill.h"
 
+#include "bills/re_print_tax_bills.h"
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
@@ -7,6 +8,9 @@
 #include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
+#include "desk/realestate/adjust_common.h"
+#include "desk/realestate/query_handover.h"
+#include "desk/realestate/query_tc.h"
 #include "desk/realestate/receive_payment.h"
 #include "reports/print_output.h"
 #include "reports/print_screen.h"
@@ -91,10 +95,8 @@ bool flagSet(QStringView flag) {
     return !isBlank(flag);
 }
 
-// Gives the focus back to a field refused on leaving, its text selected for retyping.
 void refuseField(QLineEdit* field) {
-    field->setFocus(Qt::OtherFocusReason);
-    field->selectAll();
+    RefuseField(field);
 }
 
 } // namespace
@@ -317,8 +319,6 @@ void frmREAdjustTaxBill::buildScreen() {
     cmdClearScreen =
         NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"), false);
     cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
-    // The query list joins the button when it exists; a new bill's print has no form yet.
-    CmdQuery->setEnabled(false);
 
     auto* reasonRow = new QHBoxLayout;
     reasonRow->addWidget(new QLabel(QStringLiteral("Reason:"), this));
@@ -406,6 +406,10 @@ void frmREAdjustTaxBill::buildScreen() {
             [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
     connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
     connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(CmdQuery, &QPushButton::clicked, this, [] {
+        ShowScreenNamed(QStringLiteral("frmREQueryTC"),
+                        [] { return static_cast<QWidget*>(new frmREQueryTC); });
+    });
 }
 
 void frmREAdjustTaxBill::loadRates() {
@@ -535,49 +539,31 @@ void frmREAdjustTaxBill::openFromQuery(const QString& billNo) {
     cboAction->setFocus(Qt::OtherFocusReason);
 }
 
+AdjustActionFlow frmREAdjustTaxBill::actionFlow() {
+    return {cboAction,
+            txtBillNo,
+            &m_action,
+            &m_loaded,
+            &m_inLeave,
+            [this] { startAddition(); },
+            [this] { loadBill(); }};
+}
+
 void frmREAdjustTaxBill::setAction(int action) {
-    if (!cboAction->isEnabled())
-        return;
-    {
-        const QSignalBlocker block(cboAction);
-        cboAction->setCurrentIndex(action <= AddBill ? action : -1);
-    }
-    actionChosen(action);
+    SetAdjustAction(actionFlow(), action);
 }
 
 void frmREAdjustTaxBill::actionChosen(int action) {
-    if (action == NoAction) {
-        MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
-        return;
-    }
-    m_action = action;
-    if (action == AddBill) {
-        startAddition();
-        return;
-    }
-    txtBillNo->setEnabled(true);
-    txtBillNo->setFocus(Qt::OtherFocusReason);
-    if (!isBlank(txtBillNo->text())) {
-        m_inLeave = true;
-        billNoLeft();
-        m_inLeave = false;
-    }
+    AdjustActionChosen(actionFlow(), action);
+}
+
+void frmREAdjustTaxBill::billNoLeft() {
+    AdjustBillNoLeft(actionFlow());
 }
 
 // ---------------------------------------------------------------------------------------------
 // Loading a bill
 // ---------------------------------------------------------------------------------------------
-
-void frmREAdjustTaxBill::billNoLeft() {
-    if (m_loaded || m_action == AddBill || isBlank(txtBillNo->text()))
-        return;
-    if (m_action == NoAction) {
-        MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
-        cboAction->setFocus(Qt::OtherFocusReason);
-        return;
-    }
-    loadBill();
-}
 
 void frmREAdjustTaxBill::loadBill() {
     const QString title = QString::fromLatin1(AdjustTitle);
@@ -597,31 +583,11 @@ void frmREAdjustTaxBill::loadBill() {
 
     m_billNo = billNo;
     m_flags = BillPayFlagsFromRecord(history.master);
-    const bool adjusted = FlagField(history.master.value("AdjFlag")) == QLatin1String("A");
-    const bool addressed = FlagField(history.master.value("CAddrFlag")) == QLatin1String("A");
-    showImage(history.master);
-    if (adjusted)
-        MsgBox(QStringLiteral("Original Bill Before Adjustment"), title);
-    else if (addressed)
-        MsgBox(QStringLiteral("Original Bill Before Address Change"), title);
-    if (bill.status == BillNow::Status::IncompleteAdjustment) {
-        CheckBillIntegrity(bill);
+    if (!ReplayAdjustHistory(
+            bill, history, [this](const QSqlRecord& row) { showImage(row); },
+            [this](const QSqlRecord& row) { showAddress(row); }, &m_nextAdjNo)) {
         CloseScreen(this);
         return;
-    }
-    for (const QSqlRecord& row : history.adjustments) {
-        showImage(row);
-        m_nextAdjNo = row.value("AdjNo").toInt() + 1;
-        MsgBox(QStringLiteral("Adjustment Encountered"), title);
-    }
-    if (bill.status == BillNow::Status::IncompleteAddress) {
-        CheckBillIntegrity(bill);
-        CloseScreen(this);
-        return;
-    }
-    for (const QSqlRecord& row : history.addresses) {
-        showAddress(row);
-        MsgBox(QStringLiteral("Address Change Encountered"), title);
     }
 
     session().PaymentInfoText = RealEstatePaymentInfoText(
@@ -629,36 +595,16 @@ void frmREAdjustTaxBill::loadBill() {
     if (!session().PaymentInfoText.isEmpty())
         MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
 
-    const QString flags[3] = {m_flags.cPayFlag.trimmed(), m_flags.tPayFlag.trimmed(),
-                              m_flags.sPayFlag.trimmed()};
+    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
     if (m_action != Unexonerate) {
-        bool allSettled = true;
-        bool allExonerated = true;
-        for (int b = 0; b < 3; ++b) {
-            if (!bodySettled(b))
-                allSettled = false;
-            if (bodyVisible(b) && flags[b] != QLatin1String("X"))
-                allExonerated = false;
-        }
-        if (allSettled) {
-            if (allExonerated)
-                MsgBox(QStringLiteral("This tax bill has ALREADY been exonerated"), title);
-            else
-                MsgBox(QStringLiteral("This account has already been paid in full. You cannot do "
-                                      "an adjustment on this account."),
-                       QStringLiteral("Adjust A Tax Bill"));
+        if (RefuseSettledBill(m_bodyVisible, {bodySettled(0), bodySettled(1), bodySettled(2)},
+                              flags)) {
             clearScreen();
             return;
         }
-    } else {
-        for (int b = 0; b < 3; ++b)
-            if (bodyVisible(b) && flags[b] != QLatin1String("X")) {
-                MsgBox(QStringLiteral("You CANNOT unexonerate this tax bill. This is NOT an "
-                                      "exonerated tax bill."),
-                       QStringLiteral("Unexonerate Tax Bill"));
-                clearScreen();
-                return;
-            }
+    } else if (RefuseNotExonerated(m_bodyVisible, flags)) {
+        clearScreen();
+        return;
     }
 
     m_loaded = true;
@@ -748,7 +694,7 @@ bool frmREAdjustTaxBill::bodySettled(int body) const {
 
 void frmREAdjustTaxBill::openForAdjustment() {
     for (QWidget* w : std::initializer_list<QWidget*>{txtAssLand, txtAssImpr, txtReason, chkHFFlag,
-                                                      chkInstallments, cmdCalculate})
+                                                      chkInstallments, cmdCalculate, chkPrintBill})
         w->setEnabled(true);
     const auto boxes = bodyBoxes();
     for (int b = 0; b < 3; ++b) {
@@ -765,10 +711,7 @@ void frmREAdjustTaxBill::openForAdjustment() {
 }
 
 void frmREAdjustTaxBill::startExoneration() {
-    if (MsgBox(QStringLiteral("Do you want to exonerate this tax bill?"),
-               QStringLiteral("Exonerate Tax Bill"), MsgButtons::YesNo,
-               MsgIcon::Question) != MsgAnswer::Yes) {
-        MsgBox(QStringLiteral("Tax bill NOT exonerated"), QStringLiteral("Exonerate Tax Bill"));
+    if (!AskExonerate()) {
         clearScreen();
         return;
     }
@@ -790,11 +733,7 @@ void frmREAdjustTaxBill::exonerationTicked() {
 }
 
 void frmREAdjustTaxBill::startUnexoneration() {
-    if (MsgBox(QStringLiteral(
-                   "This tax bill has been exonerated. Do you want to unexonerate this tax bill?"),
-               QStringLiteral("Unexonerate Tax Bill"), MsgButtons::YesNo,
-               MsgIcon::Question) != MsgAnswer::Yes) {
-        MsgBox(QStringLiteral("Tax bill NOT unexonerated"), QStringLiteral("Unexonerate Tax Bill"));
+    if (!AskUnexonerate()) {
         clearScreen();
         return;
     }
@@ -827,11 +766,11 @@ void frmREAdjustTaxBill::startAddition() {
     cboAction->setEnabled(false);
     txtBillNo->setEnabled(false);
     for (QWidget* w : std::initializer_list<QWidget*>{
-             txtControl, txtName,      txtCoOwner,  txtAddr1,      txtAddr2,    cboCity,
-             cboState,   txtZipCode,   txtZipCode2, txtMap3,       txtMap4,     txtMap5,
-             txtDesc1,   txtDesc2,     txtDesc3,    txtDeedBook,   txtDeedPage, cboLandUse,
-             txtAcreage, txtAssLand,   txtAssImpr,  chkHFFlag,     chkAAFlag,   chkInstallments,
-             txtReason,  cmdCalculate, cmdAccept,   cmdPaymentInfo})
+             txtControl, txtName,      txtCoOwner,  txtAddr1,       txtAddr2,    cboCity,
+             cboState,   txtZipCode,   txtZipCode2, txtMap3,        txtMap4,     txtMap5,
+             txtDesc1,   txtDesc2,     txtDesc3,    txtDeedBook,    txtDeedPage, cboLandUse,
+             txtAcreage, txtAssLand,   txtAssImpr,  chkHFFlag,      chkAAFlag,   chkInstallments,
+             txtReason,  cmdCalculate, cmdAccept,   cmdPaymentInfo, chkPrintBill})
         w->setEnabled(true);
     const auto boxes = bodyBoxes();
     for (int b = 0; b < 3; ++b)
@@ -1118,52 +1057,8 @@ void frmREAdjustTaxBill::showTotals() {
 // ---------------------------------------------------------------------------------------------
 
 void frmREAdjustTaxBill::zipCodeLeft() {
-    const QString title = QStringLiteral("Enter Zip Code");
-    const QString zip = txtZipCode->text().trimmed();
-    if (zip.isEmpty()) {
-        MsgBox(QStringLiteral("Zip Code Must Be Specified"), title);
-        refuseField(txtZipCode);
-        return;
-    }
-    bool numeric = false;
-    zip.toDouble(&numeric);
-    if (!numeric) {
-        MsgBox(QStringLiteral("Zip Code Must Be Numeric"), title);
-        refuseField(txtZipCode);
-        return;
-    }
-    for (QChar c : zip.left(5))
-        if (!c.isDigit()) {
-            MsgBox(QStringLiteral("Invalid Zip Code"), title);
-            refuseField(txtZipCode);
-            return;
-        }
-    QSqlQuery q(session().DbConnection);
-    q.prepare(QStringLiteral("SELECT City, State FROM tbl_ZipCodes WHERE ZipCode = ?"));
-    q.addBindValue(zip);
-    QStringList cities;
-    QString state;
-    if (q.exec())
-        while (q.next()) {
-            cities << TextField(q.value(0)).toUpper();
-            state = TextField(q.value(1));
-        }
-    if (cities.isEmpty()) {
-        MsgBox(QStringLiteral("Invalid Zipcode"), QStringLiteral("Enter Zipcode"));
-        txtZipCode->clear();
-        refuseField(txtZipCode);
-        return;
-    }
-    cboCity->clear();
-    cboCity->addItems(cities);
-    if (cities.size() == 1) {
-        cboCity->setCurrentIndex(0);
-        cboState->setEditText(state);
-    } else {
-        cboCity->setCurrentIndex(-1);
-        cboCity->setEditText(QString());
-    }
-    txtMap3->setFocus(Qt::OtherFocusReason);
+    if (ZipCodeLookup(txtZipCode, cboCity, cboState))
+        txtMap3->setFocus(Qt::OtherFocusReason);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -1318,23 +1213,12 @@ bool frmREAdjustTaxBill::accept() {
             refuseField(txtName);
             return false;
         }
-        QSqlQuery q(session().DbConnection);
-        q.prepare(QStringLiteral("SELECT Control FROM TCMaster WHERE Control = ?"));
-        q.addBindValue(control);
-        if (q.exec() && q.next()) {
-            MsgBox(QStringLiteral("Control number already exists in the file. Please enter a "
-                                  "different control number."),
-                   QStringLiteral("Enter Control Number"));
+        if (RefuseExistingControl(session().DbConnection, RealEstateChain.master, control)) {
             refuseField(txtControl);
             return false;
         }
-        if (amountOf(txtTotal).value_or(Money()).isZero() &&
-            MsgBox(QStringLiteral("Total Value is ZERO. Do you still want to add this bill with a "
-                                  "ZERO value?."),
-                   QStringLiteral("Add A Tax Bill"), MsgButtons::YesNo,
-                   MsgIcon::Question) != MsgAnswer::Yes) {
-            MsgBox(QStringLiteral("Adding tax bill has been aborted."),
-                   QStringLiteral("Add A Tax Bill"), MsgButtons::Ok, MsgIcon::Critical);
+        if (!ConfirmZeroTotal(amountOf(txtTotal).value_or(Money()),
+                              QStringLiteral("Adding tax bill has been aborted."))) {
             refuseField(txtReason);
             return false;
         }
@@ -1373,22 +1257,21 @@ bool frmREAdjustTaxBill::accept() {
     }
 
     const QString billNo = m_billNo;
+    const bool printBill = chkPrintBill->isChecked();
     Q_EMIT billSaved(billNo);
     MsgBox(QStringLiteral("Adjustment Recorded"), QString::fromLatin1(AdjustTitle));
     m_fromQuery = false;
     clearScreen();
+    // The new bill goes to the bill form with its coupons box ticked.
+    if (printBill)
+        OpenREPrintTaxBillsFor(billNo, true);
     return true;
 }
 
 void frmREAdjustTaxBill::showPaymentInfo() {
-    if (m_loaded)
-        session().PaymentInfoText = RealEstatePaymentInfoText(
-            m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, m_billNo));
-    else
-        session().PaymentInfoText.clear();
-    if (session().PaymentInfoText.isEmpty())
-        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle),
-               MsgButtons::Ok, MsgIcon::Information);
-    else
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
+    ShowAdjustPaymentInfo(
+        m_loaded
+            ? RealEstatePaymentInfoText(
+                  m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, m_billNo))
+            : QString());
 }

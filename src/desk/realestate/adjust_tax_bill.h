@@ -128,6 +128,7 @@ private:
     void buildScreen();
     void loadRates();
     void clearScreen();
+    struct AdjustActionFlow actionFlow();
     void actionChosen(int action);
 
     // Loading.

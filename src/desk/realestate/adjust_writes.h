@@ -5,6 +5,7 @@
 // asks nothing; the screen validates and asks first.
 
 #include "core/money.h"
+#include "desk/realestate/chain_writes.h"
 #include "desk/realestate/payment_rules.h"
 
 #include <QDate>
@@ -31,9 +32,6 @@ struct RealEstateBillImage {
     QString homesteadFlag = QStringLiteral(" ");
     QString farmsteadFlag = QStringLiteral(" ");
 };
-
-// The three taxing bodies, County, Twp/Boro/City, School.
-using BodyTicks = std::array<bool, 3>;
 
 // Adding a bill: TCBillNum moves past the number taken, the TCMaster row with every flag blank,
 // then the TCAdds row. image.billNo is "A" and the number read from TCBillNum in four digits.

@@ -1,5 +1,6 @@
 #include "desk/realestate/query_individual.h"
 
+#include "bills/re_print_tax_bills.h"
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
@@ -9,6 +10,7 @@
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "desk/realestate/address_change.h"
+#include "desk/realestate/adjust_tax_bill.h"
 #include "desk/realestate/payment_rules.h"
 #include "desk/realestate/query_handover.h"
 #include "desk/realestate/query_search.h"
@@ -258,6 +260,11 @@ void frmREQueryIndividual::buildScreen() {
     connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { paymentInfo(); });
     connect(cmdPayment, &QPushButton::clicked, this, [this] { toPayment(); });
     connect(cmdAddress, &QPushButton::clicked, this, [this] { toAddress(); });
+    connect(cmdAdjust, &QPushButton::clicked, this, [this] { toAdjust(); });
+    connect(cmdPrintTaxBill, &QPushButton::clicked, this, [this] {
+        if (m_position >= 0)
+            OpenREPrintTaxBillsFor(txtPBillNo->text(), chkHFFlag->isChecked());
+    });
 }
 
 void frmREQueryIndividual::loadRates() {
@@ -344,39 +351,30 @@ QChar frmREQueryIndividual::period() const {
 }
 
 void frmREQueryIndividual::search() {
-    QString sql;
     QString criterion;
+    QuerySearch by = QuerySearch::None;
     switch (m_by) {
     case SearchBy::Name:
-        sql = QStringLiteral("SELECT BillNo FROM TCMaster WHERE upper(Name) >= ? "
-                             "ORDER BY upper(Name), BillNo");
+        by = QuerySearch::Name;
         criterion = txtName->text().toUpper();
         break;
     case SearchBy::Bill:
+        by = QuerySearch::Bill;
         txtBillNo->setText(NormalizeQueryBillNo(txtBillNo->text()));
-        sql = QStringLiteral("SELECT BillNo FROM TCMaster WHERE BillNo >= ? ORDER BY BillNo");
         criterion = txtBillNo->text();
         break;
     case SearchBy::Map:
-        sql = QStringLiteral("SELECT BillNo FROM TCMaster WHERE Map3 || Map4 || Map5 >= ? "
-                             "ORDER BY Map3, Map4, Map5, BillNo");
+        by = QuerySearch::Map;
         criterion = MapCriterion(txtMap3->text(), txtMap4->text(), txtMap5->text());
         break;
     case SearchBy::Control:
-        sql = QStringLiteral("SELECT BillNo FROM TCMaster WHERE Control >= ? ORDER BY Control");
+        by = QuerySearch::Control;
         criterion = txtControl->text();
         break;
     case SearchBy::None:
         return;
     }
-    QSqlQuery q(session().DbConnection);
-    q.setForwardOnly(true);
-    q.prepare(sql);
-    q.addBindValue(criterion);
-    m_found.clear();
-    if (q.exec())
-        while (q.next())
-            m_found << TextField(q.value(0));
+    m_found = FindIndividualBills(session().DbConnection, RealEstateChain, by, criterion);
     if (m_found.isEmpty()) {
         MsgBox(QStringLiteral("You have reached the end of the file"),
                QString::fromLatin1(QueryTaxpayersTitle), MsgButtons::Ok, MsgIcon::Information);
@@ -391,26 +389,12 @@ void frmREQueryIndividual::search() {
 }
 
 bool frmREQueryIndividual::showBill(int position) {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    const QString billNo = m_found.value(position);
-    q.prepare(QStringLiteral("SELECT * FROM TCMaster WHERE BillNo = ? ORDER BY rowid LIMIT 1"));
-    q.addBindValue(billNo);
-    if (!q.exec() || !q.next())
-        return false;
-    m_master = q.record();
-    m_source = m_master;
-    if (FlagField(m_master.value("AdjFlag")).trimmed() == QLatin1String("A")) {
-        q.prepare(QStringLiteral(
-            "SELECT * FROM TCAdjust WHERE BillNo = ? ORDER BY BillNo, AdjNo DESC LIMIT 1"));
-        q.addBindValue(billNo);
-        if (!q.exec() || !q.next()) {
-            MsgBox(QString::fromLatin1(IncompleteAdjustmentText),
-                   QString::fromLatin1(IntegrityErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
+    bool incomplete = false;
+    if (!ReadIndividualBill(session().DbConnection, RealEstateChain, m_found.value(position),
+                            &m_master, &m_source, &incomplete)) {
+        if (incomplete)
             CloseScreen(this);
-            return false;
-        }
-        m_source = q.record();
+        return false;
     }
     m_position = position;
     auto text = [this](const char* column) { return TextField(m_master.value(column)); };
@@ -462,18 +446,9 @@ void frmREQueryIndividual::showAmounts() {
 void frmREQueryIndividual::step(int by) {
     if (m_position < 0)
         return;
-    const int next = m_position + by;
-    if (next >= int(m_found.size())) {
-        MsgBox(QStringLiteral("You have reached the end of the file"),
-               QString::fromLatin1(QueryTaxpayersTitle), MsgButtons::Ok, MsgIcon::Information);
-        return;
-    }
-    if (next < 0) {
-        MsgBox(QStringLiteral("You have reached the beginning of the file"),
-               QString::fromLatin1(QueryTaxpayersTitle), MsgButtons::Ok, MsgIcon::Information);
-        return;
-    }
-    showBill(next);
+    const int next = StepIndividual(m_position, by, int(m_found.size()));
+    if (next >= 0)
+        showBill(next);
 }
 
 void frmREQueryIndividual::requery() {
@@ -506,27 +481,18 @@ void frmREQueryIndividual::clearScreen() {
 }
 
 void frmREQueryIndividual::setRowButtons(bool enabled) {
-    for (QPushButton* b : {cmdPayment, cmdAddress, cmdPaymentInfo})
+    for (QPushButton* b : {cmdPayment, cmdAdjust, cmdAddress, cmdPrintTaxBill, cmdPaymentInfo})
         b->setEnabled(enabled);
-    // The adjustment and bill printing screens take no bill from here.
-    cmdAdjust->setEnabled(false);
-    cmdPrintTaxBill->setEnabled(false);
 }
 
 void frmREQueryIndividual::paymentInfo() {
     if (m_position < 0)
         return;
     const BillPayFlags flags = BillPayFlagsFromRecord(m_master);
-    if (flags.cPayFlag.trimmed().isEmpty() && flags.tPayFlag.trimmed().isEmpty() &&
-        flags.sPayFlag.trimmed().isEmpty()) {
-        MsgBox(QStringLiteral("There Has Been No Payment Made On This Account."),
-               QString::fromLatin1(QueryTaxpayersTitle), MsgButtons::Ok, MsgIcon::Information);
-        return;
-    }
-    session().PaymentInfoText = RealEstatePaymentInfoText(
-        flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, txtPBillNo->text()));
-    MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle), MsgButtons::Ok,
-           MsgIcon::Information);
+    ShowIndividualPaymentInfo(
+        flags, RealEstatePaymentInfoText(
+                   flags, m_btFlag,
+                   ReadRealEstatePaidReceipts(session().DbConnection, txtPBillNo->text())));
 }
 
 void frmREQueryIndividual::toPayment() {
@@ -549,4 +515,104 @@ void frmREQueryIndividual::toAddress() {
     connect(target, &frmREAddressChange::addressChanged, this, &frmREQueryIndividual::requery,
             Qt::UniqueConnection);
     target->openFromQuery(txtPBillNo->text());
+}
+
+void frmREQueryIndividual::toAdjust() {
+    if (m_position < 0)
+        return;
+    auto* target = ShowQueryTarget<frmREAdjustTaxBill>("frmREAdjustTaxBill");
+    if (!target)
+        return;
+    connect(target, &frmREAdjustTaxBill::billSaved, this, &frmREQueryIndividual::requery,
+            Qt::UniqueConnection);
+    target->openFromQuery(txtPBillNo->text());
+    session().QueryOpenedScreen.remove(target->objectName());
+}
+
+// ---------------------------------------------------------------------------------------------
+// What the individual screens of both duplicates share
+// ---------------------------------------------------------------------------------------------
+
+QStringList FindIndividualBills(QSqlDatabase db, const ChainTables& tables, QuerySearch by,
+                                const QString& criterion) {
+    QString where;
+    switch (by) {
+    case QuerySearch::Name:
+        where = QStringLiteral("upper(Name) >= ? ORDER BY upper(Name), BillNo");
+        break;
+    case QuerySearch::Bill:
+        where = QStringLiteral("BillNo >= ? ORDER BY BillNo");
+        break;
+    case QuerySearch::Map:
+        where = QStringLiteral("Map3 || Map4 || Map5 >= ? ORDER BY Map3, Map4, Map5, BillNo");
+        break;
+    case QuerySearch::Control:
+        where = QStringLiteral("Control >= ? ORDER BY Control");
+        break;
+    default:
+        return {};
+    }
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral("SELECT BillNo FROM %1 WHERE %2")
+                  .arg(QString::fromLatin1(tables.master), where));
+    q.addBindValue(criterion);
+    QStringList found;
+    if (q.exec())
+        while (q.next())
+            found << TextField(q.value(0));
+    return found;
+}
+
+bool ReadIndividualBill(QSqlDatabase db, const ChainTables& tables, const QString& billNo,
+                        QSqlRecord* master, QSqlRecord* source, bool* incomplete) {
+    *incomplete = false;
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY rowid LIMIT 1")
+                  .arg(QString::fromLatin1(tables.master)));
+    q.addBindValue(billNo);
+    if (!q.exec() || !q.next())
+        return false;
+    *master = q.record();
+    *source = *master;
+    if (FlagField(master->value("AdjFlag")).trimmed() != QLatin1String("A"))
+        return true;
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? ORDER BY BillNo, AdjNo DESC "
+                             "LIMIT 1")
+                  .arg(QString::fromLatin1(tables.adjust)));
+    q.addBindValue(billNo);
+    if (!q.exec() || !q.next()) {
+        MsgBox(QString::fromLatin1(IncompleteAdjustmentText),
+               QString::fromLatin1(IntegrityErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
+        *incomplete = true;
+        return false;
+    }
+    *source = q.record();
+    return true;
+}
+
+int StepIndividual(int position, int by, int count) {
+    const int next = position + by;
+    if (next >= count) {
+        MsgBox(QStringLiteral("You have reached the end of the file"),
+               QString::fromLatin1(QueryTaxpayersTitle), MsgButtons::Ok, MsgIcon::Information);
+        return -1;
+    }
+    if (next < 0) {
+        MsgBox(QStringLiteral("You have reached the beginning of the file"),
+               QString::fromLatin1(QueryTaxpayersTitle), MsgButtons::Ok, MsgIcon::Information);
+        return -1;
+    }
+    return next;
+}
+
+void ShowIndividualPaymentInfo(const BillPayFlags& flags, const QString& text) {
+    if (flags.cPayFlag.trimmed().isEmpty() && flags.tPayFlag.trimmed().isEmpty() &&
+        flags.sPayFlag.trimmed().isEmpty()) {
+        MsgBox(QStringLiteral("There Has Been No Payment Made On This Account."),
+               QString::fromLatin1(QueryTaxpayersTitle), MsgButtons::Ok, MsgIcon::Information);
+        return;
+    }
+    session().PaymentInfoText = text;
+    MsgBox(text, QString::fromLatin1(PaymentInfoTitle), MsgButtons::Ok, MsgIcon::Information);
 }

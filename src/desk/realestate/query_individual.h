@@ -2,12 +2,17 @@
 // frmREQueryIndividual: one taxpayer at a time, in full, with the amounts of the chosen period
 // (as the bill stands after its last adjustment), stepping one bill forward or back.
 
+#include "desk/realestate/chain_writes.h"
+#include "desk/realestate/query_list.h"
+
 #include <QDate>
 #include <QSqlRecord>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
 #include <array>
+
+struct BillPayFlags;
 
 class FieldLeave;
 class QCheckBox;
@@ -21,14 +26,33 @@ class QRadioButton;
 // to the last day of face, penalty after ('D', 'F', 'P').
 QChar IndividualQueryPeriod(const QDate& today, const QDate& discDate, const QDate& faceDate2);
 
+// The bill numbers of a search on the individual screens, real estate and per capita, in the
+// order they are stepped through: by name (upper-cased), bill, map or control, at or after the
+// criterion.
+QStringList FindIndividualBills(QSqlDatabase db, const ChainTables& tables, QuerySearch by,
+                                const QString& criterion);
+// A bill as the individual screens show it: the master, and the image its amounts come from
+// (the last adjustment, or the master). False, after the integrity message, when the adjustment
+// the master is marked with is missing; false without a box when the bill is gone.
+bool ReadIndividualBill(QSqlDatabase db, const ChainTables& tables, const QString& billNo,
+                        QSqlRecord* master, QSqlRecord* source, bool* incomplete);
+// One step from position by `by` in a list of count: the new position, or -1 after "You have
+// reached the end of the file" / "... beginning of the file".
+int StepIndividual(int position, int by, int count);
+// The payment information button of an individual screen: "There Has Been No Payment Made On
+// This Account." when the three flags are blank, else the text.
+void ShowIndividualPaymentInfo(const BillPayFlags& flags, const QString& text);
+
 class frmREQueryIndividual : public QWidget {
     Q_OBJECT
 public:
     explicit frmREQueryIndividual(QWidget* parent = nullptr);
 
+public Q_SLOTS:
     // Shows the bill on the screen again from the file: a target screen has saved.
     void requery();
 
+public:
     QRadioButton* optName = nullptr;
     QRadioButton* optBill = nullptr;
     QRadioButton* optControl = nullptr;
@@ -110,6 +134,7 @@ private:
     void setRowButtons(bool enabled);
     void paymentInfo();
     void toPayment();
+    void toAdjust();
     void toAddress();
     QChar period() const;
 

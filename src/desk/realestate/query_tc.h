@@ -1,20 +1,14 @@
 #pragma once
 // frmREQueryTC: the list of every bill, each also under the names of its address changes,
-// searched by name, bill, control or map number. A found row goes to the payment or address
-// screen, or shows what was paid on it.
+// searched by name, bill, control or map number. A found row goes to the payment, adjustment or
+// address screen or to the bill form, or shows what was paid on it.
 
-#include "core/query_grid.h"
+#include "desk/realestate/query_list.h"
 
 #include <QString>
-#include <QWidget>
 #include <vector>
 
-class FieldLeave;
-class QGroupBox;
-class QLabel;
-class QLineEdit;
 class QPushButton;
-class QRadioButton;
 class QTableView;
 
 // The master list: every TCMaster row, and one more row for each TCAddress row with the name
@@ -26,40 +20,13 @@ QString MasterAmountsSql();
 // Its keys: Map (Map3 & Map4 & Map5) and UName (the name upper-cased).
 std::vector<QueryGridModel::Derived> MasterListKeys();
 
-class frmREQueryTC : public QWidget {
+class frmREQueryTC : public QueryListScreen {
     Q_OBJECT
 public:
     explicit frmREQueryTC(QWidget* parent = nullptr);
 
-    // Searches again and finds the row shown before: a target screen has saved.
-    void requery();
-
-    QRadioButton* optName = nullptr;
-    QRadioButton* optBill = nullptr;
-    QRadioButton* optControl = nullptr;
-    QRadioButton* optMap = nullptr;
-    QGroupBox* fraName = nullptr;
-    QGroupBox* fraBill = nullptr;
-    QGroupBox* fraControl = nullptr;
-    QGroupBox* fraMap = nullptr;
-    QLineEdit* txtName = nullptr;
-    QLineEdit* txtBillNo = nullptr;
-    QLineEdit* txtControl = nullptr;
-    QLineEdit* txtMap3 = nullptr;
-    QLineEdit* txtMap4 = nullptr;
-    QLineEdit* txtMap5 = nullptr;
-    QLabel* txtSearching = nullptr;
-
-    QGroupBox* fraMasterList = nullptr;
     QTableView* dtgMasterList = nullptr;
     QueryGridModel* masterList = nullptr;
-
-    QPushButton* cmdSearch = nullptr;
-    QPushButton* cmdForward = nullptr;
-    QPushButton* cmdBackward = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
     QPushButton* cmdPayment = nullptr;
     QPushButton* cmdAdjust = nullptr;
     QPushButton* cmdAddress = nullptr;
@@ -67,24 +34,17 @@ public:
     QPushButton* cmdPaymentInfo = nullptr;
 
 private:
-    enum class SearchBy { None, Name, Bill, Control, Map };
-
-    void buildScreen();
-    void choose(SearchBy by);
-    void billNoLeft();
-    void search();
-    // Loads the list in the order of the search; false with the reason shown when it failed.
-    bool loadList();
-    void move(int rows);
-    void clearScreen();
-    void setRowButtons(bool enabled);
-    int currentRow() const;
-    QString currentBillNo() const;
     void paymentInfo();
     void toPayment();
+    void toAdjust();
     void toAddress();
+    void printTaxBill();
 
-    SearchBy m_by = SearchBy::None;
     QString m_btFlag;
-    FieldLeave* m_leave = nullptr;
 };
+
+// The payment information of a list's row: the text, or when there is none "There have been no
+// payments made on this account", both titled "Payment Information".
+void ShowListPaymentInfo(const QString& text);
+// The municipality's BTFlag (T, B, C) for the payment information texts.
+QString DistrictBTFlag();

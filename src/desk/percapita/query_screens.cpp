@@ -1,0 +1,192 @@
+#include "desk/percapita/query_screens.h"
+
+#include "core/session.h"
+#include "desk/percapita/address_change.h"
+#include "desk/percapita/adjust_tax_bill.h"
+#include "desk/percapita/adjust_writes.h"
+#include "desk/percapita/pc_handover.h"
+#include "desk/realestate/payment_rules.h"
+#include "desk/realestate/query_handover.h"
+#include "desk/realestate/query_tc.h"
+
+#include <QPushButton>
+#include <QStringList>
+#include <QTableView>
+
+namespace {
+
+QueryListKind masterListKind() {
+    using F = QueryGridModel::Format;
+    QueryListKind k;
+    k.screenName = "frmPCQueryTC";
+    k.caption = "Query Per Capita Tax Billing File";
+    k.boxTitle = k.caption;
+    k.gridName = "dtgMasterList";
+    k.gridFrameName = "fraMasterList";
+    k.gridCaption = "Search Master File";
+    k.columns = {
+        {"Control", "Control", F::Text}, {"Bill #", "BillNo", F::Text},
+        {"Name", "Name", F::Text},       {"Discount", "Discount", F::Money},
+        {"Face", "Face", F::Money},      {"Penalty", "Penalty", F::Money},
+        {"C Pd", "CPayFlag", F::Text},   {"T Pd", "TPayFlag", F::Text},
+        {"S Pd", "SPayFlag", F::Text},   {"Adj", "AdjFlag", F::Text},
+        {"Addr", "CAddrFlag", F::Text},
+    };
+    k.widths = {60, 50, 260, 90, 90, 90, 40, 40, 40, 35, 40};
+    k.derived = {{"UName", {"Name"}, true}};
+    k.sql = PerCapitaMasterListSql();
+    k.lateKey = "BillNo";
+    k.lateSql = PerCapitaAmountsSql();
+    k.distinct = true;
+    k.options = {{QuerySearch::Name, "optName", "&Name", {"UName", "BillNo"}},
+                 {QuerySearch::Bill, "optBillNo", "&Bill #", {"BillNo"}},
+                 {QuerySearch::Control, "optControl", "C&ontrol #", {"Control"}}};
+    k.rowButtons = {{"cmdPayment", "P&ayment"},
+                    {"cmdAdjust", "A&djust"},
+                    {"cmdAddress", "Add&ress"},
+                    {"cmdPrintTaxBill", "Print &Tax Bill"},
+                    {"cmdPaymentInfo", "Payment &Info"}};
+    k.numberField = "BillNo";
+    return k;
+}
+
+QueryListKind receiptListKind() {
+    using F = QueryGridModel::Format;
+    QueryListKind k;
+    k.screenName = "frmPCQueryReceipts";
+    k.caption = "Query Per Capita Tax Receipts";
+    k.boxTitle = "Query Receipts";
+    k.gridName = "dtgReceiptList";
+    k.gridFrameName = "fraReceiptList";
+    k.gridCaption = "Search Receipts File";
+    k.columns = {
+        {"Control", "Control", F::Text}, {"Bill #", "BillNo", F::Text},
+        {"Name", "Name", F::Text},       {"Receipt Number", "RecNum", F::Text},
+        {"Payment", "Total", F::Money},  {"Date", "RDate", F::Date},
+        {"Voided", "VDate", F::Date},    {"C Pd", "CPayFlag", F::Text},
+        {"M Pd", "TPayFlag", F::Text},   {"S Pd", "SPayFlag", F::Text},
+    };
+    k.widths = {60, 50, 240, 110, 90, 80, 80, 40, 40, 40};
+    k.derived = {{"UName", {"Name"}, true}};
+    k.sql = PerCapitaReceiptListSql();
+    k.options = {{QuerySearch::RecNum, "optRecNum", "Receipt &Number", {"RecNum"}},
+                 {QuerySearch::Date, "optDate", "&Date Received", {"RDate", "RecNum"}},
+                 {QuerySearch::Name, "optName", "N&ame", {"Name", "Control"}},
+                 {QuerySearch::Control, "optControl", "C&ontrol #", {"Control"}}};
+    k.rowButtons = {{"cmdVoidReceipt", "&Void Receipt"}, {"cmdReprintReceipt", "&Reprint Receipt"}};
+    k.numberField = "RecNum";
+    k.receipts = true;
+    return k;
+}
+
+QStringList amountColumns(QString (*column)(int)) {
+    QStringList out;
+    for (int line = 0; line < PerCapitaLineCount; ++line)
+        out << column(line);
+    return out;
+}
+
+} // namespace
+
+QString PerCapitaMasterListSql() {
+    return MasterUnionSql("PCMaster", "PCAddress", {"Control", "BillNo", "Name"},
+                          {"CPayFlag", "TPayFlag", "SPayFlag", "AdjFlag", "CAddrFlag"});
+}
+
+QString PerCapitaAmountsSql() {
+    return QStringLiteral("SELECT %1 AS Discount, %2 AS Face, %3 AS Penalty FROM PCMaster WHERE "
+                          "BillNo = ? ORDER BY rowid LIMIT 1")
+        .arg(AmountSum(amountColumns(PerCapitaDiscountColumn)),
+             AmountSum(amountColumns(PerCapitaFaceColumn)),
+             AmountSum(amountColumns(PerCapitaPenaltyColumn)));
+}
+
+QString PerCapitaReceiptListSql() {
+    QStringList amounts = amountColumns(PerCapitaDiscountColumn);
+    amounts << amountColumns(PerCapitaFaceColumn) << amountColumns(PerCapitaPenaltyColumn);
+    return QStringLiteral("SELECT Control, BillNo, Name, Recnum AS RecNum, RDate, %1 AS Total, "
+                          "VDate, CPayFlag, TPayFlag, SPayFlag FROM PCReceipt")
+        .arg(AmountSum(amounts));
+}
+
+frmPCQueryTC::frmPCQueryTC(QWidget* parent) : QueryListScreen(masterListKind(), parent) {
+    dtgMasterList = grid;
+    masterList = model;
+    cmdPayment = rowButton("cmdPayment");
+    cmdAdjust = rowButton("cmdAdjust");
+    cmdAddress = rowButton("cmdAddress");
+    cmdPrintTaxBill = rowButton("cmdPrintTaxBill");
+    cmdPaymentInfo = rowButton("cmdPaymentInfo");
+    m_btFlag = DistrictBTFlag();
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { paymentInfo(); });
+    connect(dtgMasterList, &QTableView::doubleClicked, this, [this] { paymentInfo(); });
+    connect(cmdPayment, &QPushButton::clicked, this, [this] {
+        if (!currentNumber().isEmpty())
+            HandToDeskScreen(QStringLiteral("frmPCReceivePayment"), currentNumber(), this,
+                             SIGNAL(paymentReceived(QString)));
+    });
+    connect(cmdAdjust, &QPushButton::clicked, this, [this] { toAdjust(); });
+    connect(cmdAddress, &QPushButton::clicked, this, [this] { toAddress(); });
+    connect(cmdPrintTaxBill, &QPushButton::clicked, this, [this] {
+        if (!currentNumber().isEmpty())
+            OpenPCPrintTaxBillsFor(currentNumber());
+    });
+}
+
+void frmPCQueryTC::paymentInfo() {
+    if (currentRow() < 0)
+        return;
+    BillPayFlags flags;
+    auto flag = [this](const char* name) {
+        const QString value = currentText(name);
+        return value.isEmpty() ? QStringLiteral(" ") : value;
+    };
+    flags.cPayFlag = flag("CPayFlag");
+    flags.tPayFlag = flag("TPayFlag");
+    flags.sPayFlag = flag("SPayFlag");
+    ShowListPaymentInfo(PerCapitaPaymentInfoText(
+        flags, m_btFlag, ReadPerCapitaReceipts(session().DbConnection, currentNumber())));
+}
+
+void frmPCQueryTC::toAdjust() {
+    const QString billNo = currentNumber();
+    if (billNo.isEmpty())
+        return;
+    auto* target = ShowQueryTarget<frmPCAdjustTaxBill>("frmPCAdjustTaxBill");
+    if (!target)
+        return;
+    connect(target, &frmPCAdjustTaxBill::billSaved, this, &frmPCQueryTC::requery,
+            Qt::UniqueConnection);
+    target->openFromQuery(billNo);
+    session().QueryOpenedScreen.remove(target->objectName());
+}
+
+void frmPCQueryTC::toAddress() {
+    const QString billNo = currentNumber();
+    if (billNo.isEmpty())
+        return;
+    auto* target = ShowQueryTarget<frmPCAddressChange>("frmPCAddressChange");
+    if (!target)
+        return;
+    connect(target, &frmPCAddressChange::addressChanged, this, &frmPCQueryTC::requery,
+            Qt::UniqueConnection);
+    target->openFromQuery(billNo);
+}
+
+frmPCQueryReceipts::frmPCQueryReceipts(QWidget* parent)
+    : QueryListScreen(receiptListKind(), parent) {
+    dtgReceiptList = grid;
+    receiptList = model;
+    cmdVoidReceipt = rowButton("cmdVoidReceipt");
+    cmdReprintReceipt = rowButton("cmdReprintReceipt");
+    connect(cmdVoidReceipt, &QPushButton::clicked, this, [this] {
+        if (!currentNumber().isEmpty())
+            HandToDeskScreen(QStringLiteral("frmPCVoidReceipt"), currentNumber(), this,
+                             SIGNAL(receiptVoided(QString)));
+    });
+    connect(cmdReprintReceipt, &QPushButton::clicked, this, [this] {
+        if (!currentNumber().isEmpty())
+            HandToDeskScreen(QStringLiteral("frmPCReprintReceipt"), currentNumber(), nullptr,
+                             nullptr);
+    });
+}

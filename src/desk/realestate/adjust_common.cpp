@@ -1,0 +1,236 @@
+#include "desk/realestate/adjust_common.h"
+
+#include "core/messages.h"
+#include "core/session.h"
+#include "desk/realestate/payment_rules.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSignalBlocker>
+#include <QSqlQuery>
+#include <QStringList>
+
+namespace {
+
+QString title() {
+    return QString::fromLatin1(AdjustTaxBillTitle);
+}
+
+} // namespace
+
+bool ReplayAdjustHistory(const BillNow& bill, const BillHistory& history,
+                         const std::function<void(const QSqlRecord&)>& showImage,
+                         const std::function<void(const QSqlRecord&)>& showAddress,
+                         int* nextAdjNo) {
+    const bool adjusted = FlagField(history.master.value("AdjFlag")) == QLatin1String("A");
+    const bool addressed = FlagField(history.master.value("CAddrFlag")) == QLatin1String("A");
+    showImage(history.master);
+    if (adjusted)
+        MsgBox(QStringLiteral("Original Bill Before Adjustment"), title());
+    else if (addressed)
+        MsgBox(QStringLiteral("Original Bill Before Address Change"), title());
+    if (bill.status == BillNow::Status::IncompleteAdjustment) {
+        CheckBillIntegrity(bill);
+        return false;
+    }
+    for (const QSqlRecord& row : history.adjustments) {
+        showImage(row);
+        *nextAdjNo = row.value("AdjNo").toInt() + 1;
+        MsgBox(QStringLiteral("Adjustment Encountered"), title());
+    }
+    if (bill.status == BillNow::Status::IncompleteAddress) {
+        CheckBillIntegrity(bill);
+        return false;
+    }
+    for (const QSqlRecord& row : history.addresses) {
+        showAddress(row);
+        MsgBox(QStringLiteral("Address Change Encountered"), title());
+    }
+    return true;
+}
+
+bool RefuseSettledBill(const std::array<bool, 3>& visible, const std::array<bool, 3>& settled,
+                       const std::array<QString, 3>& payFlags) {
+    bool allSettled = true;
+    bool allExonerated = true;
+    for (std::size_t b = 0; b < 3; ++b) {
+        allSettled = allSettled && settled[b];
+        if (visible[b] && payFlags[b].trimmed() != QLatin1String("X"))
+            allExonerated = false;
+    }
+    if (!allSettled)
+        return false;
+    if (allExonerated)
+        MsgBox(QStringLiteral("This tax bill has ALREADY been exonerated"), title());
+    else
+        MsgBox(QStringLiteral("This account has already been paid in full. You cannot do an "
+                              "adjustment on this account."),
+               QStringLiteral("Adjust A Tax Bill"));
+    return true;
+}
+
+bool RefuseNotExonerated(const std::array<bool, 3>& visible,
+                         const std::array<QString, 3>& payFlags) {
+    for (std::size_t b = 0; b < 3; ++b)
+        if (visible[b] && payFlags[b].trimmed() != QLatin1String("X")) {
+            MsgBox(QStringLiteral(
+                       "You CANNOT unexonerate this tax bill. This is NOT an exonerated tax bill."),
+                   QStringLiteral("Unexonerate Tax Bill"));
+            return true;
+        }
+    return false;
+}
+
+bool AskExonerate() {
+    if (MsgBox(QStringLiteral("Do you want to exonerate this tax bill?"),
+               QStringLiteral("Exonerate Tax Bill"), MsgButtons::YesNo,
+               MsgIcon::Question) == MsgAnswer::Yes)
+        return true;
+    MsgBox(QStringLiteral("Tax bill NOT exonerated"), QStringLiteral("Exonerate Tax Bill"));
+    return false;
+}
+
+bool AskUnexonerate() {
+    if (MsgBox(QStringLiteral(
+                   "This tax bill has been exonerated. Do you want to unexonerate this tax bill?"),
+               QStringLiteral("Unexonerate Tax Bill"), MsgButtons::YesNo,
+               MsgIcon::Question) == MsgAnswer::Yes)
+        return true;
+    MsgBox(QStringLiteral("Tax bill NOT unexonerated"), QStringLiteral("Unexonerate Tax Bill"));
+    return false;
+}
+
+bool RefuseExistingControl(QSqlDatabase db, const char* masterTable, const QString& control) {
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT Control FROM %1 WHERE Control = ?")
+                  .arg(QString::fromLatin1(masterTable)));
+    q.addBindValue(control);
+    if (!(q.exec() && q.next()))
+        return false;
+    MsgBox(QStringLiteral("Control number already exists in the file. Please enter a different "
+                          "control number."),
+           QStringLiteral("Enter Control Number"));
+    return true;
+}
+
+bool ConfirmZeroTotal(Money total, const QString& abortedText) {
+    if (!total.isZero())
+        return true;
+    if (MsgBox(QStringLiteral(
+                   "Total Value is ZERO. Do you still want to add this bill with a ZERO value?."),
+               QStringLiteral("Add A Tax Bill"), MsgButtons::YesNo,
+               MsgIcon::Question) == MsgAnswer::Yes)
+        return true;
+    MsgBox(abortedText, QStringLiteral("Add A Tax Bill"), MsgButtons::Ok, MsgIcon::Critical);
+    return false;
+}
+
+void RefuseField(QLineEdit* field) {
+    field->setFocus(Qt::OtherFocusReason);
+    field->selectAll();
+}
+
+bool ZipCodeLookup(QLineEdit* zipCode, QComboBox* city, QComboBox* state) {
+    const QString enterZip = QStringLiteral("Enter Zip Code");
+    const QString zip = zipCode->text().trimmed();
+    auto refuse = [&](const char* text, const QString& boxTitle) {
+        MsgBox(QString::fromLatin1(text), boxTitle);
+        RefuseField(zipCode);
+        return false;
+    };
+    if (zip.isEmpty())
+        return refuse("Zip Code Must Be Specified", enterZip);
+    bool numeric = false;
+    zip.toDouble(&numeric);
+    if (!numeric)
+        return refuse("Zip Code Must Be Numeric", enterZip);
+    if (zip.size() < 5)
+        return refuse("Invalid Zip Code", enterZip);
+    for (QChar c : zip.left(5))
+        if (!c.isDigit() || c.unicode() > 127)
+            return refuse("Invalid Zip Code", enterZip);
+    QSqlQuery q(session().DbConnection);
+    q.prepare(QStringLiteral("SELECT City, State FROM tbl_ZipCodes WHERE ZipCode = ?"));
+    q.addBindValue(zip);
+    QStringList cities;
+    QString stateOfCode;
+    if (q.exec())
+        while (q.next()) {
+            cities << TextField(q.value(0)).toUpper();
+            stateOfCode = TextField(q.value(1));
+        }
+    if (cities.isEmpty()) {
+        zipCode->clear();
+        return refuse("Invalid Zipcode", QStringLiteral("Enter Zipcode"));
+    }
+    city->clear();
+    city->addItems(cities);
+    if (cities.size() == 1) {
+        city->setCurrentIndex(0);
+        state->setEditText(stateOfCode);
+    } else {
+        city->setCurrentIndex(-1);
+        city->setEditText(QString());
+    }
+    return true;
+}
+
+namespace {
+
+constexpr int NoAdjustAction = -1;
+constexpr int AddBillAction = 1;
+
+void actionMissing() {
+    MsgBox(QStringLiteral("Action must be selected"), QStringLiteral("Select Action"));
+}
+
+} // namespace
+
+void AdjustActionChosen(const AdjustActionFlow& flow, int action) {
+    if (action == NoAdjustAction) {
+        actionMissing();
+        return;
+    }
+    *flow.action = action;
+    if (action == AddBillAction) {
+        flow.startAddition();
+        return;
+    }
+    flow.txtBillNo->setEnabled(true);
+    flow.txtBillNo->setFocus(Qt::OtherFocusReason);
+    if (!flow.txtBillNo->text().trimmed().isEmpty()) {
+        *flow.inLeave = true;
+        AdjustBillNoLeft(flow);
+        *flow.inLeave = false;
+    }
+}
+
+void SetAdjustAction(const AdjustActionFlow& flow, int action) {
+    if (!flow.cboAction->isEnabled())
+        return;
+    {
+        const QSignalBlocker block(flow.cboAction);
+        flow.cboAction->setCurrentIndex(action <= AddBillAction ? action : -1);
+    }
+    AdjustActionChosen(flow, action);
+}
+
+void AdjustBillNoLeft(const AdjustActionFlow& flow) {
+    if (*flow.loaded || *flow.action == AddBillAction || flow.txtBillNo->text().trimmed().isEmpty())
+        return;
+    if (*flow.action == NoAdjustAction) {
+        actionMissing();
+        flow.cboAction->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    flow.loadBill();
+}
+
+void ShowAdjustPaymentInfo(const QString& text) {
+    session().PaymentInfoText = text;
+    if (text.isEmpty())
+        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle),
+               MsgButtons::Ok, MsgIcon::Information);
+    else
+        MsgBox(text, QString::fromLatin1(PaymentInfoTitle));
+}

@@ -1,0 +1,77 @@
+#pragma once
+// What the two adjustment screens (real estate and per capita) do alike: step through a bill's
+// history with its boxes, refuse a bill that is settled, ask the exoneration questions, look a
+// typed ZIP code up, and the checks of an added bill. The screens pass what differs: titles,
+// texts, tables, the image to show.
+
+#include "core/money.h"
+#include "core/tax_database.h"
+
+#include <QSqlDatabase>
+#include <QSqlRecord>
+#include <QString>
+#include <array>
+#include <functional>
+
+class QComboBox;
+class QLineEdit;
+
+inline constexpr const char* AdjustTaxBillTitle = "Adjust Tax Bill";
+
+// Shows the master, tells "Original Bill Before Adjustment" or "... Before Address Change",
+// then each adjustment with "Adjustment Encountered" (nextAdjNo follows it) and each address
+// change with "Address Change Encountered", as the adjustment screens step through a bill.
+// False, after the integrity message, when a chain is incomplete: the screen closes.
+bool ReplayAdjustHistory(const BillNow& bill, const BillHistory& history,
+                         const std::function<void(const QSqlRecord&)>& showImage,
+                         const std::function<void(const QSqlRecord&)>& showAddress, int* nextAdjNo);
+
+// The paid test of an adjustment: when every body is settled, "This tax bill has ALREADY been
+// exonerated" (every visible flag "X") or "This account has already been paid in full. You
+// cannot do an adjustment on this account." is shown and true returned.
+bool RefuseSettledBill(const std::array<bool, 3>& visible, const std::array<bool, 3>& settled,
+                       const std::array<QString, 3>& payFlags);
+// Unexoneration: true, with its message, when a visible body's flag is not "X".
+bool RefuseNotExonerated(const std::array<bool, 3>& visible,
+                         const std::array<QString, 3>& payFlags);
+// The exoneration questions; false (after "Tax bill NOT exonerated" / "... unexonerated") on No.
+bool AskExonerate();
+bool AskUnexonerate();
+
+// An added bill's control number is already on the master table: its message is shown.
+bool RefuseExistingControl(QSqlDatabase db, const char* masterTable, const QString& control);
+// An added bill of total zero: asks whether to add it all the same; on No shows abortedText.
+bool ConfirmZeroTotal(Money total, const QString& abortedText);
+
+// Leaving the ZIP code of an adjustment screen: the checks ("Zip Code Must Be Specified", "...
+// Must Be Numeric", "Invalid Zip Code", title "Enter Zip Code"), then the lookup in tbl_ZipCodes
+// ("Invalid Zipcode", title "Enter Zipcode", empties the field), which fills the city list with
+// the code's cities upper-cased and, when there is one, city and state. False when refused, the
+// focus back on the field.
+bool ZipCodeLookup(QLineEdit* zipCode, QComboBox* city, QComboBox* state);
+
+// The action list and the bill number of an adjustment screen: what the screens keep of them
+// and what they do on a choice. Positions are those of cboAction; -1 is no action, 1 adding a
+// bill.
+struct AdjustActionFlow {
+    QComboBox* cboAction = nullptr;
+    QLineEdit* txtBillNo = nullptr;
+    int* action = nullptr;
+    bool* loaded = nullptr;
+    bool* inLeave = nullptr;
+    std::function<void()> startAddition;
+    std::function<void()> loadBill;
+};
+// A choice in the list: none is "Action must be selected"; adding starts the addition; any
+// other sends the focus to the bill number and loads the number that stands there.
+void AdjustActionChosen(const AdjustActionFlow& flow, int action);
+// The same choice made by the program; positions beyond the list leave it without a selection.
+void SetAdjustAction(const AdjustActionFlow& flow, int action);
+// Leaving the bill number: loads it once an action other than adding is chosen.
+void AdjustBillNoLeft(const AdjustActionFlow& flow);
+// Payment Info: the text when anything was paid, else "There have been no payments made on this
+// account" (title "Receive Payments").
+void ShowAdjustPaymentInfo(const QString& text);
+
+// Gives the focus back to a field refused, its text selected for retyping.
+void RefuseField(QLineEdit* field);
