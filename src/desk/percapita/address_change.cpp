@@ -1,5 +1,6 @@
 #include "desk/percapita/address_change.h"
 
+#include "bills/pc_print_tax_bills.h"
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
@@ -404,7 +405,7 @@ void frmPCAddressChange::loadBill(const QString& column, const QString& key, boo
     txtBillNo->setEnabled(false);
     txtControl->setEnabled(false);
     fraNewAddress->setEnabled(true);
-    chkPrintBill->setEnabled(PerCapitaBillFormExists());
+    chkPrintBill->setEnabled(true);
     chkReportable->setEnabled(true);
     chkUSPS->setEnabled(true);
     cmdAccept->setEnabled(true);

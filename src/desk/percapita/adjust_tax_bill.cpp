@@ -1,5 +1,6 @@
 #include "desk/percapita/adjust_tax_bill.h"
 
+#include "bills/pc_print_tax_bills.h"
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"
@@ -507,7 +508,7 @@ void frmPCAdjustTaxBill::loadBill() {
         for (int b = 0; b < 3; ++b)
             boxes[std::size_t(b)]->setEnabled(m_bodyVisible[std::size_t(b)]);
         txtReason->setEnabled(true);
-        chkPrintBill->setEnabled(PerCapitaBillFormExists());
+        chkPrintBill->setEnabled(true);
         txtReason->setFocus(Qt::OtherFocusReason);
         return;
     }
@@ -590,7 +591,7 @@ void frmPCAdjustTaxBill::openForAdjustment() {
     for (QWidget* w : std::initializer_list<QWidget*>{txtReason, cboOccuCode, txtOccuDesc,
                                                       txtOccuValue, txtBirthdate})
         w->setEnabled(true);
-    chkPrintBill->setEnabled(PerCapitaBillFormExists());
+    chkPrintBill->setEnabled(true);
     const auto boxes = bodyBoxes();
     for (int b = 0; b < 3; ++b) {
         if (!m_bodyVisible[std::size_t(b)])
@@ -627,7 +628,7 @@ void frmPCAdjustTaxBill::startAddition() {
          std::initializer_list<QWidget*>{cboCity, cboState, cboOccuCode, txtReason, chkReportable,
                                          chkUSPS, cmdAccept, cmdPaymentInfo})
         w->setEnabled(true);
-    chkPrintBill->setEnabled(PerCapitaBillFormExists());
+    chkPrintBill->setEnabled(true);
     const auto boxes = bodyBoxes();
     for (int b = 0; b < 3; ++b)
         boxes[std::size_t(b)]->setEnabled(m_bodyVisible[std::size_t(b)]);

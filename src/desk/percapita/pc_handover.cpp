@@ -11,8 +11,6 @@
 
 namespace {
 
-const char* const BillFormName = "frmPCPrintTaxBills";
-
 QWidget* makeScreen(const QString& screenName) {
     ScreenHost* host = screenHost();
     if (!host)
@@ -23,31 +21,6 @@ QWidget* makeScreen(const QString& screenName) {
 }
 
 } // namespace
-
-bool PerCapitaBillFormExists() {
-    ScreenHost* host = screenHost();
-    if (!host)
-        return false;
-    if (host->openScreen(QString::fromLatin1(BillFormName)))
-        return true;
-    QWidget* probe = host->createScreen(QString::fromLatin1(BillFormName));
-    delete probe;
-    return probe != nullptr;
-}
-
-bool OpenPCPrintTaxBillsFor(const QString& billNo) {
-    const QString name = QString::fromLatin1(BillFormName);
-    QWidget* form = ShowScreenNamed(name, [name] { return makeScreen(name); });
-    if (!form)
-        return false;
-    if (auto* bill = form->findChild<QLineEdit*>(QStringLiteral("txtBillNo")))
-        bill->setText(billNo.trimmed());
-    if (auto* count = form->findChild<QLineEdit*>(QStringLiteral("txtNumberOfMailers")))
-        count->setText(QStringLiteral("1"));
-    if (auto* ok = form->findChild<QPushButton*>(QStringLiteral("cmdOK")))
-        ok->setFocus(Qt::OtherFocusReason);
-    return true;
-}
 
 QWidget* HandToDeskScreen(const QString& screenName, const QString& number, QObject* list,
                           const char* savedSignal) {

@@ -1,20 +1,13 @@
 #pragma once
-// How the per capita screens reach the screens they open by name: the per capita bill form
-// (frmPCPrintTaxBills), the desk screens a query hands a bill or receipt to, and the query list
-// the desk screens' Query button opens. A screen that this part of the program does not build
-// itself is made through the screen host from the program's catalog, so it joins as soon as the
-// catalog lists it.
+// How the per capita screens reach the screens they open by name: the desk screens a query hands a
+// bill or receipt to, and the query list the desk screens' Query button opens. A screen that this
+// part of the program does not build itself is made through the screen host from the program's
+// catalog, so it joins as soon as the catalog lists it.
 
 #include <QString>
 
 class QObject;
 class QWidget;
-
-// The per capita bill form can be opened.
-bool PerCapitaBillFormExists();
-// Opens the per capita bill form for one bill: its number in txtBillNo, "1" in
-// txtNumberOfMailers, the focus on cmdOK. False when the program has no such form.
-bool OpenPCPrintTaxBillsFor(const QString& billNo);
 
 // Hands a bill or receipt number to the desk screen of that name, as a query does: its
 // QueryOpenedScreen flag is raised while it is shown and cleared, the number goes to its

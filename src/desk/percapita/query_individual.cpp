@@ -1,5 +1,6 @@
 #include "desk/percapita/query_individual.h"
 
+#include "bills/pc_print_tax_bills.h"
 #include "core/clock.h"
 #include "core/common_values.h"
 #include "core/field_leave.h"

@@ -1,5 +1,6 @@
 #include "desk/percapita/query_screens.h"
 
+#include "bills/pc_print_tax_bills.h"
 #include "core/session.h"
 #include "desk/percapita/address_change.h"
 #include "desk/percapita/adjust_tax_bill.h"
