@@ -299,10 +299,11 @@ ReceiptScreenText ReceiptScreenText::fromRows(const QSqlRecord& receipt, const Q
     return t;
 }
 
-bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, QString* error) {
-    REReceiptData d;
+bool LoadReceiptOffice(QSqlDatabase db, const QString& receiptTable, const QString& masterTable,
+                       const QString& recnum, ReceiptOffice* office, QString* error) {
+    ReceiptOffice d;
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT * FROM TCReceipt WHERE Recnum = ?"));
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE Recnum = ?").arg(receiptTable));
     q.addBindValue(recnum);
     if (!q.exec() || !q.next()) {
         if (error)
@@ -320,14 +321,16 @@ bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, 
     d.ward = officeWard;
     d.billNo = text(d.receipt, "BillNo");
     const QString control = text(d.receipt, "Control");
-    q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM TCMaster WHERE District = ? AND "
-                             "Ward = ? AND Control = ?"));
+    q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM %1 WHERE District = ? AND "
+                             "Ward = ? AND Control = ?")
+                  .arg(masterTable));
     q.addBindValue(officeDistrict);
     q.addBindValue(officeWard);
     q.addBindValue(control);
     bool haveBill = q.exec() && q.next();
     if (!haveBill) {
-        q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM TCMaster WHERE Control = ?"));
+        q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM %1 WHERE Control = ?")
+                      .arg(masterTable));
         q.addBindValue(control);
         haveBill = q.exec() && q.next();
     }
@@ -337,34 +340,21 @@ bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, 
         d.billNo = TextField(q.value(2));
     }
 
-    if (q.exec(
-            QStringLiteral("SELECT SMR, TaxYear FROM Millfile WHERE District || Ward = '000'")) &&
+    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) &&
         q.next()) {
-        d.countySMR = q.value(0).toDouble();
-        d.taxYear = TextField(q.value(1)).left(4);
+        d.countyRow = q.record();
+        d.taxYear = text(d.countyRow, "TaxYear").left(4);
     }
     if (d.taxYear.isEmpty())
         d.taxYear = session().TaxYear;
-    q.prepare(QStringLiteral("SELECT Line1, Line2, Line3, LMR, TMR, SMR, S1MR, S1TaxName FROM "
-                             "Millfile WHERE District || Ward = ?"));
+    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
     q.addBindValue(officeDistrict + officeWard);
     if (q.exec() && q.next()) {
-        d.line1 = TextField(q.value(0)).trimmed();
-        d.line2 = TextField(q.value(1)).trimmed();
-        d.line3 = TextField(q.value(2)).trimmed();
-        d.LMR = q.value(3).toDouble();
-        d.TMR = q.value(4).toDouble();
-        d.SMR = q.value(5).toDouble();
-        d.S1MR = q.value(6).toDouble();
-        d.s1TaxName = TextField(q.value(7)).trimmed();
+        d.municipalRow = q.record();
+        d.line1 = text(d.municipalRow, "Line1").trimmed();
+        d.line2 = text(d.municipalRow, "Line2").trimmed();
+        d.line3 = text(d.municipalRow, "Line3").trimmed();
     }
-    q.prepare(QStringLiteral("SELECT Desc1, Mill FROM Spectax WHERE District = ? AND Ward = ? "
-                             "ORDER BY TaxKey"));
-    q.addBindValue(officeDistrict);
-    q.addBindValue(officeWard);
-    if (q.exec())
-        while (d.specials.size() < 5 && q.next())
-            d.specials.push_back({TextField(q.value(0)).trimmed(), q.value(1).toDouble()});
     q.prepare(QStringLiteral("SELECT TwpBoro, BTFlag FROM tbl_Twpboro WHERE District = ? AND "
                              "Ward = ?"));
     q.addBindValue(officeDistrict);
@@ -373,6 +363,51 @@ bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, 
         d.twpBoro = TextField(q.value(0)).trimmed();
         d.btFlag = TextField(q.value(1)).trimmed();
     }
+    d.officeDistrict = officeDistrict;
+    d.officeWard = officeWard;
+    *office = std::move(d);
+    return true;
+}
+
+void FillReceiptHeading(ReceiptPage& p, const ReceiptOffice& d, const QString& kind) {
+    p.line1 = d.line1;
+    p.twpBoro = d.twpBoro;
+    p.line2 = d.line2;
+    p.line3 = d.line3;
+    p.recnum = text(d.receipt, "Recnum");
+    p.taxYear = d.taxYear;
+    p.barcodePayload = kind + p.recnum.trimmed();
+    p.sentences = ReceiptSentencePieces(d.receipt, d.btFlag);
+    p.voided = DateField(d.receipt.value(QStringLiteral("VDate")));
+}
+
+QString ReceiptControlLine(const ReceiptOffice& d, const QString& control) {
+    return QStringLiteral("Control #: ") + d.district + QLatin1Char('-') + d.ward +
+           QLatin1Char('-') + control.trimmed();
+}
+
+bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, QString* error) {
+    REReceiptData d;
+    if (!LoadReceiptOffice(db, QStringLiteral("TCReceipt"), QStringLiteral("TCMaster"), recnum, &d,
+                           error))
+        return false;
+    auto rate = [](const QSqlRecord& row, const char* column) {
+        return row.value(QString::fromLatin1(column)).toDouble();
+    };
+    d.countySMR = rate(d.countyRow, "SMR");
+    d.LMR = rate(d.municipalRow, "LMR");
+    d.TMR = rate(d.municipalRow, "TMR");
+    d.SMR = rate(d.municipalRow, "SMR");
+    d.S1MR = rate(d.municipalRow, "S1MR");
+    d.s1TaxName = text(d.municipalRow, "S1TaxName").trimmed();
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT Desc1, Mill FROM Spectax WHERE District = ? AND Ward = ? "
+                             "ORDER BY TaxKey"));
+    q.addBindValue(d.officeDistrict);
+    q.addBindValue(d.officeWard);
+    if (q.exec())
+        while (d.specials.size() < 5 && q.next())
+            d.specials.push_back({TextField(q.value(0)).trimmed(), q.value(1).toDouble()});
     *data = std::move(d);
     return true;
 }
@@ -608,26 +643,18 @@ ReceiptPrintOutcome AskAndPrintReceipt(const std::function<ReceiptPrintOutcome(i
 ReceiptPage REReceiptPage(const REReceiptData& d, const ReceiptScreenText& f, bool duplicate) {
     const QSqlRecord& r = d.receipt;
     ReceiptPage p;
-    p.line1 = d.line1;
-    p.twpBoro = d.twpBoro;
-    p.line2 = d.line2;
-    p.line3 = d.line3;
+    // "40" marks a real-estate receipt for the scanner.
+    FillReceiptHeading(p, d, QStringLiteral("40"));
     p.payor = ReceiptAddressLines({f.payor, f.pAddr1, f.pAddr2}, f.pCity, f.pState, f.pZipCode,
                                   f.pZipCode2);
     p.owner = ReceiptAddressLines({f.name, f.coOwner, f.addr1, f.addr2}, f.city, f.state, f.zipCode,
                                   f.zipCode2);
     p.checknum = f.checknum;
-    p.recnum = text(r, "Recnum");
-    p.taxYear = d.taxYear;
-    // "40" marks a real-estate receipt for the scanner.
-    p.barcodePayload = QStringLiteral("40") + p.recnum.trimmed();
 
     const qint64 land = wholeNumber(f.assLand);
     const qint64 impr = wholeNumber(f.assImpr);
     auto figure = [](qint64 value) { return FormatNumber(double(value), u"###,###,###,###"); };
-    p.parcel = {{QStringLiteral("Control #: ") + d.district + QLatin1Char('-') + d.ward +
-                     QLatin1Char('-') + f.control.trimmed(),
-                 {}},
+    p.parcel = {{ReceiptControlLine(d, f.control), {}},
                 {QStringLiteral("Bill #: ") + d.billNo, {}},
                 {QStringLiteral("Map #: ") + f.map3.trimmed() + QLatin1Char('-') +
                      f.map4.trimmed() + QLatin1Char('-') + f.map5.trimmed(),
@@ -703,8 +730,6 @@ ReceiptPage REReceiptPage(const REReceiptData& d, const ReceiptScreenText& f, bo
     }
     p.total = ReceiptTotalRow(face, discount, penalty);
     p.duplicate = duplicate;
-    p.sentences = ReceiptSentencePieces(r, d.btFlag);
-    p.voided = DateField(r.value(QStringLiteral("VDate")));
     return p;
 }
 

@@ -108,17 +108,33 @@ ReceiptPrintOutcome PrintReceiptJob(QSqlDatabase db, const QString& recnum, int 
 // ReceiptCopies. Then `print` with the count. Nothing when cancelled.
 ReceiptPrintOutcome AskAndPrintReceipt(const std::function<ReceiptPrintOutcome(int)>& print);
 
-// ---------------------------------------------------------------------------------------------
-// The real-estate receipt
-// ---------------------------------------------------------------------------------------------
-
-// Everything a receipt prints besides the screen's fields, read once.
-struct REReceiptData {
-    QSqlRecord receipt; // the TCReceipt row
+// What every receipt prints besides its screen's fields, read once: the receipt row, the bill's
+// municipality and number (found by the receipt's control number), the county and municipal
+// Millfile rows with the year and heading lines, and the municipality's name and kind.
+struct ReceiptOffice {
+    QSqlRecord receipt;
     QString district, ward, billNo;
     QString taxYear;
     QString line1, line2, line3; // the municipal Millfile row's heading lines
     QString twpBoro, btFlag;
+    QSqlRecord countyRow, municipalRow;
+    QString officeDistrict, officeWard; // tbl_District's first row
+};
+// False with "Receipt Number Not On File" when the receipt table has no such number.
+bool LoadReceiptOffice(QSqlDatabase db, const QString& receiptTable, const QString& masterTable,
+                       const QString& recnum, ReceiptOffice* office, QString* error = nullptr);
+// The heading, receipt number, year, bar code (the kind and the number), closing sentences and
+// date of voiding of a page.
+void FillReceiptHeading(ReceiptPage& page, const ReceiptOffice& office, const QString& kind);
+// "Control #: " with district, ward and control number.
+QString ReceiptControlLine(const ReceiptOffice& office, const QString& control);
+
+// ---------------------------------------------------------------------------------------------
+// The real-estate receipt
+// ---------------------------------------------------------------------------------------------
+
+// Everything a real-estate receipt prints besides the screen's fields, read once.
+struct REReceiptData : ReceiptOffice {
     double countySMR = 0, LMR = 0, TMR = 0, SMR = 0, S1MR = 0;
     QString s1TaxName;
     struct SpecialTax {
