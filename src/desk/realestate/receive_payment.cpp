@@ -77,18 +77,6 @@ void addRow(QGridLayout* grid, int row, QWidget* label, QWidget* field, int colu
 // Shared helpers
 // ---------------------------------------------------------------------------------------------
 
-QString PadBillNo(const QString& typed) {
-    const QString text = typed.trimmed();
-    bool digits = !text.isEmpty();
-    for (QChar c : text)
-        if (!c.isDigit())
-            digits = false;
-    if (digits)
-        return PadFormat(text.toDouble(), "####0");
-    // An added bill ("A0001") or anything else is right-aligned as it stands.
-    return text.rightJustified(5, QLatin1Char(' '));
-}
-
 // ---------------------------------------------------------------------------------------------
 // Building the screen
 // ---------------------------------------------------------------------------------------------
@@ -97,6 +85,10 @@ frmREReceivePayment::frmREReceivePayment(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("frmREReceivePayment"));
     setWindowTitle(QStringLiteral("Receive Real Estate Payments"));
     buildScreen();
+    m_entry.emplace(PaymentEntryFields{
+        txtDate,      txtPayor,    txtPAddr1,   txtPAddr2, txtPCity, cboPState, txtPZipCode,
+        txtPZipCode2, txtChecknum, txtAmount,   txtName,   txtAddr1, txtAddr2,  txtCity,
+        cboState,     txtZipCode,  txtZipCode2, chkCounty, chkTwp,   chkSchool});
     loadRates();
     clearScreen();
     session().LastScreenName = objectName();
@@ -779,19 +771,10 @@ void frmREReceivePayment::showBill() {
 }
 
 bool frmREReceivePayment::validateDate(bool showMessage) {
-    const std::optional<QDate> date = ParseTypedDate(txtDate->text());
-    if (!date) {
-        if (showMessage)
-            MsgBox(QStringLiteral("Invalid Date Received"), QStringLiteral("Enter Date Received"),
-                   MsgButtons::Ok, MsgIcon::Exclamation);
-        txtDate->setEnabled(true);
-        txtDate->setFocus(Qt::OtherFocusReason);
-        txtDate->selectAll();
+    const std::optional<QDate> date = m_entry->validateDate(showMessage);
+    if (!date)
         return false;
-    }
     m_credited = *date;
-    txtDate->setText(FormatDate(*date));
-    m_validDate = txtDate->text();
     return true;
 }
 
@@ -805,54 +788,20 @@ bool frmREReceivePayment::dateLeft() {
 }
 
 void frmREReceivePayment::payorLeft() {
-    if (txtPayor->text().trimmed().toUpper() == QLatin1String("O")) {
-        // The owner as the screen shows the bill now, address changes included.
-        txtPayor->setText(txtName->text());
-        txtPAddr1->setText(txtAddr1->text());
-        txtPAddr2->setText(txtAddr2->text());
-        txtPCity->setText(txtCity->text());
-        cboPState->setEditText(cboState->currentText());
-        txtPZipCode->setText(txtZipCode->text());
-        txtPZipCode2->setText(txtZipCode2->text());
-        txtChecknum->setFocus(Qt::OtherFocusReason);
-    }
-    m_validPayor = txtPayor->text();
+    m_entry->payorLeft();
 }
 
 bool frmREReceivePayment::validateChecknum() {
-    const QString typed = txtChecknum->text().trimmed().toUpper();
-    if (typed == QLatin1String("C"))
-        txtChecknum->setText(QStringLiteral("CASH"));
-    else if (typed == QLatin1String("CH"))
-        txtChecknum->setText(QStringLiteral("CHECK # "));
-    else if (typed == QLatin1String("MO"))
-        txtChecknum->setText(QStringLiteral("MONEY ORDER "));
-    m_validCheck = txtChecknum->text();
+    m_entry->checknumLeft();
     return true;
 }
 
 void frmREReceivePayment::checknumLeft() {
-    validateChecknum();
+    m_entry->checknumLeft();
 }
 
 bool frmREReceivePayment::validateAmount() {
-    const std::optional<Money> amount = Money::parse(txtAmount->text());
-    QString problem;
-    if (!amount)
-        problem = QStringLiteral("Invalid Payment Amount");
-    else if (*amount < Money())
-        problem = QStringLiteral("Payment Amount Must Be Greater Than Zero");
-    if (!problem.isEmpty()) {
-        MsgBox(problem, QStringLiteral("Enter Payment Amount"), MsgButtons::Ok,
-               MsgIcon::Exclamation);
-        txtAmount->setFocus(Qt::OtherFocusReason);
-        txtAmount->selectAll();
-        return false;
-    }
-    // Zero passes: a bill of nothing can so be marked paid.
-    txtAmount->setText(moneyText(*amount));
-    m_validAmount = txtAmount->text();
-    return true;
+    return m_entry->validateAmount();
 }
 
 bool frmREReceivePayment::amountLeft() {
@@ -1030,73 +979,21 @@ void frmREReceivePayment::accept() {
 void frmREReceivePayment::acceptPayment() {
     const QString title = QString::fromLatin1(ReceivePaymentTitle);
 
-    // 1. Something must be paid.
-    if (!chkCounty->isChecked() && !chkTwp->isChecked() && !chkSchool->isChecked()) {
-        MsgBox(QStringLiteral("County, Twp/Boro/City and/or School Payment must be checked"), title,
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
-            if (box->isEnabled()) {
-                box->setFocus(Qt::OtherFocusReason);
-                break;
-            }
-        return;
-    }
-    // 2 to 5. A field is checked again when blank or changed since it last passed.
-    auto stale = [](QLineEdit* field, const QString& valid) {
-        return field->text().trimmed().isEmpty() || field->text() != valid;
-    };
-    if (stale(txtDate, m_validDate)) {
-        if (!validateDate(true))
-            return;
+    // 1 to 6: a body, date, payor, check, amount, and the question.
+    const std::optional<Money> amount = m_entry->checkForAccept([this](const QDate& date) {
+        m_credited = date;
         m_periods = PeriodsForDate(m_calendar, m_credited);
         refreshAmounts(false);
-    }
-    if (txtPayor->text().trimmed().isEmpty()) {
-        MsgBox(QStringLiteral("Payor Must Be Specified"), QStringLiteral("Enter Payor"),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtPayor->setFocus(Qt::OtherFocusReason);
+    });
+    if (!amount)
         return;
-    }
-    if (stale(txtPayor, m_validPayor)) {
-        if (txtPayor->text().trimmed().toUpper() == QLatin1String("O"))
-            txtPayor->setText(txtName->text());
-        m_validPayor = txtPayor->text();
-    }
-    if (txtChecknum->text().trimmed().isEmpty()) {
-        MsgBox(QStringLiteral("Check Number/Cash Must Be Specified"),
-               QStringLiteral("Enter Check Number"), MsgButtons::Ok, MsgIcon::Exclamation);
-        txtChecknum->setFocus(Qt::OtherFocusReason);
-        return;
-    }
-    if (stale(txtChecknum, m_validCheck))
-        validateChecknum();
-    if (stale(txtAmount, m_validAmount) && !validateAmount())
-        return;
-    const Money amount = Money::parse(txtAmount->text()).value_or(Money());
-
-    // 6. The collector confirms.
-    if (MsgBox(QStringLiteral("Are you sure you want to receive this payment?"), title,
-               MsgButtons::YesNo, MsgIcon::Question) != MsgAnswer::Yes) {
-        MsgBox(QStringLiteral("Payment NOT received."), title);
-        return;
-    }
 
     // 7. The amount against the total due.
     const PaymentSelection sel = selection();
-    const PaymentCheck check = CheckPaymentAgainstTotal(
-        amount, TotalDue(sel, m_amounts, m_installments), m_calendar.tolerance);
-    if (check.kind == PaymentCheck::Kind::Refused) {
-        MsgBox(check.text, check.title, MsgButtons::Ok, MsgIcon::Exclamation);
-        txtAmount->setFocus(Qt::OtherFocusReason);
-        txtAmount->selectAll();
+    const std::optional<PaymentCheck> check = m_entry->checkAgainstTotal(
+        *amount, TotalDue(sel, m_amounts, m_installments), m_calendar.tolerance);
+    if (!check)
         return;
-    }
-    if (check.asks() &&
-        MsgBox(check.text, check.title, MsgButtons::YesNo, MsgIcon::Question) != MsgAnswer::Yes) {
-        MsgBox(QString::fromLatin1(PaymentNotAppliedText), title);
-        txtAmount->setFocus(Qt::OtherFocusReason);
-        return;
-    }
 
     // 8. What the receipt holds, then 9 to 11, the writes.
     PaymentChoice choice;
@@ -1110,16 +1007,17 @@ void frmREReceivePayment::acceptPayment() {
     RealEstatePosting posting = BuildRealEstatePosting(m_bill, choice, m_amounts, m_installments);
     RealEstateReceipt& r = posting.receipt;
     r.rdate = m_credited;
-    r.overage = check.overage;
-    r.refund = check.refund;
-    r.payor = txtPayor->text();
-    r.pAddr1 = txtPAddr1->text();
-    r.pAddr2 = txtPAddr2->text();
-    r.pCity = txtPCity->text();
-    r.pState = cboPState->currentText();
-    r.pZipCode = txtPZipCode->text();
-    r.pZipCode2 = txtPZipCode2->text();
-    r.checknum = txtChecknum->text();
+    r.overage = check->overage;
+    r.refund = check->refund;
+    const PayorEntry payor = m_entry->payorEntry();
+    r.payor = payor.payor;
+    r.pAddr1 = payor.pAddr1;
+    r.pAddr2 = payor.pAddr2;
+    r.pCity = payor.pCity;
+    r.pState = payor.pState;
+    r.pZipCode = payor.pZipCode;
+    r.pZipCode2 = payor.pZipCode2;
+    r.checknum = payor.checknum;
 
     const PostingResult posted =
         PostRealEstatePayment(session().DbConnection, posting, Clock::today());
@@ -1128,16 +1026,15 @@ void frmREReceivePayment::acceptPayment() {
                MsgButtons::Ok, MsgIcon::Critical);
         return;
     }
-    m_previous = {r.payor,  r.pAddr1,   r.pAddr2,    r.pCity,
-                  r.pState, r.pZipCode, r.pZipCode2, r.checknum};
+    m_entry->remember(payor);
 
     // 12. The receipt.
     if (chkPrintReceipt->isChecked())
         printReceipt(posted.recnum);
     // 13. Money to go back.
-    if (check.refund > Money()) {
+    if (check->refund > Money()) {
         session().RefundRecnum = posted.recnum;
-        session().RefundAmount = check.refund;
+        session().RefundAmount = check->refund;
         openRefund();
     }
     // 14. A query screen that opened this one refreshes.
@@ -1225,10 +1122,7 @@ void frmREReceivePayment::clearScreen() {
     applyDefaultTicks();
     lockEntryFields();
     updateDetailFields();
-    m_validDate.clear();
-    m_validPayor.clear();
-    m_validCheck.clear();
-    m_validAmount.clear();
+    m_entry->forget();
     // A date typed and not yet taken goes back to the one in force.
     txtDate->setText(FormatDate(m_credited));
     refreshAmounts();
@@ -1241,15 +1135,9 @@ void frmREReceivePayment::clearScreen() {
 }
 
 void frmREReceivePayment::previousPayor() {
-    txtPayor->setText(m_previous.payor);
-    txtPAddr1->setText(m_previous.addr1);
-    txtPAddr2->setText(m_previous.addr2);
-    txtPCity->setText(m_previous.city);
-    cboPState->setEditText(m_previous.state);
-    txtPZipCode->setText(m_previous.zipCode);
-    txtPZipCode2->setText(m_previous.zipCode2);
+    m_entry->previousPayor();
 }
 
 void frmREReceivePayment::previousCheck() {
-    txtChecknum->setText(m_previous.checknum);
+    m_entry->previousCheck();
 }

@@ -5,6 +5,7 @@
 // refund screen opens when money goes back.
 
 #include "core/tax_database.h"
+#include "desk/realestate/payment_entry.h"
 #include "desk/realestate/payment_rules.h"
 
 #include <QDate>
@@ -21,9 +22,6 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
-
-// "    1" from "1": a typed bill number right-aligned in five, as the keys are stored.
-QString PadBillNo(const QString& typed);
 
 class frmREReceivePayment : public QWidget {
     Q_OBJECT
@@ -154,11 +152,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // The payor's name, address and check number of the last accepted payment.
-    struct SavedPayor {
-        QString payor, addr1, addr2, city, state, zipCode, zipCode2, checknum;
-    };
-
     void buildScreen();
     void loadRates();
     void applyDefaultTicks();
@@ -227,12 +220,8 @@ private:
     InstallmentView m_installments;
     StreetLightChoice m_streetLight = StreetLightChoice::All;
 
-    // The last text of each field that passed its validation.
-    QString m_validDate;
-    QString m_validPayor;
-    QString m_validCheck;
-    QString m_validAmount;
-    SavedPayor m_previous;
+    // Date, payor, check and amount, with the texts that last passed.
+    std::optional<PaymentEntry> m_entry;
 
     bool m_inLeave = false;
     bool m_clearing = false;
