@@ -7,6 +7,7 @@
 #include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
+#include "desk/realestate/payment_screen_parts.h"
 #include "desk/realestate/query_handover.h"
 #include "desk/realestate/query_tc.h"
 #include "desk/realestate/re_receipt.h"
@@ -50,27 +51,6 @@ bool isBlank(QStringView flag) {
     return flag.trimmed().isEmpty();
 }
 
-QPushButton* newButton(QWidget* parent, const QString& name, const QString& caption) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(name);
-    return button;
-}
-
-QComboBox* newCombo(QWidget* parent, const QString& name, int maxLength) {
-    auto* combo = new QComboBox(parent);
-    combo->setObjectName(name);
-    combo->setEditable(true);
-    combo->setInsertPolicy(QComboBox::NoInsert);
-    combo->lineEdit()->setMaxLength(maxLength);
-    return combo;
-}
-
-// A label and its field side by side in a grid row.
-void addRow(QGridLayout* grid, int row, QWidget* label, QWidget* field, int column = 0) {
-    grid->addWidget(label, row, column);
-    grid->addWidget(field, row, column + 1);
-}
-
 } // namespace
 
 // ---------------------------------------------------------------------------------------------
@@ -95,35 +75,34 @@ frmREReceivePayment::frmREReceivePayment(QWidget* parent) : QWidget(parent) {
 }
 
 void frmREReceivePayment::buildScreen() {
-    // Bill number and date credited.
-    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
-    txtAdjNo = ShownField(this, QStringLiteral("txtAdjNo"), 2);
-    txtDate = NamedField(this, QStringLiteral("txtDate"), 10);
-    cmdDate = newButton(this, QStringLiteral("cmdDate"), QStringLiteral("Change Date"));
-    lblAdjustment = NamedLabel(this, QStringLiteral("lblAdjustment"), QStringLiteral("Adjustment"));
-    lblAddressChange =
-        NamedLabel(this, QStringLiteral("lblAddressChange"), QStringLiteral("Address Change"));
-    lblPaymentReceived =
-        NamedLabel(this, QStringLiteral("lblPaymentReceived"), QStringLiteral("Payment Received"));
-    for (QLabel* marker : {lblAdjustment, lblAddressChange, lblPaymentReceived})
-        marker->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold;"));
-
-    auto* top = new QHBoxLayout;
-    top->addWidget(new QLabel(QStringLiteral("Bill #:"), this));
-    top->addWidget(txtBillNo);
-    top->addWidget(new QLabel(QStringLiteral("Adj #:"), this));
-    top->addWidget(txtAdjNo);
-    top->addSpacing(16);
-    top->addWidget(new QLabel(QStringLiteral("Date Received:"), this));
-    top->addWidget(txtDate);
-    top->addWidget(cmdDate);
-    top->addStretch();
-    top->addWidget(lblAdjustment);
-    top->addWidget(lblAddressChange);
-    top->addWidget(lblPaymentReceived);
-    txtBillNo->setMaximumWidth(80);
-    txtAdjNo->setMaximumWidth(40);
-    txtDate->setMaximumWidth(100);
+    // Bill number, date, payor, money and buttons, as on the per capita screen.
+    const PaymentScreenParts parts = BuildPaymentScreenParts(this);
+    txtBillNo = parts.txtBillNo;
+    txtAdjNo = parts.txtAdjNo;
+    txtDate = parts.txtDate;
+    cmdDate = parts.cmdDate;
+    lblAdjustment = parts.lblAdjustment;
+    lblAddressChange = parts.lblAddressChange;
+    lblPaymentReceived = parts.lblPaymentReceived;
+    txtPayor = parts.txtPayor;
+    txtPAddr1 = parts.txtPAddr1;
+    txtPAddr2 = parts.txtPAddr2;
+    txtPCity = parts.txtPCity;
+    cboPState = parts.cboPState;
+    txtPZipCode = parts.txtPZipCode;
+    txtPZipCode2 = parts.txtPZipCode2;
+    txtChecknum = parts.txtChecknum;
+    txtAmount = parts.txtAmount;
+    txtTotal = parts.txtTotal;
+    chkPrintReceipt = parts.chkPrintReceipt;
+    cmdAccept = parts.cmdAccept;
+    cmdClearScreen = parts.cmdClearScreen;
+    cmdQuery = parts.cmdQuery;
+    cmdPaymentInfo = parts.cmdPaymentInfo;
+    cmdPrevPayor = parts.cmdPrevPayor;
+    cmdPrevComments = parts.cmdPrevComments;
+    cmdPrintScreen = parts.cmdPrintScreen;
+    cmdExit = parts.cmdExit;
 
     // The bill as it stands.
     auto* fraBill = new QGroupBox(QStringLiteral("Property Owner"), this);
@@ -134,7 +113,7 @@ void frmREReceivePayment::buildScreen() {
     txtAddr1 = ShownField(fraBill, QStringLiteral("txtAddr1"), 50);
     txtAddr2 = ShownField(fraBill, QStringLiteral("txtAddr2"), 50);
     txtCity = ShownField(fraBill, QStringLiteral("txtCity"), 35);
-    cboState = newCombo(fraBill, QStringLiteral("cboState"), 2);
+    cboState = NewStateCombo(fraBill, QStringLiteral("cboState"), 2);
     cboState->setFocusPolicy(Qt::NoFocus);
     cboState->lineEdit()->setReadOnly(true);
     txtZipCode = ShownField(fraBill, QStringLiteral("txtZipCode"), 5);
@@ -147,7 +126,7 @@ void frmREReceivePayment::buildScreen() {
     txtDesc3 = ShownField(fraBill, QStringLiteral("txtDesc3"), 50);
     txtDeedBook = ShownField(fraBill, QStringLiteral("txtDeedBook"), 6);
     txtDeedPage = ShownField(fraBill, QStringLiteral("txtDeedPage"), 4);
-    cboLandUse = newCombo(fraBill, QStringLiteral("cboLandUse"), 50);
+    cboLandUse = NewStateCombo(fraBill, QStringLiteral("cboLandUse"), 50);
     cboLandUse->setFocusPolicy(Qt::NoFocus);
     cboLandUse->lineEdit()->setReadOnly(true);
     txtAcreage = ShownField(fraBill, QStringLiteral("txtAcreage"), 10);
@@ -164,11 +143,11 @@ void frmREReceivePayment::buildScreen() {
 
     auto* billGrid = new QGridLayout(fraBill);
     int row = 0;
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Control #:"), fraBill), txtControl);
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Name:"), fraBill), txtName);
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Co-Owner:"), fraBill), txtCoOwner);
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Address:"), fraBill), txtAddr1);
-    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtAddr2);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Control #:"), fraBill), txtControl);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Name:"), fraBill), txtName);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Co-Owner:"), fraBill), txtCoOwner);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Address:"), fraBill), txtAddr1);
+    AddFieldRow(billGrid, row++, new QLabel(QString(), fraBill), txtAddr2);
     {
         auto* cityRow = new QHBoxLayout;
         cityRow->addWidget(txtCity, 3);
@@ -184,9 +163,9 @@ void frmREReceivePayment::buildScreen() {
         billGrid->addWidget(new QLabel(QStringLiteral("Map #:"), fraBill), row, 0);
         billGrid->addLayout(mapRow, row++, 1);
     }
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Description:"), fraBill), txtDesc1);
-    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc2);
-    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc3);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Description:"), fraBill), txtDesc1);
+    AddFieldRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc2);
+    AddFieldRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc3);
     {
         auto* deedRow = new QHBoxLayout;
         deedRow->addWidget(txtDeedBook);
@@ -196,7 +175,7 @@ void frmREReceivePayment::buildScreen() {
         billGrid->addWidget(new QLabel(QStringLiteral("Deed Bk/Pg:"), fraBill), row, 0);
         billGrid->addLayout(deedRow, row++, 1);
     }
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Land Use:"), fraBill), cboLandUse);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Land Use:"), fraBill), cboLandUse);
     {
         auto* assessRow = new QHBoxLayout;
         assessRow->addWidget(txtAssLand);
@@ -243,10 +222,10 @@ void frmREReceivePayment::buildScreen() {
         auto* g = new QGridLayout(fraCounty);
         g->addWidget(chkCounty, 0, 0, 1, 2);
         g->addWidget(lblCPeriod, 1, 0, 1, 2);
-        addRow(g, 2, lblCounty, txtCounty);
-        addRow(g, 3, lblLibrary, txtLibrary);
-        addRow(g, 4, lblC1Face, txtC1Face);
-        addRow(g, 5, new QLabel(QStringLiteral("Total:"), fraCounty), txtCTotal);
+        AddFieldRow(g, 2, lblCounty, txtCounty);
+        AddFieldRow(g, 3, lblLibrary, txtLibrary);
+        AddFieldRow(g, 4, lblC1Face, txtC1Face);
+        AddFieldRow(g, 5, new QLabel(QStringLiteral("Total:"), fraCounty), txtCTotal);
         g->setRowStretch(6, 1);
     }
 
@@ -274,10 +253,10 @@ void frmREReceivePayment::buildScreen() {
         auto* g = new QGridLayout(fraTwp);
         g->addWidget(chkTwp, 0, 0, 1, 2);
         g->addWidget(lblTPeriod, 1, 0, 1, 2);
-        addRow(g, 2, lblTwp, txtTwp);
+        AddFieldRow(g, 2, lblTwp, txtTwp);
         for (int i = 0; i < 3; ++i)
-            addRow(g, 3 + i, lblSpecFace[i], txtSpecFace[i]);
-        addRow(g, 6, new QLabel(QStringLiteral("Total:"), fraTwp), txtTTotal);
+            AddFieldRow(g, 3 + i, lblSpecFace[i], txtSpecFace[i]);
+        AddFieldRow(g, 6, new QLabel(QStringLiteral("Total:"), fraTwp), txtTTotal);
         g->addWidget(fraStLt, 7, 0, 1, 2);
         g->setRowStretch(8, 1);
     }
@@ -318,77 +297,12 @@ void frmREReceivePayment::buildScreen() {
         auto* g = new QGridLayout(fraSchool);
         g->addWidget(chkSchool, 0, 0, 1, 2);
         g->addWidget(lblSPeriod, 1, 0, 1, 2);
-        addRow(g, 2, lblSchool, txtSchool);
-        addRow(g, 3, lblSch1Face, txtSch1Face);
-        addRow(g, 4, new QLabel(QStringLiteral("Total:"), fraSchool), txtSTotal);
+        AddFieldRow(g, 2, lblSchool, txtSchool);
+        AddFieldRow(g, 3, lblSch1Face, txtSch1Face);
+        AddFieldRow(g, 4, new QLabel(QStringLiteral("Total:"), fraSchool), txtSTotal);
         g->addWidget(fraInstallments, 5, 0, 1, 2);
         g->setRowStretch(6, 1);
     }
-    txtTotal = ShownField(this, QStringLiteral("txtTotal"));
-
-    // The payor and the money.
-    auto* fraPayor = new QGroupBox(QStringLiteral("Payment"), this);
-    fraPayor->setObjectName(QStringLiteral("fraPayor"));
-    txtPayor = NamedField(fraPayor, QStringLiteral("txtPayor"), 50);
-    txtPayor->setToolTip(QStringLiteral("Enter Payor or \"O\" for Owner"));
-    txtPAddr1 = NamedField(fraPayor, QStringLiteral("txtPAddr1"), 50);
-    txtPAddr2 = NamedField(fraPayor, QStringLiteral("txtPAddr2"), 50);
-    txtPCity = NamedField(fraPayor, QStringLiteral("txtPCity"), 25);
-    cboPState = newCombo(fraPayor, QStringLiteral("cboPState"), 2);
-    txtPZipCode = NamedField(fraPayor, QStringLiteral("txtPZipCode"), 5);
-    txtPZipCode2 = NamedField(fraPayor, QStringLiteral("txtPZipCode2"), 4);
-    txtChecknum = NamedField(fraPayor, QStringLiteral("txtChecknum"), 80);
-    txtChecknum->setToolTip(QStringLiteral("Enter Check # or \"C\" for Cash"));
-    txtAmount = NamedField(fraPayor, QStringLiteral("txtAmount"), 20);
-    chkPrintReceipt = new QCheckBox(QStringLiteral("Print A Receipt"), fraPayor);
-    chkPrintReceipt->setObjectName(QStringLiteral("chkPrintReceipt"));
-    chkPrintReceipt->setChecked(true);
-    {
-        auto* g = new QGridLayout(fraPayor);
-        int r = 0;
-        addRow(g, r++, new QLabel(QStringLiteral("Payor:"), fraPayor), txtPayor);
-        addRow(g, r++, new QLabel(QStringLiteral("Address:"), fraPayor), txtPAddr1);
-        addRow(g, r++, new QLabel(QString(), fraPayor), txtPAddr2);
-        auto* cityRow = new QHBoxLayout;
-        cityRow->addWidget(txtPCity, 3);
-        cityRow->addWidget(cboPState, 1);
-        cityRow->addWidget(txtPZipCode, 1);
-        cityRow->addWidget(txtPZipCode2, 1);
-        g->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraPayor), r, 0);
-        g->addLayout(cityRow, r++, 1);
-        addRow(g, r++, new QLabel(QStringLiteral("Check #:"), fraPayor), txtChecknum);
-        addRow(g, r++, new QLabel(QStringLiteral("Amount:"), fraPayor), txtAmount);
-        addRow(g, r++, new QLabel(QStringLiteral("Total:"), fraPayor), txtTotal);
-        g->addWidget(chkPrintReceipt, r++, 1);
-    }
-
-    // Buttons.
-    cmdAccept = newButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&Accept"));
-    cmdClearScreen =
-        newButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"));
-    cmdQuery = newButton(this, QStringLiteral("cmdQuery"), QStringLiteral("&Query"));
-    cmdPaymentInfo =
-        newButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"));
-    cmdPrevPayor =
-        newButton(this, QStringLiteral("cmdPrevPayor"), QStringLiteral("Previous Pa&yor Info"));
-    cmdPrevComments =
-        newButton(this, QStringLiteral("cmdPrevComments"), QStringLiteral("Previous &Check #"));
-    cmdPrintScreen =
-        newButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"));
-    cmdExit = newButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"));
-    // These act without validating the field being left.
-    for (QPushButton* b : {cmdClearScreen, cmdQuery, cmdExit})
-        b->setFocusPolicy(Qt::NoFocus);
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdClearScreen, cmdPaymentInfo, cmdPrevPayor, cmdPrevComments,
-                           cmdQuery, cmdPrintScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-
     auto* bodies = new QHBoxLayout;
     bodies->addWidget(fraCounty);
     bodies->addWidget(fraTwp);
@@ -396,12 +310,12 @@ void frmREReceivePayment::buildScreen() {
 
     auto* middle = new QGridLayout;
     middle->addWidget(fraBill, 0, 0);
-    middle->addWidget(fraPayor, 0, 1);
+    middle->addWidget(parts.fraPayor, 0, 1);
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
+    layout->addLayout(parts.top);
     layout->addLayout(bodies);
     layout->addLayout(middle);
-    layout->addLayout(buttons);
+    layout->addLayout(parts.buttons);
 
     // The tab order of the entries: the bill, the date, the bodies, the payor and the money,
     // then the street light choice and the installments.
@@ -420,22 +334,6 @@ void frmREReceivePayment::buildScreen() {
     for (QAbstractButton* b : findChildren<QAbstractButton*>())
         b->installEventFilter(this);
 
-    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
-        // Upper case as typed. A "*" never stays: typed alone into the empty field it is the
-        // scanner's call for the scan screen, which has no screen of its own yet.
-        const QString fixed = text.toUpper().remove(QLatin1Char('*'));
-        if (fixed == text)
-            return;
-        const int cursor = txtBillNo->cursorPosition();
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(fixed);
-        txtBillNo->setCursorPosition(std::min<int>(cursor, int(fixed.size())));
-    });
-    connect(cmdDate, &QPushButton::clicked, this, [this] {
-        txtDate->setEnabled(true);
-        txtDate->setFocus(Qt::OtherFocusReason);
-        txtDate->selectAll();
-    });
     for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
         connect(box, &QCheckBox::clicked, this, [this] { bodyTicked(); });
     const auto boxes = payBoxes();
