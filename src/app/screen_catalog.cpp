@@ -4,6 +4,7 @@
 #include "bills/re_print_3up_labels.h"
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
+#include "desk/percapita/pc_receive_payment.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/adjust_tax_bill.h"
 #include "desk/realestate/query_individual.h"
@@ -39,6 +40,7 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
+        {"mnuPCPaymentsReceivePayments", entry<frmPCReceivePayment>("frmPCReceivePayment")},
         {"mnuREPaymentsAdjustTaxBill", entry<frmREAdjustTaxBill>("frmREAdjustTaxBill")},
         {"mnuREPaymentsVoidReceipt", entry<frmREVoidReceipt>("frmREVoidReceipt")},
         {"mnuREPaymentsChangeAddress", entry<frmREAddressChange>("frmREAddressChange")},

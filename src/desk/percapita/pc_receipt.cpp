@@ -67,6 +67,9 @@ ReceiptPage PCReceiptPage(const ReceiptOffice& d, const ReceiptScreenText& f, bo
             continue;
         const bool perCapita = i % 2 == 0;
         const double mills = perCapita ? perCapitaRate[body] : occupationRate[body];
+        // A tax the body does not levy (no rate, nothing taken) has no row.
+        if (mills == 0 && f0.isZero() && d0.isZero() && p0.isZero())
+            continue;
         p.rows.push_back(ReceiptAmountRow(d.taxYear, bodyName[body],
                                           ReceiptRateText(mills, RatePattern), f0, d0, p0,
                                           flags[body]));
