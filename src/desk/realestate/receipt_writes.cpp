@@ -164,7 +164,8 @@ const DeskTables& RealEstateDesk() {
                               QStringLiteral("TCVoidReceipt"),
                               QStringLiteral("TCRefund"),
                               QStringLiteral("TCRefund"),
-                              true};
+                              true,
+                              QStringLiteral("TCAdjust")};
     return t;
 }
 
@@ -175,7 +176,8 @@ const DeskTables& PerCapitaDesk() {
                               QStringLiteral("PCVoidReceipt"),
                               QStringLiteral("PCRefund"),
                               QStringLiteral("TCRefund"),
-                              false};
+                              false,
+                              QStringLiteral("PCAdjust")};
     return t;
 }
 

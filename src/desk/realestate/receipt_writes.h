@@ -36,6 +36,7 @@ struct DeskTables {
     // in TCRefund too, by the receipt number alone, and so leaves PCRefund rows standing.
     QString refundsOfVoid;
     bool hasMap = false; // the refund rows carry Map3, Map4, Map5
+    QString adjustments; // TCAdjust, PCAdjust
 };
 const DeskTables& RealEstateDesk();
 const DeskTables& PerCapitaDesk();
