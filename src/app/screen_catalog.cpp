@@ -5,6 +5,7 @@
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
 #include "desk/percapita/pc_receive_payment.h"
+#include "desk/percapita/pc_void_receipt.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/adjust_tax_bill.h"
 #include "desk/realestate/query_individual.h"
@@ -43,6 +44,7 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCPaymentsReceivePayments", entry<frmPCReceivePayment>("frmPCReceivePayment")},
         {"mnuREPaymentsAdjustTaxBill", entry<frmREAdjustTaxBill>("frmREAdjustTaxBill")},
         {"mnuREPaymentsVoidReceipt", entry<frmREVoidReceipt>("frmREVoidReceipt")},
+        {"mnuPCPaymentsVoidReceipt", entry<frmPCVoidReceipt>("frmPCVoidReceipt")},
         {"mnuREPaymentsChangeAddress", entry<frmREAddressChange>("frmREAddressChange")},
         {"mnuREQueryTC", entry<frmREQueryTC>("frmREQueryTC")},
         {"mnuREQueryIndividual", entry<frmREQueryIndividual>("frmREQueryIndividual")},

@@ -16,8 +16,8 @@ bool LoadPCReceipt(QSqlDatabase db, const QString& recnum, ReceiptOffice* data,
                    QString* error = nullptr);
 
 // The page of a per capita receipt: for each body paid on it, its per capita and occupation
-// rows named by the body (a line without rate or money left out), the per capita amount and the occupation millage in the MILLS column
-// in "####.00", and the total of the 18 columns.
+// rows named by the body (a line without rate or money left out), the per capita amount and the
+// occupation millage in the MILLS column in "####.00", and the total of the 18 columns.
 ReceiptPage PCReceiptPage(const ReceiptOffice& data, const ReceiptScreenText& fields,
                           bool duplicate);
 
