@@ -5,6 +5,7 @@
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
 #include "desk/percapita/pc_receive_payment.h"
+#include "desk/percapita/pc_reprint_receipt.h"
 #include "desk/percapita/pc_void_receipt.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/adjust_tax_bill.h"
@@ -52,6 +53,7 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuUtilitiesRestore", entry<frmRestoreData>("frmRestoreData", true)},
         {"mnuPrinters", entry<frmSelectPrinter>("frmSelectPrinter")},
         {"mnuREPaymentsReprintReceipt", entry<frmREReprintReceipt>("frmREReprintReceipt")},
+        {"mnuPCPaymentsReprintReceipt", entry<frmPCReprintReceipt>("frmPCReprintReceipt")},
         {"mnuUtilitiesMillagesCounty",
          entry<frmMaintainMillagesCounty>("frmMaintainMillagesCounty")},
         {"mnuUtilitiesMillagesTwp",
