@@ -46,48 +46,18 @@ bool isBlank(QStringView flag) {
 
 } // namespace
 
-frmPCReceivePayment::frmPCReceivePayment(QWidget* parent) : QWidget(parent) {
+frmPCReceivePayment::frmPCReceivePayment(QWidget* parent) : PaymentScreen(parent) {
     setObjectName(QStringLiteral("frmPCReceivePayment"));
     setWindowTitle(QStringLiteral("Receive Per Capita Payments"));
     buildScreen();
-    m_entry.emplace(PaymentEntryFields{
-        txtDate,      txtPayor,    txtPAddr1,   txtPAddr2, txtPCity, cboPState, txtPZipCode,
-        txtPZipCode2, txtChecknum, txtAmount,   txtName,   txtAddr1, txtAddr2,  txtCity,
-        cboState,     txtZipCode,  txtZipCode2, chkCounty, chkTwp,   chkSchool});
-    loadRates();
+    startEntries();
+    loadOffice(lblTwp);
+    showLinesByRates();
     clearScreen();
     session().LastScreenName = objectName();
 }
 
 void frmPCReceivePayment::buildScreen() {
-    const PaymentScreenParts parts = BuildPaymentScreenParts(this);
-    txtBillNo = parts.txtBillNo;
-    txtAdjNo = parts.txtAdjNo;
-    txtDate = parts.txtDate;
-    cmdDate = parts.cmdDate;
-    lblAdjustment = parts.lblAdjustment;
-    lblAddressChange = parts.lblAddressChange;
-    lblPaymentReceived = parts.lblPaymentReceived;
-    txtPayor = parts.txtPayor;
-    txtPAddr1 = parts.txtPAddr1;
-    txtPAddr2 = parts.txtPAddr2;
-    txtPCity = parts.txtPCity;
-    cboPState = parts.cboPState;
-    txtPZipCode = parts.txtPZipCode;
-    txtPZipCode2 = parts.txtPZipCode2;
-    txtChecknum = parts.txtChecknum;
-    txtAmount = parts.txtAmount;
-    txtTotal = parts.txtTotal;
-    chkPrintReceipt = parts.chkPrintReceipt;
-    cmdAccept = parts.cmdAccept;
-    cmdClearScreen = parts.cmdClearScreen;
-    cmdQuery = parts.cmdQuery;
-    cmdPaymentInfo = parts.cmdPaymentInfo;
-    cmdPrevPayor = parts.cmdPrevPayor;
-    cmdPrevComments = parts.cmdPrevComments;
-    cmdPrintScreen = parts.cmdPrintScreen;
-    cmdExit = parts.cmdExit;
-
     // The person's bill as it stands.
     auto* fraBill = new QGroupBox(QStringLiteral("Taxpayer"), this);
     fraBill->setObjectName(QStringLiteral("fraBill"));
@@ -190,12 +160,12 @@ void frmPCReceivePayment::buildScreen() {
 
     auto* middle = new QGridLayout;
     middle->addWidget(fraBill, 0, 0);
-    middle->addWidget(parts.fraPayor, 0, 1);
+    middle->addWidget(fraPayor, 0, 1);
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(parts.top);
+    layout->addLayout(top);
     layout->addLayout(bodyRow);
     layout->addLayout(middle);
-    layout->addLayout(parts.buttons);
+    layout->addLayout(buttons);
 
     QWidget* order[] = {txtBillNo,       txtDate,     cmdDate,        chkCounty,    chkTwp,
                         chkSchool,       txtPayor,    txtPAddr1,      txtPAddr2,    txtPCity,
@@ -205,17 +175,13 @@ void frmPCReceivePayment::buildScreen() {
     for (size_t i = 1; i < std::size(order); ++i)
         setTabOrder(order[i - 1], order[i]);
 
-    for (QWidget* w : {txtBillNo, txtDate, txtPayor, txtChecknum, txtAmount})
-        w->installEventFilter(this);
-    for (QAbstractButton* b : findChildren<QAbstractButton*>())
-        b->installEventFilter(this);
-
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
-    connect(cmdPrevPayor, &QPushButton::clicked, this, [this] { m_entry->previousPayor(); });
-    connect(cmdPrevComments, &QPushButton::clicked, this, [this] { m_entry->previousCheck(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] {
+        showPaymentInfo([this] {
+            return PerCapitaPaymentInfoText(
+                m_flags, m_btFlag,
+                ReadPerCapitaReceipts(session().DbConnection, m_bill.text("BillNo")));
+        });
+    });
     connect(cmdQuery, &QPushButton::clicked, this, [] {
         // The per capita bill list, as its menu item opens it.
         if (ScreenHost* host = screenHost())
@@ -225,32 +191,9 @@ void frmPCReceivePayment::buildScreen() {
     });
 }
 
-void frmPCReceivePayment::loadRates() {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    QString district, ward;
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        district = TextField(q.value(0));
-        ward = TextField(q.value(1));
-    }
-    QSqlRecord countyRow, municipalRow;
-    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
-        countyRow = q.record();
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(district + ward);
-    if (q.exec() && q.next())
-        municipalRow = q.record();
-    m_calendar = PaymentCalendarFromMillfile(municipalRow);
-
-    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    q.addBindValue(district);
-    q.addBindValue(ward);
-    if (q.exec() && q.next())
-        m_btFlag = TextField(q.value(0)).trimmed();
-    lblTwp->setText(m_btFlag == QLatin1String("B")   ? QStringLiteral("Borough:")
-                    : m_btFlag == QLatin1String("C") ? QStringLiteral("City:")
-                                                     : QStringLiteral("Township:"));
-
+void frmPCReceivePayment::showLinesByRates() {
+    const QSqlRecord& countyRow = m_countyRow;
+    const QSqlRecord& municipalRow = m_municipalRow;
     // Each line shows by its own rate. The county's lines go by the county row's real-estate
     // millages (SMR for the per capita, S1MR for the occupation line), as the real-estate
     // screen reads that row; the municipal and school lines by their per capita amount and
@@ -277,169 +220,35 @@ void frmPCReceivePayment::loadRates() {
         m_block[b] = perCapita[b] || occupation[b];
         frames[b]->setVisible(m_block[b]);
     }
-
-    if (q.exec(QStringLiteral("SELECT State FROM tbl_States")))
-        while (q.next())
-            cboPState->addItem(TextField(q.value(0)));
-
-    m_credited = Clock::today();
-    txtDate->setText(FormatDate(m_credited));
-    m_periods = PeriodsForDate(m_calendar, m_credited);
-}
-
-void frmPCReceivePayment::applyDefaultTicks() {
-    chkCounty->setChecked(m_block[0]);
-    chkTwp->setChecked(m_block[1]);
-    chkSchool->setChecked(m_block[2]);
-}
-
-void frmPCReceivePayment::lockEntryFields() {
-    for (QWidget* w : std::initializer_list<QWidget*>{
-             txtDate, cmdDate, chkCounty, chkTwp, chkSchool, txtPayor, txtPAddr1, txtPAddr2,
-             txtPCity, cboPState, txtPZipCode, txtPZipCode2, txtChecknum, txtAmount, cmdAccept,
-             cmdPaymentInfo, cmdPrevPayor, cmdPrevComments})
-        w->setEnabled(false);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Field leave
-// ---------------------------------------------------------------------------------------------
-
-bool frmPCReceivePayment::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    // The amount offered is selected on entry, so what is typed replaces it.
-    if (event->type() == QEvent::FocusIn && watched == txtAmount &&
-        static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason) {
-        txtAmount->selectAll();
-        return QWidget::eventFilter(watched, event);
-    }
-    if (!IsFieldLeave(event) || m_clearing || m_inLeave)
-        return QWidget::eventFilter(watched, event);
-
-    QPointer<QWidget> target = QApplication::focusWidget();
-    m_inLeave = true;
-    bool refused = false;
-    if (watched == txtBillNo)
-        billNoLeft();
-    else if (watched == txtDate)
-        refused = !dateLeft();
-    else if (watched == txtPayor)
-        m_entry->payorLeft();
-    else if (watched == txtChecknum)
-        m_entry->checknumLeft();
-    else if (watched == txtAmount)
-        refused = !m_entry->validateAmount();
-    m_inLeave = false;
-
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
-}
-
-void frmPCReceivePayment::enterBillNo(const QString& billNo) {
-    if (!txtBillNo->isEnabled())
-        return;
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    billNoLeft();
-    m_inLeave = false;
-}
-
-void frmPCReceivePayment::openFromQuery(const QString& billNo) {
-    clearScreen();
-    txtBillNo->setEnabled(true);
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    billNoLeft();
-    m_inLeave = false;
-    // The number stays locked: the screen works on the bill the query gave.
-    txtBillNo->setEnabled(false);
 }
 
 void frmPCReceivePayment::billNoLeft() {
-    if (txtBillNo->text().trimmed().isEmpty())
+    std::optional<BillNow> bill = readBill(Duplicate::PerCapita);
+    if (!bill)
         return;
-    const QString billNo = PadBillNo(txtBillNo->text());
-    {
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(billNo);
-    }
-    BillNow bill = ReadBillAsItStands(session().DbConnection, Duplicate::PerCapita, billNo);
-    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
-        MsgBox(QStringLiteral("Bill Number Not On File"), QString::fromLatin1(ReceivePaymentTitle),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-        txtBillNo->selectAll();
-        return;
-    }
-    if (!CheckBillIntegrity(bill)) {
-        clearScreen();
-        return;
-    }
-
-    m_bill = std::move(bill);
+    m_bill = std::move(*bill);
     m_billLoaded = true;
     m_flags = BillPayFlagsFromRecord(m_bill.bill);
     showBill();
 
     session().PaymentInfoText = PerCapitaPaymentInfoText(
-        m_flags, m_btFlag, ReadPerCapitaReceipts(session().DbConnection, billNo));
+        m_flags, m_btFlag, ReadPerCapitaReceipts(session().DbConnection, m_bill.text("BillNo")));
     lblPaymentReceived->setVisible(!session().PaymentInfoText.isEmpty());
 
-    // Nothing can be taken on a bill whose every part shown is exonerated or paid. An
-    // exonerated part counts as paid, so the exoneration is told first, as on the real-estate
-    // screen.
-    const QString flags[3] = {m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
-    bool anyVisible = false;
-    bool allExonerated = true;
-    bool allPaid = true;
-    for (int b = 0; b < 3; ++b) {
-        if (!m_block[b])
-            continue;
-        anyVisible = true;
-        if (flags[b].trimmed() != QLatin1String("X"))
-            allExonerated = false;
-        if (isBlank(flags[b]))
-            allPaid = false;
-    }
-    if (anyVisible && allExonerated) {
-        MsgBox(QStringLiteral("This tax bill has been exonerated. You cannot receive a payment "
-                              "on this account."),
-               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
+    // A body is settled by any flag; there is no tax claim warning here.
+    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
+    std::array<bool, 3> settled{};
+    for (int b = 0; b < 3; ++b)
+        settled[b] = !isBlank(flags[b]);
+    if (refuseSettledBill(flags, settled))
         return;
-    }
-    if (anyVisible && allPaid) {
-        txtAmount->clear();
-        MsgBox(QStringLiteral("This Account has already been paid in full. You cannot receive a "
-                              "payment on this account."),
-               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
-        return;
-    }
-
-    txtBillNo->setEnabled(false);
-    cmdAccept->setEnabled(true);
-    cmdPaymentInfo->setEnabled(true);
-    cmdDate->setEnabled(true);
-    cmdPrevPayor->setEnabled(true);
-    cmdPrevComments->setEnabled(true);
 
     // A body already paid, exonerated or with nothing to pay is closed.
-    QCheckBox* boxes[3] = {chkCounty, chkTwp, chkSchool};
     const TaxBody bodies[3] = {TaxBody::County, TaxBody::Twp, TaxBody::School};
-    for (int b = 0; b < 3; ++b) {
-        const bool closed =
-            !isBlank(flags[b]) || PerCapitaBodyFace(m_bill.bill, bodies[b]).isZero();
-        boxes[b]->setEnabled(!closed && m_block[b]);
-        if (closed)
-            boxes[b]->setChecked(false);
-    }
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{txtPayor, txtPAddr1, txtPAddr2, txtPCity, cboPState,
-                                         txtPZipCode, txtPZipCode2, txtChecknum, txtAmount})
-        w->setEnabled(true);
+    std::array<bool, 3> closed{};
+    for (int b = 0; b < 3; ++b)
+        closed[b] = settled[b] || PerCapitaBodyFace(m_bill.bill, bodies[b]).isZero();
+    openForPayment(closed);
     updateDetailFields();
     refreshAmounts();
     txtPayor->setFocus(Qt::OtherFocusReason);
@@ -464,28 +273,9 @@ void frmPCReceivePayment::showBill() {
     lblAddressChange->setVisible(b.text("CAddrFlag").trimmed() == QLatin1String("A"));
 }
 
-bool frmPCReceivePayment::dateLeft() {
-    const std::optional<QDate> date = m_entry->validateDate(true);
-    if (!date)
-        return false;
-    m_credited = *date;
-    m_periods = PeriodsForDate(m_calendar, m_credited);
-    refreshAmounts();
-    txtDate->setEnabled(false);
-    return true;
-}
-
 // ---------------------------------------------------------------------------------------------
 // Amounts and ticks
 // ---------------------------------------------------------------------------------------------
-
-PaymentSelection frmPCReceivePayment::selection() const {
-    PaymentSelection s;
-    s.county = chkCounty->isChecked();
-    s.twp = chkTwp->isChecked();
-    s.school = chkSchool->isChecked();
-    return s;
-}
 
 void frmPCReceivePayment::updateDetailFields() {
     const std::pair<QCheckBox*, std::array<QWidget*, 4>> blocks[3] = {
@@ -522,31 +312,11 @@ void frmPCReceivePayment::refreshAmounts(bool offer) {
 // Accept
 // ---------------------------------------------------------------------------------------------
 
-void frmPCReceivePayment::accept() {
-    if (!m_billLoaded)
-        return;
-    // The focus moves about while the payment is checked; no field-leave action runs meanwhile.
-    m_inLeave = true;
-    acceptPayment();
-    m_inLeave = false;
-}
-
 void frmPCReceivePayment::acceptPayment() {
-    const QString title = QString::fromLatin1(ReceivePaymentTitle);
-
-    // 1 to 6: a body, date, payor, check, amount, and the question.
-    const std::optional<Money> amount = m_entry->checkForAccept([this](const QDate& date) {
-        m_credited = date;
-        m_periods = PeriodsForDate(m_calendar, m_credited);
-        refreshAmounts(false);
-    });
-    if (!amount)
-        return;
-
-    // 7 and 8: the flags of the ticked bodies, and the amount against their total.
+    // 1 to 6, then 7 and 8: the flags of the ticked bodies, and the amount against their total.
     const PaymentSelection sel = selection();
-    const std::optional<PaymentCheck> check = m_entry->checkAgainstTotal(
-        *amount, PerCapitaTotalDue(sel, m_amounts), m_calendar.tolerance);
+    const std::optional<PaymentCheck> check =
+        checkAccept([&] { return PerCapitaTotalDue(sel, m_amounts); });
     if (!check)
         return;
 
@@ -556,101 +326,24 @@ void frmPCReceivePayment::acceptPayment() {
     r.rdate = m_credited;
     r.overage = check->overage;
     r.refund = check->refund;
-    const PayorEntry payor = m_entry->payorEntry();
-    r.payor = payor.payor;
-    r.pAddr1 = payor.pAddr1;
-    r.pAddr2 = payor.pAddr2;
-    r.pCity = payor.pCity;
-    r.pState = payor.pState;
-    r.pZipCode = payor.pZipCode;
-    r.pZipCode2 = payor.pZipCode2;
-    r.checknum = payor.checknum;
-    const PostingResult posted =
-        PostPerCapitaPayment(session().DbConnection, posting, Clock::today());
-    if (!posted.ok) {
-        MsgBox(QStringLiteral("The payment could not be saved: ") + posted.error, title,
-               MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    m_entry->remember(payor);
-
-    // 13. The receipt, with the payor and owner as this screen shows them.
-    if (chkPrintReceipt->isChecked())
-        AskAndPrintPCReceipt(this, posted.recnum, session().DbConnection);
-    // 14. Money to go back.
-    if (check->refund > Money()) {
-        session().RefundRecnum = posted.recnum;
-        session().RefundAmount = check->refund;
-        openRefund();
-    }
-    Q_EMIT paymentReceived(posted.recnum);
-
-    // 15.
-    MsgBox(QStringLiteral("Payment Received"), title, MsgButtons::Ok, MsgIcon::Information);
-    clearScreen();
-    txtBillNo->setFocus(Qt::OtherFocusReason);
+    SetReceiptPayor(r, m_entry->payorEntry());
+    // 13 to 15: the receipt, the refund screen, "Payment Received".
+    finishPayment(
+        PostPerCapitaPayment(session().DbConnection, posting, Clock::today()), *check,
+        [this](const QString& recnum) {
+            AskAndPrintPCReceipt(this, recnum, session().DbConnection);
+        },
+        [](const RefundSource& source) {
+            auto* refund = new frmPCRefund(source);
+            if (ScreenHost* main = screenHost()) {
+                main->showScreen(refund, true);
+            } else {
+                refund->exec();
+                delete refund;
+            }
+        });
 }
 
-void frmPCReceivePayment::openRefund() {
-    RefundSource source;
-    source.control = txtControl->text();
-    source.billNo = txtBillNo->text();
-    source.adjNo = txtAdjNo->text();
-    const PayorEntry payor = m_entry->payorEntry();
-    source.payor = {payor.payor,  payor.pAddr1,   payor.pAddr2,   payor.pCity,
-                    payor.pState, payor.pZipCode, payor.pZipCode2};
-    source.owner = {txtName->text(),    txtAddr1->text(),        txtAddr2->text(),
-                    txtCity->text(),    cboState->currentText(), txtZipCode->text(),
-                    txtZipCode2->text()};
-    auto* refund = new frmPCRefund(source);
-    if (ScreenHost* main = screenHost()) {
-        main->showScreen(refund, true);
-    } else {
-        refund->exec();
-        delete refund;
-    }
-}
-
-void frmPCReceivePayment::showPaymentInfo() {
-    if (m_billLoaded)
-        session().PaymentInfoText = PerCapitaPaymentInfoText(
-            m_flags, m_btFlag,
-            ReadPerCapitaReceipts(session().DbConnection, m_bill.text("BillNo")));
-    if (session().PaymentInfoText.isEmpty())
-        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle));
-    else
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
-}
-
-void frmPCReceivePayment::clearScreen() {
-    m_clearing = true;
-    m_billLoaded = false;
-    m_bill = BillNow();
-    m_flags = BillPayFlags();
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        // The date credited stays for the next bill; the combo boxes' own editors are cleared
-        // with their boxes.
-        if (field == txtDate || qobject_cast<QComboBox*>(field->parentWidget()))
-            continue;
-        const QSignalBlocker block(field);
-        field->clear();
-    }
-    cboState->setEditText(QString());
-    cboPState->setEditText(QString());
-    cboPState->setCurrentIndex(-1);
-    lblAdjustment->hide();
-    lblAddressChange->hide();
-    lblPaymentReceived->hide();
-    applyDefaultTicks();
-    lockEntryFields();
-    updateDetailFields();
-    m_entry->forget();
-    txtDate->setText(FormatDate(m_credited));
-    refreshAmounts();
-
-    const bool fromQuery = session().QueryOpenedScreen.contains(objectName());
-    txtBillNo->setEnabled(!fromQuery);
-    if (!fromQuery)
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
+void frmPCReceivePayment::clearOwnState() {
+    m_amounts = PerCapitaAmounts();
 }

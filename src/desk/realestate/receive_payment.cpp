@@ -61,49 +61,17 @@ bool isBlank(QStringView flag) {
 // Building the screen
 // ---------------------------------------------------------------------------------------------
 
-frmREReceivePayment::frmREReceivePayment(QWidget* parent) : QWidget(parent) {
+frmREReceivePayment::frmREReceivePayment(QWidget* parent) : PaymentScreen(parent) {
     setObjectName(QStringLiteral("frmREReceivePayment"));
     setWindowTitle(QStringLiteral("Receive Real Estate Payments"));
     buildScreen();
-    m_entry.emplace(PaymentEntryFields{
-        txtDate,      txtPayor,    txtPAddr1,   txtPAddr2, txtPCity, cboPState, txtPZipCode,
-        txtPZipCode2, txtChecknum, txtAmount,   txtName,   txtAddr1, txtAddr2,  txtCity,
-        cboState,     txtZipCode,  txtZipCode2, chkCounty, chkTwp,   chkSchool});
+    startEntries();
     loadRates();
     clearScreen();
     session().LastScreenName = objectName();
 }
 
 void frmREReceivePayment::buildScreen() {
-    // Bill number, date, payor, money and buttons, as on the per capita screen.
-    const PaymentScreenParts parts = BuildPaymentScreenParts(this);
-    txtBillNo = parts.txtBillNo;
-    txtAdjNo = parts.txtAdjNo;
-    txtDate = parts.txtDate;
-    cmdDate = parts.cmdDate;
-    lblAdjustment = parts.lblAdjustment;
-    lblAddressChange = parts.lblAddressChange;
-    lblPaymentReceived = parts.lblPaymentReceived;
-    txtPayor = parts.txtPayor;
-    txtPAddr1 = parts.txtPAddr1;
-    txtPAddr2 = parts.txtPAddr2;
-    txtPCity = parts.txtPCity;
-    cboPState = parts.cboPState;
-    txtPZipCode = parts.txtPZipCode;
-    txtPZipCode2 = parts.txtPZipCode2;
-    txtChecknum = parts.txtChecknum;
-    txtAmount = parts.txtAmount;
-    txtTotal = parts.txtTotal;
-    chkPrintReceipt = parts.chkPrintReceipt;
-    cmdAccept = parts.cmdAccept;
-    cmdClearScreen = parts.cmdClearScreen;
-    cmdQuery = parts.cmdQuery;
-    cmdPaymentInfo = parts.cmdPaymentInfo;
-    cmdPrevPayor = parts.cmdPrevPayor;
-    cmdPrevComments = parts.cmdPrevComments;
-    cmdPrintScreen = parts.cmdPrintScreen;
-    cmdExit = parts.cmdExit;
-
     // The bill as it stands.
     auto* fraBill = new QGroupBox(QStringLiteral("Property Owner"), this);
     fraBill->setObjectName(QStringLiteral("fraBill"));
@@ -310,12 +278,12 @@ void frmREReceivePayment::buildScreen() {
 
     auto* middle = new QGridLayout;
     middle->addWidget(fraBill, 0, 0);
-    middle->addWidget(parts.fraPayor, 0, 1);
+    middle->addWidget(fraPayor, 0, 1);
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(parts.top);
+    layout->addLayout(top);
     layout->addLayout(bodies);
     layout->addLayout(middle);
-    layout->addLayout(parts.buttons);
+    layout->addLayout(buttons);
 
     // The tab order of the entries: the bill, the date, the bodies, the payor and the money,
     // then the street light choice and the installments.
@@ -327,12 +295,6 @@ void frmREReceivePayment::buildScreen() {
                         cmdPrevComments, cmdPrintScreen};
     for (size_t i = 1; i < std::size(order); ++i)
         setTabOrder(order[i - 1], order[i]);
-
-    // Field-leave actions run on focus-out; the buttons learn of a refused leave.
-    for (QWidget* w : {txtBillNo, txtDate, txtPayor, txtChecknum, txtAmount})
-        w->installEventFilter(this);
-    for (QAbstractButton* b : findChildren<QAbstractButton*>())
-        b->installEventFilter(this);
 
     for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
         connect(box, &QCheckBox::clicked, this, [this] { bodyTicked(); });
@@ -346,12 +308,13 @@ void frmREReceivePayment::buildScreen() {
             [this] { streetLightChosen(StreetLightChoice::TwpOnly); });
     connect(optStLtOnly, &QRadioButton::clicked, this,
             [this] { streetLightChosen(StreetLightChoice::StreetLightOnly); });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
-    connect(cmdPrevPayor, &QPushButton::clicked, this, [this] { previousPayor(); });
-    connect(cmdPrevComments, &QPushButton::clicked, this, [this] { previousCheck(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] {
+        showPaymentInfo([this] {
+            return RealEstatePaymentInfoText(
+                m_flags, m_btFlag,
+                ReadRealEstatePaidReceipts(session().DbConnection, m_bill.text("BillNo")));
+        });
+    });
     connect(cmdQuery, &QPushButton::clicked, this, [] {
         ShowScreenNamed(QStringLiteral("frmREQueryTC"),
                         [] { return static_cast<QWidget*>(new frmREQueryTC); });
@@ -359,32 +322,8 @@ void frmREReceivePayment::buildScreen() {
 }
 
 void frmREReceivePayment::loadRates() {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        m_district = TextField(q.value(0));
-        m_ward = TextField(q.value(1));
-    }
-    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
-        m_countyRow = q.record();
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(m_district + m_ward);
-    if (q.exec() && q.next())
-        m_municipalRow = q.record();
-    m_calendar = PaymentCalendarFromMillfile(m_municipalRow);
-
-    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    q.addBindValue(m_district);
-    q.addBindValue(m_ward);
-    if (q.exec() && q.next())
-        m_btFlag = TextField(q.value(0)).trimmed();
-    if (m_btFlag == QLatin1String("B"))
-        lblTwp->setText(QStringLiteral("Borough:"));
-    else if (m_btFlag == QLatin1String("C"))
-        lblTwp->setText(QStringLiteral("City:"));
-    else
-        lblTwp->setText(QStringLiteral("Township:"));
-
+    loadOffice(lblTwp);
+    QSqlQuery q(session().DbConnection);
     auto rate = [](const QSqlRecord& row, const char* column) {
         return row.value(column).toDouble();
     };
@@ -423,16 +362,11 @@ void frmREReceivePayment::loadRates() {
     for (int i = 0; i < 3; ++i)
         show(i < special, lblSpecFace[i], txtSpecFace[i]);
 
-    m_countyBlock = countyMill != 0 || countySpecialMill != 0 || libraryMill != 0;
-    m_twpBlock = twpMill != 0;
-    m_schoolBlock = schoolMill != 0 || !schoolSpecial.isEmpty();
-    fraCounty->setVisible(m_countyBlock);
-    fraTwp->setVisible(m_twpBlock);
-    fraSchool->setVisible(m_schoolBlock);
-
-    if (q.exec(QStringLiteral("SELECT State FROM tbl_States")))
-        while (q.next())
-            cboPState->addItem(TextField(q.value(0)));
+    m_block = {countyMill != 0 || countySpecialMill != 0 || libraryMill != 0, twpMill != 0,
+               schoolMill != 0 || !schoolSpecial.isEmpty()};
+    fraCounty->setVisible(m_block[0]);
+    fraTwp->setVisible(m_block[1]);
+    fraSchool->setVisible(m_block[2]);
 
     q.prepare(QStringLiteral("SELECT Value FROM tbl_Settings WHERE Name = ?"));
     q.addBindValue(QString::fromLatin1(ClaimPhoneSetting));
@@ -440,110 +374,13 @@ void frmREReceivePayment::loadRates() {
         m_claimPhone = TextField(q.value(0)).trimmed();
     if (m_claimPhone.isEmpty())
         m_claimPhone = QString::fromLatin1(ClaimPhoneFallback);
-
-    m_credited = Clock::today();
-    txtDate->setText(FormatDate(m_credited));
-    m_periods = PeriodsForDate(m_calendar, m_credited);
-}
-
-void frmREReceivePayment::applyDefaultTicks() {
-    chkCounty->setChecked(m_countyBlock);
-    chkTwp->setChecked(m_twpBlock);
-    chkSchool->setChecked(m_schoolBlock);
-    for (QCheckBox* box : payBoxes())
-        box->setChecked(false);
-}
-
-void frmREReceivePayment::lockEntryFields() {
-    for (QWidget* w : std::initializer_list<QWidget*>{
-             txtDate,        cmdDate,      chkCounty,      chkTwp,      chkSchool, chkPay1,
-             chkPay2,        chkPay3,      txtPayor,       txtPAddr1,   txtPAddr2, txtPCity,
-             cboPState,      txtPZipCode,  txtPZipCode2,   txtChecknum, txtAmount, cmdAccept,
-             cmdPaymentInfo, cmdPrevPayor, cmdPrevComments})
-        w->setEnabled(false);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Field leave
-// ---------------------------------------------------------------------------------------------
-
-bool frmREReceivePayment::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    // The amount offered is selected on entry, so what is typed replaces it.
-    if (event->type() == QEvent::FocusIn && watched == txtAmount &&
-        static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason) {
-        txtAmount->selectAll();
-        return QWidget::eventFilter(watched, event);
-    }
-    // Another window taking the focus is no leave of the field.
-    if (!IsFieldLeave(event) || m_clearing || m_inLeave)
-        return QWidget::eventFilter(watched, event);
-
-    QPointer<QWidget> target = QApplication::focusWidget();
-    m_inLeave = true;
-    // A click does not act when the field it left was refused: the message box took it.
-    bool refused = false;
-    if (watched == txtBillNo) {
-        billNoLeft();
-    } else if (watched == txtDate) {
-        refused = !dateLeft();
-    } else if (watched == txtPayor) {
-        payorLeft();
-    } else if (watched == txtChecknum) {
-        checknumLeft();
-    } else if (watched == txtAmount) {
-        refused = !amountLeft();
-    }
-    m_inLeave = false;
-
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
-}
-
-void frmREReceivePayment::enterBillNo(const QString& billNo) {
-    if (!txtBillNo->isEnabled())
-        return;
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    billNoLeft();
-    m_inLeave = false;
-}
-
-void frmREReceivePayment::openFromQuery(const QString& billNo) {
-    clearScreen();
-    txtBillNo->setEnabled(true);
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    billNoLeft();
-    m_inLeave = false;
-    // The number stays locked: the screen works on the bill the query gave.
-    txtBillNo->setEnabled(false);
 }
 
 void frmREReceivePayment::billNoLeft() {
-    if (txtBillNo->text().trimmed().isEmpty())
+    std::optional<BillNow> bill = readBill(Duplicate::RealEstate);
+    if (!bill)
         return;
-    const QString billNo = PadBillNo(txtBillNo->text());
-    {
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(billNo);
-    }
-    BillNow bill = ReadBillAsItStands(session().DbConnection, Duplicate::RealEstate, billNo);
-    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
-        MsgBox(QStringLiteral("Bill Number Not On File"), QString::fromLatin1(ReceivePaymentTitle),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-        txtBillNo->selectAll();
-        return;
-    }
-    if (!CheckBillIntegrity(bill)) {
-        clearScreen();
-        return;
-    }
-
-    m_bill = std::move(bill);
+    m_bill = std::move(*bill);
     m_billLoaded = true;
     m_lines = BillLinesFromRecord(m_bill.bill);
     m_flags = BillPayFlagsFromRecord(m_bill.bill);
@@ -551,65 +388,26 @@ void frmREReceivePayment::billNoLeft() {
     showBill();
 
     session().PaymentInfoText = RealEstatePaymentInfoText(
-        m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, billNo));
+        m_flags, m_btFlag,
+        ReadRealEstatePaidReceipts(session().DbConnection, m_bill.text("BillNo")));
     lblPaymentReceived->setVisible(!session().PaymentInfoText.isEmpty());
 
-    // Nothing can be taken on a bill whose every part shown is exonerated or settled. An
-    // exonerated part counts as settled, so the exoneration is told first.
     const TaxBody bodies[3] = {TaxBody::County, TaxBody::Twp, TaxBody::School};
-    const QString flags[3] = {m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
-    bool anyVisible = false;
-    bool allExonerated = true;
-    bool allSettled = true;
-    for (int b = 0; b < 3; ++b) {
-        if (!blockVisible(bodies[b]))
-            continue;
-        anyVisible = true;
-        if (flags[b].trimmed() != QLatin1String("X"))
-            allExonerated = false;
-        if (!bodySettled(bodies[b]))
-            allSettled = false;
-    }
-    if (anyVisible && allExonerated) {
-        MsgBox(QStringLiteral("This tax bill has been exonerated. You cannot receive a payment "
-                              "on this account."),
-               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
+    std::array<bool, 3> settled{};
+    for (int b = 0; b < 3; ++b)
+        settled[b] = bodySettled(bodies[b]);
+    if (refuseSettledBill({m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag}, settled))
         return;
-    }
-    if (anyVisible && allSettled) {
-        txtAmount->clear();
-        MsgBox(QStringLiteral("This Account has already been paid in full. You cannot receive a "
-                              "payment on this account."),
-               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
-        return;
-    }
     if (m_bill.text("TaxClaimFlag").trimmed() == QLatin1String("Y"))
         MsgBox(QStringLiteral("There may be outstanding delinquent taxes due on this account. "
                               "Please contact the Tax Claim Bureau at ") +
                    m_claimPhone + QLatin1Char('.'),
                QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
 
-    txtBillNo->setEnabled(false);
-    cmdAccept->setEnabled(true);
-    cmdPaymentInfo->setEnabled(true);
-    cmdDate->setEnabled(true);
-    cmdPrevPayor->setEnabled(true);
-    cmdPrevComments->setEnabled(true);
-
-    // A body settled or with nothing to pay is closed to payment.
-    QCheckBox* boxes[3] = {chkCounty, chkTwp, chkSchool};
-    for (int b = 0; b < 3; ++b) {
-        const bool closed = bodySettled(bodies[b]) || bodyZero(bodies[b]);
-        boxes[b]->setEnabled(!closed && blockVisible(bodies[b]));
-        if (closed)
-            boxes[b]->setChecked(false);
-    }
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{txtPayor, txtPAddr1, txtPAddr2, txtPCity, cboPState,
-                                         txtPZipCode, txtPZipCode2, txtChecknum, txtAmount})
-        w->setEnabled(true);
+    std::array<bool, 3> closed{};
+    for (int b = 0; b < 3; ++b)
+        closed[b] = settled[b] || bodyZero(bodies[b]);
+    openForPayment(closed);
 
     // District 39: what was paid of the split municipal part decides what is left to choose.
     m_streetLight = StreetLightChoice::All;
@@ -668,59 +466,9 @@ void frmREReceivePayment::showBill() {
     fraInstallments->setVisible(m_billInstallments.offered());
 }
 
-bool frmREReceivePayment::validateDate(bool showMessage) {
-    const std::optional<QDate> date = m_entry->validateDate(showMessage);
-    if (!date)
-        return false;
-    m_credited = *date;
-    return true;
-}
-
-bool frmREReceivePayment::dateLeft() {
-    if (!validateDate(true))
-        return false;
-    m_periods = PeriodsForDate(m_calendar, m_credited);
-    refreshAmounts();
-    txtDate->setEnabled(false);
-    return true;
-}
-
-void frmREReceivePayment::payorLeft() {
-    m_entry->payorLeft();
-}
-
-bool frmREReceivePayment::validateChecknum() {
-    m_entry->checknumLeft();
-    return true;
-}
-
-void frmREReceivePayment::checknumLeft() {
-    m_entry->checknumLeft();
-}
-
-bool frmREReceivePayment::validateAmount() {
-    return m_entry->validateAmount();
-}
-
-bool frmREReceivePayment::amountLeft() {
-    return validateAmount();
-}
-
 // ---------------------------------------------------------------------------------------------
 // Amounts, ticks and installments
 // ---------------------------------------------------------------------------------------------
-
-bool frmREReceivePayment::blockVisible(TaxBody body) const {
-    switch (body) {
-    case TaxBody::County:
-        return m_countyBlock;
-    case TaxBody::Twp:
-        return m_twpBlock;
-    case TaxBody::School:
-        return m_schoolBlock;
-    }
-    return false;
-}
 
 bool frmREReceivePayment::bodySettled(TaxBody body) const {
     switch (body) {
@@ -751,11 +499,8 @@ bool frmREReceivePayment::bodyZero(TaxBody body) const {
     return sum.isZero();
 }
 
-PaymentSelection frmREReceivePayment::selection() const {
-    PaymentSelection s;
-    s.county = chkCounty->isChecked();
-    s.twp = chkTwp->isChecked();
-    s.school = chkSchool->isChecked();
+PaymentSelection frmREReceivePayment::installmentSelection() const {
+    PaymentSelection s = selection();
     s.installment = {chkPay1->isChecked(), chkPay2->isChecked(), chkPay3->isChecked()};
     return s;
 }
@@ -810,7 +555,7 @@ void frmREReceivePayment::refreshAmounts(bool offer) {
     updateDetailFields();
     if (!offer)
         return;
-    const AmountOffer o = AmountOffered(selection(), m_flags.cPayFlag, m_flags.tPayFlag,
+    const AmountOffer o = AmountOffered(installmentSelection(), m_flags.cPayFlag, m_flags.tPayFlag,
                                         m_flags.sPayFlag, m_amounts, m_installments);
     const auto boxes = payBoxes();
     for (int n = 0; n < 3; ++n)
@@ -865,31 +610,11 @@ void frmREReceivePayment::streetLightChosen(StreetLightChoice choice) {
 // Accept
 // ---------------------------------------------------------------------------------------------
 
-void frmREReceivePayment::accept() {
-    if (!m_billLoaded)
-        return;
-    // The focus moves about while the payment is checked; no field-leave action runs meanwhile.
-    m_inLeave = true;
-    acceptPayment();
-    m_inLeave = false;
-}
-
 void frmREReceivePayment::acceptPayment() {
-    const QString title = QString::fromLatin1(ReceivePaymentTitle);
-
-    // 1 to 6: a body, date, payor, check, amount, and the question.
-    const std::optional<Money> amount = m_entry->checkForAccept([this](const QDate& date) {
-        m_credited = date;
-        m_periods = PeriodsForDate(m_calendar, m_credited);
-        refreshAmounts(false);
-    });
-    if (!amount)
-        return;
-
-    // 7. The amount against the total due.
-    const PaymentSelection sel = selection();
-    const std::optional<PaymentCheck> check = m_entry->checkAgainstTotal(
-        *amount, TotalDue(sel, m_amounts, m_installments), m_calendar.tolerance);
+    // 1 to 6, then 7: the amount against the total due.
+    const PaymentSelection sel = installmentSelection();
+    const std::optional<PaymentCheck> check =
+        checkAccept([&] { return TotalDue(sel, m_amounts, m_installments); });
     if (!check)
         return;
 
@@ -907,135 +632,42 @@ void frmREReceivePayment::acceptPayment() {
     r.rdate = m_credited;
     r.overage = check->overage;
     r.refund = check->refund;
-    const PayorEntry payor = m_entry->payorEntry();
-    r.payor = payor.payor;
-    r.pAddr1 = payor.pAddr1;
-    r.pAddr2 = payor.pAddr2;
-    r.pCity = payor.pCity;
-    r.pState = payor.pState;
-    r.pZipCode = payor.pZipCode;
-    r.pZipCode2 = payor.pZipCode2;
-    r.checknum = payor.checknum;
-
-    const PostingResult posted =
-        PostRealEstatePayment(session().DbConnection, posting, Clock::today());
-    if (!posted.ok) {
-        MsgBox(QStringLiteral("The payment could not be saved: ") + posted.error, title,
-               MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    m_entry->remember(payor);
-
-    // 12. The receipt.
-    if (chkPrintReceipt->isChecked())
-        printReceipt(posted.recnum);
-    // 13. Money to go back.
-    if (check->refund > Money()) {
-        session().RefundRecnum = posted.recnum;
-        session().RefundAmount = check->refund;
-        openRefund();
-    }
-    // 14. A query screen that opened this one refreshes.
-    Q_EMIT paymentReceived(posted.recnum);
-
-    // 15.
-    MsgBox(QStringLiteral("Payment Received"), title, MsgButtons::Ok, MsgIcon::Information);
-    clearScreen();
-    txtBillNo->setFocus(Qt::OtherFocusReason);
+    SetReceiptPayor(r, m_entry->payorEntry());
+    // 12 to 15: the receipt, the refund screen, a query that opened this one, "Payment
+    // Received".
+    finishPayment(
+        PostRealEstatePayment(session().DbConnection, posting, Clock::today()), *check,
+        [this](const QString& recnum) {
+            // The payor, owner and parcel are read from this screen's fields.
+            AskAndPrintREReceipt(this, recnum, session().DbConnection);
+        },
+        [this](RefundSource source) {
+            source.map3 = txtMap3->text();
+            source.map4 = txtMap4->text();
+            source.map5 = txtMap5->text();
+            auto* refund = new frmRERefund(source);
+            if (ScreenHost* main = screenHost()) {
+                main->showScreen(refund, true);
+            } else {
+                refund->exec();
+                delete refund;
+            }
+        });
 }
 
-void frmREReceivePayment::printReceipt(const QString& recnum) {
-    // The copies question, the receipt printer and the receipt itself; the payor, owner and
-    // parcel are read from this screen's fields.
-    AskAndPrintREReceipt(this, recnum, session().DbConnection);
-}
-
-void frmREReceivePayment::openRefund() {
-    RefundSource source;
-    source.control = txtControl->text();
-    source.map3 = txtMap3->text();
-    source.map4 = txtMap4->text();
-    source.map5 = txtMap5->text();
-    source.billNo = txtBillNo->text();
-    source.adjNo = txtAdjNo->text();
-    source.payor = {txtPayor->text(),    txtPAddr1->text(),        txtPAddr2->text(),
-                    txtPCity->text(),    cboPState->currentText(), txtPZipCode->text(),
-                    txtPZipCode2->text()};
-    source.owner = {txtName->text(),    txtAddr1->text(),        txtAddr2->text(),
-                    txtCity->text(),    cboState->currentText(), txtZipCode->text(),
-                    txtZipCode2->text()};
-    auto* refund = new frmRERefund(source);
-    if (ScreenHost* main = screenHost()) {
-        main->showScreen(refund, true);
-    } else {
-        refund->exec();
-        delete refund;
-    }
-}
-
-void frmREReceivePayment::showPaymentInfo() {
-    if (m_billLoaded)
-        session().PaymentInfoText = RealEstatePaymentInfoText(
-            m_flags, m_btFlag,
-            ReadRealEstatePaidReceipts(session().DbConnection, m_bill.text("BillNo")));
-    if (session().PaymentInfoText.isEmpty())
-        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle));
-    else
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
-}
-
-void frmREReceivePayment::clearScreen() {
-    m_clearing = true;
-    m_billLoaded = false;
-    m_bill = BillNow();
+void frmREReceivePayment::clearOwnState() {
     m_lines = BillLines();
-    m_flags = BillPayFlags();
     m_billInstallments = Installments();
     m_installments = InstallmentView();
     m_streetLight = StreetLightChoice::All;
-
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        // The date credited stays for the next bill; the combo boxes' own editors are cleared
-        // with their boxes.
-        if (field == txtDate || qobject_cast<QComboBox*>(field->parentWidget()))
-            continue;
-        const QSignalBlocker block(field);
-        field->clear();
-        field->setStyleSheet(QString());
-    }
-    cboState->setEditText(QString());
     cboLandUse->setEditText(QString());
-    cboPState->setEditText(QString());
-    cboPState->setCurrentIndex(-1);
     chkHFFlag->setChecked(false);
     lblInstPeriod->clear();
     fraStLt->hide();
     fraInstallments->hide();
-    lblAdjustment->hide();
-    lblAddressChange->hide();
-    lblPaymentReceived->hide();
     optAll->setChecked(true);
     for (QRadioButton* opt : {optAll, optTwpOnly, optStLtOnly})
         opt->setEnabled(true);
-    applyDefaultTicks();
-    lockEntryFields();
-    updateDetailFields();
-    m_entry->forget();
-    // A date typed and not yet taken goes back to the one in force.
-    txtDate->setText(FormatDate(m_credited));
-    refreshAmounts();
-
-    const bool fromQuery = session().QueryOpenedScreen.contains(objectName());
-    txtBillNo->setEnabled(!fromQuery);
-    if (!fromQuery)
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
-}
-
-void frmREReceivePayment::previousPayor() {
-    m_entry->previousPayor();
-}
-
-void frmREReceivePayment::previousCheck() {
-    m_entry->previousCheck();
+    for (QCheckBox* box : payBoxes())
+        box->setChecked(false);
 }
