@@ -79,7 +79,7 @@ ReceiptPage PCReceiptPage(const ReceiptOffice& d, const ReceiptScreenText& f, bo
     return p;
 }
 
-ReceiptPrintOutcome PrintPCReceipt(QSqlDatabase db, const PCReceiptRequest& request) {
+ReceiptPrintOutcome PrintPCReceipt(QSqlDatabase db, const ReceiptRequest& request) {
     if (!db.isValid())
         db = session().DbConnection;
     return PrintReceiptJob(
@@ -87,25 +87,15 @@ ReceiptPrintOutcome PrintPCReceipt(QSqlDatabase db, const PCReceiptRequest& requ
             ReceiptOffice data;
             if (!LoadPCReceipt(db, request.recnum, &data, error))
                 return std::nullopt;
-            const ReceiptScreenText fields =
-                request.fields
-                    ? *request.fields
-                    : ReceiptScreenText::fromRows(
-                          data.receipt,
-                          ReadBillAsItStands(db, Duplicate::PerCapita, data.billNo).bill);
-            return PCReceiptPage(data, fields, request.duplicate);
+            return PCReceiptPage(data, ReceiptFieldsFor(db, request, data, Duplicate::PerCapita),
+                                 request.duplicate);
         });
 }
 
 ReceiptPrintOutcome AskAndPrintPCReceipt(QWidget* callingScreen, const QString& recnum,
                                          QSqlDatabase db) {
     return AskAndPrintReceipt([&](int copies) {
-        PCReceiptRequest request;
-        request.recnum = recnum;
-        request.copies = copies;
-        request.duplicate =
-            callingScreen && callingScreen->objectName() == QLatin1String("frmPCReprintReceipt");
-        request.fields = ReceiptScreenText::fromScreen(callingScreen);
-        return PrintPCReceipt(db, request);
+        return PrintPCReceipt(
+            db, ScreenReceiptRequest(callingScreen, recnum, copies, "frmPCReprintReceipt"));
     });
 }

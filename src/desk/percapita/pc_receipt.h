@@ -21,14 +21,7 @@ bool LoadPCReceipt(QSqlDatabase db, const QString& recnum, ReceiptOffice* data,
 ReceiptPage PCReceiptPage(const ReceiptOffice& data, const ReceiptScreenText& fields,
                           bool duplicate);
 
-struct PCReceiptRequest {
-    QString recnum;
-    int copies = 1;
-    bool duplicate = false;
-    // The calling screen's fields; without them the receipt's payor and the bill as it stands.
-    std::optional<ReceiptScreenText> fields;
-};
-ReceiptPrintOutcome PrintPCReceipt(QSqlDatabase db, const PCReceiptRequest& request);
+ReceiptPrintOutcome PrintPCReceipt(QSqlDatabase db, const ReceiptRequest& request);
 
 // The copies question, then the print with the calling screen's fields; "DUPLICATE RECEIPT"
 // when the calling screen is frmPCReprintReceipt.

@@ -17,11 +17,8 @@ PerCapitaPosting BuildPerCapitaPosting(const BillNow& bill, const PaymentSelecti
                                        const PerCapitaAmounts& amounts) {
     PerCapitaPosting p;
     PerCapitaReceipt& r = p.receipt;
-    r.control = bill.text("Control");
-    r.billNo = bill.text("BillNo");
+    r.takeBill(bill);
     p.billNo = r.billNo;
-    r.adjNo = bill.adjNo;
-    r.name = bill.text("Name");
 
     const bool ticked[3] = {selection.county, selection.twp, selection.school};
     const QChar period[3] = {periods.county, periods.twp, periods.school};
@@ -53,22 +50,13 @@ PostingResult PostPerCapitaPayment(QSqlDatabase db, const PerCapitaPosting& post
 
     QStringList& columns = rows.receiptColumns;
     QVariantList& values = rows.receiptValues;
-    columns << "Control"
-            << "BillNo"
-            << "AdjNo"
-            << "Name"
-            << "RDate";
-    values << r.control << r.billNo << r.adjNo << r.name << DateValue(r.rdate);
+    AppendReceiptColumns(columns, values, r);
     for (int i = 0; i < PerCapitaLineCount; ++i) {
         const QString face = PerCapitaFaceColumn(i);
         columns << QLatin1Char('D') + face << face << QLatin1Char('P') + face;
         values << MoneyValue(r.line[i].discount) << MoneyValue(r.line[i].face)
                << MoneyValue(r.line[i].penalty);
     }
-    AppendReceiptTail(
-        columns, values, r.overage, r.refund,
-        {r.payor, r.pAddr1, r.pAddr2, r.pCity, r.pState, r.pZipCode, r.pZipCode2, r.checknum},
-        {r.cPayFlag, r.tPayFlag, r.sPayFlag});
     return PostPayment(db, PerCapitaDesk(), rows, today);
 }
 

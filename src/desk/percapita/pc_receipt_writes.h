@@ -17,20 +17,8 @@ struct BillNow;
 
 // A PCReceipt row but its number. Each line's triple is the face taken with the signed
 // differences: discount = discount - face, penalty = penalty - face.
-struct PerCapitaReceipt {
-    QString control;
-    QString billNo;
-    int adjNo = 0;
-    QString name;
-    QDate rdate;
+struct PerCapitaReceipt : ReceiptCommon {
     std::array<AmountTriple, PerCapitaLineCount> line{};
-    Money overage;
-    Money refund;
-    QString payor, pAddr1, pAddr2, pCity, pState, pZipCode, pZipCode2;
-    QString checknum;
-    QString cPayFlag = QStringLiteral(" ");
-    QString tPayFlag = QStringLiteral(" ");
-    QString sPayFlag = QStringLiteral(" ");
 
     // The money taken on the receipt's lines, without overage and refund.
     Money linesTotal() const;

@@ -352,3 +352,14 @@ void PaymentScreen::clearScreen() {
         txtBillNo->setFocus(Qt::OtherFocusReason);
     m_clearing = false;
 }
+
+void SetReceiptPayor(ReceiptCommon& r, const PayorEntry& p) {
+    r.payor = p.payor;
+    r.pAddr1 = p.pAddr1;
+    r.pAddr2 = p.pAddr2;
+    r.pCity = p.pCity;
+    r.pState = p.pState;
+    r.pZipCode = p.pZipCode;
+    r.pZipCode2 = p.pZipCode2;
+    r.checknum = p.checknum;
+}

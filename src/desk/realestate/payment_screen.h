@@ -110,13 +110,4 @@ private:
 };
 
 // The payor and check taken onto a receipt of either duplicate.
-template <typename Receipt> void SetReceiptPayor(Receipt& r, const PayorEntry& p) {
-    r.payor = p.payor;
-    r.pAddr1 = p.pAddr1;
-    r.pAddr2 = p.pAddr2;
-    r.pCity = p.pCity;
-    r.pState = p.pState;
-    r.pZipCode = p.pZipCode;
-    r.pZipCode2 = p.pZipCode2;
-    r.checknum = p.checknum;
-}
+void SetReceiptPayor(ReceiptCommon& receipt, const PayorEntry& payor);

@@ -738,7 +738,26 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
     DrawReceiptPage(s, REReceiptPage(d, f, duplicate));
 }
 
-ReceiptPrintOutcome PrintREReceipt(QSqlDatabase db, const REReceiptRequest& request) {
+ReceiptRequest ScreenReceiptRequest(QWidget* callingScreen, const QString& recnum, int copies,
+                                    const char* reprintScreenName) {
+    ReceiptRequest request;
+    request.recnum = recnum;
+    request.copies = copies;
+    request.duplicate =
+        callingScreen && callingScreen->objectName() == QLatin1String(reprintScreenName);
+    request.fields = ReceiptScreenText::fromScreen(callingScreen);
+    return request;
+}
+
+ReceiptScreenText ReceiptFieldsFor(QSqlDatabase db, const ReceiptRequest& request,
+                                   const ReceiptOffice& office, Duplicate duplicate) {
+    if (request.fields)
+        return *request.fields;
+    return ReceiptScreenText::fromRows(office.receipt,
+                                       ReadBillAsItStands(db, duplicate, office.billNo).bill);
+}
+
+ReceiptPrintOutcome PrintREReceipt(QSqlDatabase db, const ReceiptRequest& request) {
     if (!db.isValid())
         db = session().DbConnection;
     return PrintReceiptJob(
@@ -746,25 +765,15 @@ ReceiptPrintOutcome PrintREReceipt(QSqlDatabase db, const REReceiptRequest& requ
             REReceiptData data;
             if (!LoadREReceipt(db, request.recnum, &data, error))
                 return std::nullopt;
-            const ReceiptScreenText fields =
-                request.fields
-                    ? *request.fields
-                    : ReceiptScreenText::fromRows(
-                          data.receipt,
-                          ReadBillAsItStands(db, Duplicate::RealEstate, data.billNo).bill);
-            return REReceiptPage(data, fields, request.duplicate);
+            return REReceiptPage(data, ReceiptFieldsFor(db, request, data, Duplicate::RealEstate),
+                                 request.duplicate);
         });
 }
 
 ReceiptPrintOutcome AskAndPrintREReceipt(QWidget* callingScreen, const QString& recnum,
                                          QSqlDatabase db) {
     return AskAndPrintReceipt([&](int copies) {
-        REReceiptRequest request;
-        request.recnum = recnum;
-        request.copies = copies;
-        request.duplicate =
-            callingScreen && callingScreen->objectName() == QLatin1String("frmREReprintReceipt");
-        request.fields = ReceiptScreenText::fromScreen(callingScreen);
-        return PrintREReceipt(db, request);
+        return PrintREReceipt(
+            db, ScreenReceiptRequest(callingScreen, recnum, copies, "frmREReprintReceipt"));
     });
 }

@@ -6,6 +6,7 @@
 // here; the per capita one beside its screens.
 
 #include "core/money.h"
+#include "core/tax_database.h"
 #include "reports/report_surface.h"
 
 #include <QDate>
@@ -161,13 +162,23 @@ ReceiptPage REReceiptPage(const REReceiptData& data, const ReceiptScreenText& fi
 // "Installment payments received. (...)".
 QStringList ReceiptCreditSentences(const QSqlRecord& receipt, const QString& btFlag);
 
-struct REReceiptRequest {
+// A receipt to print: its number, the copies, whether it is a reprint ("DUPLICATE RECEIPT"),
+// and the calling screen's fields (without them the receipt's payor and the bill as it stands).
+struct ReceiptRequest {
     QString recnum;
     int copies = 1;
-    bool duplicate = false; // a reprint: "DUPLICATE RECEIPT"
-    // The calling screen's fields; without them the receipt's payor and the bill as it stands.
+    bool duplicate = false;
     std::optional<ReceiptScreenText> fields;
 };
+using REReceiptRequest = ReceiptRequest;
+
+// The request of a calling screen: its fields, and a reprint when it is the reprint screen
+// of that name.
+ReceiptRequest ScreenReceiptRequest(QWidget* callingScreen, const QString& recnum, int copies,
+                                    const char* reprintScreenName);
+// The fields a receipt prints: the request's, or the receipt's payor and the bill as it stands.
+ReceiptScreenText ReceiptFieldsFor(QSqlDatabase db, const ReceiptRequest& request,
+                                   const ReceiptOffice& office, Duplicate duplicate);
 
 // The print routine: the receipt printer of tbl_Printers ("There is currently no receipt
 // printer assigned." when there is none), then one page per copy in one job.

@@ -84,11 +84,8 @@ RealEstatePosting BuildRealEstatePosting(const BillNow& bill, const PaymentChoic
                                          const InstallmentView& installments) {
     RealEstatePosting p;
     RealEstateReceipt& r = p.receipt;
-    r.control = bill.text("Control");
-    r.billNo = bill.text("BillNo");
+    r.takeBill(bill);
     p.billNo = r.billNo;
-    r.adjNo = bill.adjNo;
-    r.name = bill.text("Name");
     r.map3 = bill.text("Map3");
     r.map4 = bill.text("Map4");
     r.map5 = bill.text("Map5");
@@ -259,25 +256,16 @@ PostingResult PostRealEstatePayment(QSqlDatabase db, const RealEstatePosting& po
 
     QStringList& columns = rows.receiptColumns;
     QVariantList& values = rows.receiptValues;
-    columns << "Control"
-            << "BillNo"
-            << "AdjNo"
-            << "Name"
-            << "Map3"
+    AppendReceiptColumns(columns, values, r);
+    columns << "Map3"
             << "Map4"
-            << "Map5"
-            << "RDate";
-    values << r.control << r.billNo << r.adjNo << r.name << r.map3 << r.map4 << r.map5
-           << DateValue(r.rdate);
+            << "Map5";
+    values << r.map3 << r.map4 << r.map5;
     for (int i = 0; i < TaxLineCount; ++i) {
         columns << DiscountColumn(i) << FaceColumn(i) << PenaltyColumn(i);
         values << MoneyValue(r.line[i].discount) << MoneyValue(r.line[i].face)
                << MoneyValue(r.line[i].penalty);
     }
-    AppendReceiptTail(
-        columns, values, r.overage, r.refund,
-        {r.payor, r.pAddr1, r.pAddr2, r.pCity, r.pState, r.pZipCode, r.pZipCode2, r.checknum},
-        {r.cPayFlag, r.tPayFlag, r.sPayFlag});
     for (int n = 0; n < 3; ++n) {
         columns << QStringLiteral("Payment%1").arg(n + 1);
         values << MoneyValue(r.payment[n]);
@@ -293,10 +281,20 @@ PostingResult PostRealEstatePayment(QSqlDatabase db, const RealEstatePosting& po
     return PostPayment(db, RealEstateDesk(), rows, today);
 }
 
-void AppendReceiptTail(QStringList& columns, QVariantList& values, Money overage, Money refund,
-                       const std::array<QString, 8>& payorAndCheck,
-                       const std::array<QString, 3>& payFlags) {
-    columns << "Overage"
+void ReceiptCommon::takeBill(const BillNow& bill) {
+    control = bill.text("Control");
+    billNo = bill.text("BillNo");
+    adjNo = bill.adjNo;
+    name = bill.text("Name");
+}
+
+void AppendReceiptColumns(QStringList& columns, QVariantList& values, const ReceiptCommon& r) {
+    columns << "Control"
+            << "BillNo"
+            << "AdjNo"
+            << "Name"
+            << "RDate"
+            << "Overage"
             << "Refund"
             << "Payor"
             << "PAddr1"
@@ -312,12 +310,10 @@ void AppendReceiptTail(QStringList& columns, QVariantList& values, Money overage
             << "CDisbNum"
             << "TDisbNum"
             << "SDisbNum";
-    values << MoneyValue(overage) << MoneyValue(refund);
-    for (const QString& v : payorAndCheck)
-        values << v;
-    for (const QString& f : payFlags)
-        values << f;
-    values << SixBlanks << SixBlanks << SixBlanks;
+    values << r.control << r.billNo << r.adjNo << r.name << DateValue(r.rdate)
+           << MoneyValue(r.overage) << MoneyValue(r.refund) << r.payor << r.pAddr1 << r.pAddr2
+           << r.pCity << r.pState << r.pZipCode << r.pZipCode2 << r.checknum << r.cPayFlag
+           << r.tPayFlag << r.sPayFlag << SixBlanks << SixBlanks << SixBlanks;
 }
 
 // ---------------------------------------------------------------------------------------------

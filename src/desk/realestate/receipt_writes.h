@@ -61,12 +61,27 @@ struct PaymentRows {
 PostingResult PostPayment(QSqlDatabase db, const DeskTables& tables, const PaymentRows& rows,
                           const QDate& today);
 
-// Appends the columns every receipt carries after its amounts: Overage, Refund, Payor, PAddr1,
-// PAddr2, PCity, PState, PZipCode, PZipCode2, Checknum (payorAndCheck in that order), the
-// three pay flags, and CDisbNum, TDisbNum, SDisbNum six blanks each.
-void AppendReceiptTail(QStringList& columns, QVariantList& values, Money overage, Money refund,
-                       const std::array<QString, 8>& payorAndCheck,
-                       const std::array<QString, 3>& payFlags);
+// What every receipt row carries besides its amounts.
+struct ReceiptCommon {
+    QString control;
+    QString billNo;
+    int adjNo = 0;
+    QString name;
+    QDate rdate;
+    Money overage;
+    Money refund;
+    QString payor, pAddr1, pAddr2, pCity, pState, pZipCode, pZipCode2;
+    QString checknum;
+    QString cPayFlag = QStringLiteral(" ");
+    QString tPayFlag = QStringLiteral(" ");
+    QString sPayFlag = QStringLiteral(" ");
+
+    // Control, bill number, adjustment number and name of the bill as it stands.
+    void takeBill(const BillNow& bill);
+};
+
+// Appends those columns, with CDisbNum, TDisbNum, SDisbNum six blanks each.
+void AppendReceiptColumns(QStringList& columns, QVariantList& values, const ReceiptCommon& r);
 
 // ---------------------------------------------------------------------------------------------
 // Posting a payment
@@ -87,21 +102,9 @@ struct MasterPayFlags {
 
 // A TCReceipt row but its number. On a receipt each line's triple is the face taken with the
 // signed differences: discount = discount - face, penalty = penalty - face.
-struct RealEstateReceipt {
-    QString control;
-    QString billNo;
-    int adjNo = 0;
-    QString name;
+struct RealEstateReceipt : ReceiptCommon {
     QString map3, map4, map5;
-    QDate rdate;
     std::array<AmountTriple, TaxLineCount> line{};
-    Money overage;
-    Money refund;
-    QString payor, pAddr1, pAddr2, pCity, pState, pZipCode, pZipCode2;
-    QString checknum;
-    QString cPayFlag = QStringLiteral(" ");
-    QString tPayFlag = QStringLiteral(" ");
-    QString sPayFlag = QStringLiteral(" ");
     std::array<Money, 3> payment{};    // the chosen installments' faces
     std::array<Money, 3> penPayment{}; // their penalty minus face
     std::array<QString, 3> payFlag{QStringLiteral(" "), QStringLiteral(" "), QStringLiteral(" ")};
