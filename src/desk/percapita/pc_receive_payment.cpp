@@ -58,37 +58,16 @@ frmPCReceivePayment::frmPCReceivePayment(QWidget* parent) : PaymentScreen(parent
 }
 
 void frmPCReceivePayment::buildScreen() {
-    // The person's bill as it stands.
-    auto* fraBill = new QGroupBox(QStringLiteral("Taxpayer"), this);
-    fraBill->setObjectName(QStringLiteral("fraBill"));
-    txtControl = ShownField(fraBill, QStringLiteral("txtControl"), 6);
-    txtName = ShownField(fraBill, QStringLiteral("txtName"), 50);
-    txtAddr1 = ShownField(fraBill, QStringLiteral("txtAddr1"), 50);
-    txtAddr2 = ShownField(fraBill, QStringLiteral("txtAddr2"), 50);
-    txtCity = ShownField(fraBill, QStringLiteral("txtCity"), 35);
-    cboState = NewStateCombo(fraBill, QStringLiteral("cboState"), 2);
-    cboState->setFocusPolicy(Qt::NoFocus);
-    cboState->lineEdit()->setReadOnly(true);
-    txtZipCode = ShownField(fraBill, QStringLiteral("txtZipCode"), 5);
-    txtZipCode2 = ShownField(fraBill, QStringLiteral("txtZipCode2"), 4);
+    // The person's bill as it stands: the name in parts is shown as its print name.
+    fraBill->setTitle(QStringLiteral("Taxpayer"));
     txtBirthdate = ShownField(fraBill, QStringLiteral("txtBirthdate"), 10);
     txtOccuCode = ShownField(fraBill, QStringLiteral("txtOccuCode"));
     txtOccuDesc = ShownField(fraBill, QStringLiteral("txtOccuDesc"), 50);
     txtOccuValue = ShownField(fraBill, QStringLiteral("txtOccuValue"), 10);
     {
         auto* g = new QGridLayout(fraBill);
-        int row = 0;
-        AddFieldRow(g, row++, new QLabel(QStringLiteral("Control #:"), fraBill), txtControl);
-        AddFieldRow(g, row++, new QLabel(QStringLiteral("Name:"), fraBill), txtName);
-        AddFieldRow(g, row++, new QLabel(QStringLiteral("Care Of:"), fraBill), txtAddr1);
-        AddFieldRow(g, row++, new QLabel(QStringLiteral("Address:"), fraBill), txtAddr2);
-        auto* cityRow = new QHBoxLayout;
-        cityRow->addWidget(txtCity, 3);
-        cityRow->addWidget(cboState, 1);
-        cityRow->addWidget(txtZipCode, 1);
-        cityRow->addWidget(txtZipCode2, 1);
-        g->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraBill), row, 0);
-        g->addLayout(cityRow, row++, 1);
+        int row = layOwnerRows(g, nullptr, QString(), QStringLiteral("Care Of:"),
+                               QStringLiteral("Address:"));
         AddFieldRow(g, row++, new QLabel(QStringLiteral("Birthdate:"), fraBill), txtBirthdate);
         auto* occupation = new QHBoxLayout;
         occupation->addWidget(txtOccuCode, 1);
@@ -99,64 +78,28 @@ void frmPCReceivePayment::buildScreen() {
     }
 
     // The three bodies, each with its per capita and occupation line.
-    struct Body {
-        QGroupBox*& frame;
-        const char* frameName;
-        QString title;
-        QCheckBox*& box;
-        const char* boxName;
-        QString caption;
-        QLabel*& period;
-        const char* periodName;
-        QLineEdit*& perCapita;
-        const char* perCapitaName;
-        QLineEdit*& occupation;
-        const char* occupationName;
-        QLineEdit*& total;
-        const char* totalName;
-    };
-    QLabel* twpCaption = nullptr;
-    Body bodies[3] = {
-        {fraCounty, "fraCounty", QStringLiteral("County"), chkCounty, "chkCounty",
-         QStringLiteral("County Payment"), lblCPeriod, "lblCPeriod", txtCPerCapita, "txtCPerCapita",
-         txtCOccupation, "txtCOccupation", txtCTotal, "txtCTotal"},
-        {fraTwp, "fraTwp", QStringLiteral("Twp/Boro/City"), chkTwp, "chkTwp",
-         QStringLiteral("Twp/Boro/City Payment"), lblTPeriod, "lblTPeriod", txtTPerCapita,
-         "txtTPerCapita", txtTOccupation, "txtTOccupation", txtTTotal, "txtTTotal"},
-        {fraSchool, "fraSchool", QStringLiteral("School"), chkSchool, "chkSchool",
-         QStringLiteral("School Payment"), lblSPeriod, "lblSPeriod", txtSPerCapita, "txtSPerCapita",
-         txtSOccupation, "txtSOccupation", txtSTotal, "txtSTotal"},
-    };
+    QGroupBox* frames[3] = {fraCounty, fraTwp, fraSchool};
+    QLineEdit** perCapita[3] = {&txtCPerCapita, &txtTPerCapita, &txtSPerCapita};
+    QLineEdit** occupation[3] = {&txtCOccupation, &txtTOccupation, &txtSOccupation};
+    lblTwp = NamedLabel(fraTwp, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
     auto* bodyRow = new QHBoxLayout;
-    for (Body& b : bodies) {
-        b.frame = new QGroupBox(b.title, this);
-        b.frame->setObjectName(QString::fromLatin1(b.frameName));
-        b.box = new QCheckBox(b.caption, b.frame);
-        b.box->setObjectName(QString::fromLatin1(b.boxName));
-        b.period = NamedLabel(b.frame, QString::fromLatin1(b.periodName), QString());
-        b.period->setStyleSheet(QStringLiteral("font-weight: bold;"));
-        b.perCapita = ShownField(b.frame, QString::fromLatin1(b.perCapitaName));
-        b.occupation = ShownField(b.frame, QString::fromLatin1(b.occupationName));
-        b.total = ShownField(b.frame, QString::fromLatin1(b.totalName));
-        auto* g = new QGridLayout(b.frame);
-        g->addWidget(b.box, 0, 0, 1, 2);
-        g->addWidget(b.period, 1, 0, 1, 2);
-        if (b.box == chkTwp) {
-            lblTwp = NamedLabel(b.frame, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
-            twpCaption = lblTwp;
-            g->addWidget(lblTwp, 2, 0, 1, 2);
-        }
-        AddFieldRow(g, 3, new QLabel(QStringLiteral("Per Capita:"), b.frame), b.perCapita);
-        AddFieldRow(g, 4, new QLabel(QStringLiteral("Occupation:"), b.frame), b.occupation);
-        AddFieldRow(g, 5, new QLabel(QStringLiteral("Total:"), b.frame), b.total);
-        g->setRowStretch(6, 1);
-        bodyRow->addWidget(b.frame);
-        connect(b.box, &QCheckBox::clicked, this, [this] {
+    for (int b = 0; b < 3; ++b) {
+        *perCapita[b] = ShownField(frames[b], QStringLiteral("txt") + PerCapitaFaceColumn(b * 2));
+        *occupation[b] =
+            ShownField(frames[b], QStringLiteral("txt") + PerCapitaFaceColumn(b * 2 + 1));
+        std::vector<std::pair<QWidget*, QWidget*>> rows;
+        if (b == 1)
+            rows.push_back({lblTwp, nullptr});
+        rows.push_back({new QLabel(QStringLiteral("Per Capita:"), frames[b]), *perCapita[b]});
+        rows.push_back({new QLabel(QStringLiteral("Occupation:"), frames[b]), *occupation[b]});
+        layBodyFrame(b, rows);
+        bodyRow->addWidget(frames[b]);
+    }
+    for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
+        connect(box, &QCheckBox::clicked, this, [this] {
             updateDetailFields();
             refreshAmounts();
         });
-    }
-    Q_UNUSED(twpCaption);
 
     auto* middle = new QGridLayout;
     middle->addWidget(fraBill, 0, 0);
@@ -213,10 +156,13 @@ void frmPCReceivePayment::showLinesByRates() {
         occupationFields[b]->setVisible(occupation[b]);
         // The caption beside each field goes with it.
         auto* grid = static_cast<QGridLayout*>(frames[b]->layout());
-        for (int r = 3; r <= 4; ++r)
-            if (QLayoutItem* item = grid->itemAtPosition(r, 0))
+        for (QLineEdit* field : {perCapitaFields[b], occupationFields[b]}) {
+            int row = 0, column = 0, rowSpan = 0, columnSpan = 0;
+            grid->getItemPosition(grid->indexOf(field), &row, &column, &rowSpan, &columnSpan);
+            if (QLayoutItem* item = grid->itemAtPosition(row, 0))
                 if (item->widget())
-                    item->widget()->setVisible(r == 3 ? perCapita[b] : occupation[b]);
+                    item->widget()->setVisible(field->isVisibleTo(frames[b]));
+        }
         m_block[b] = perCapita[b] || occupation[b];
         frames[b]->setVisible(m_block[b]);
     }

@@ -17,22 +17,13 @@ public:
     explicit frmPCReceivePayment(QWidget* parent = nullptr);
 
     // The three bodies: period, per capita and occupation, total.
-    QGroupBox* fraCounty = nullptr;
-    QGroupBox* fraTwp = nullptr;
-    QGroupBox* fraSchool = nullptr;
-    QLabel* lblCPeriod = nullptr;
-    QLabel* lblTPeriod = nullptr;
-    QLabel* lblSPeriod = nullptr;
     QLabel* lblTwp = nullptr;
     QLineEdit* txtCPerCapita = nullptr;
     QLineEdit* txtCOccupation = nullptr;
-    QLineEdit* txtCTotal = nullptr;
     QLineEdit* txtTPerCapita = nullptr;
     QLineEdit* txtTOccupation = nullptr;
-    QLineEdit* txtTTotal = nullptr;
     QLineEdit* txtSPerCapita = nullptr;
     QLineEdit* txtSOccupation = nullptr;
-    QLineEdit* txtSTotal = nullptr;
 
     // The person's own fields, read only.
     QLineEdit* txtBirthdate = nullptr;

@@ -4,6 +4,7 @@
 #include "core/common_values.h"
 #include "core/field_leave.h"
 #include "core/messages.h"
+#include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
 
@@ -13,6 +14,9 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QFocusEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -29,11 +33,99 @@ const char* const ReceiveAPaymentTitle = "Receive A Payment";
 
 PaymentScreen::PaymentScreen(QWidget* parent) : QWidget(parent) {
     static_cast<PaymentScreenParts&>(*this) = BuildPaymentScreenParts(this);
+
+    // The three bodies' frames.
+    struct Body {
+        QGroupBox*& frame;
+        const char* frameName;
+        const char* title;
+        QCheckBox*& box;
+        const char* boxName;
+        const char* caption;
+        QLabel*& period;
+        const char* periodName;
+        QLineEdit*& total;
+        const char* totalName;
+    };
+    const Body bodies[3] = {
+        {fraCounty, "fraCounty", "County", chkCounty, "chkCounty", "County Payment", lblCPeriod,
+         "lblCPeriod", txtCTotal, "txtCTotal"},
+        {fraTwp, "fraTwp", "Twp/Boro/City", chkTwp, "chkTwp", "Twp/Boro/City Payment", lblTPeriod,
+         "lblTPeriod", txtTTotal, "txtTTotal"},
+        {fraSchool, "fraSchool", "School", chkSchool, "chkSchool", "School Payment", lblSPeriod,
+         "lblSPeriod", txtSTotal, "txtSTotal"},
+    };
+    for (const Body& b : bodies) {
+        b.frame = new QGroupBox(QString::fromLatin1(b.title), this);
+        b.frame->setObjectName(QString::fromLatin1(b.frameName));
+        b.box = new QCheckBox(QString::fromLatin1(b.caption), b.frame);
+        b.box->setObjectName(QString::fromLatin1(b.boxName));
+        b.period = NamedLabel(b.frame, QString::fromLatin1(b.periodName), QString());
+        b.period->setStyleSheet(QStringLiteral("font-weight: bold;"));
+        b.total = ShownField(b.frame, QString::fromLatin1(b.totalName));
+    }
+
+    // The bill's name and address.
+    fraBill = new QGroupBox(this);
+    fraBill->setObjectName(QStringLiteral("fraBill"));
+    txtControl = ShownField(fraBill, QStringLiteral("txtControl"), 6);
+    txtName = ShownField(fraBill, QStringLiteral("txtName"), 50);
+    txtAddr1 = ShownField(fraBill, QStringLiteral("txtAddr1"), 50);
+    txtAddr2 = ShownField(fraBill, QStringLiteral("txtAddr2"), 50);
+    txtCity = ShownField(fraBill, QStringLiteral("txtCity"), 35);
+    cboState = NewStateCombo(fraBill, QStringLiteral("cboState"), 2);
+    cboState->setFocusPolicy(Qt::NoFocus);
+    cboState->lineEdit()->setReadOnly(true);
+    txtZipCode = ShownField(fraBill, QStringLiteral("txtZipCode"), 5);
+    txtZipCode2 = ShownField(fraBill, QStringLiteral("txtZipCode2"), 4);
+
     connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
     connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
     connect(cmdPrevPayor, &QPushButton::clicked, this, [this] { m_entry->previousPayor(); });
     connect(cmdPrevComments, &QPushButton::clicked, this, [this] { m_entry->previousCheck(); });
     connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+}
+
+void PaymentScreen::layBodyFrame(int body, const std::vector<std::pair<QWidget*, QWidget*>>& rows,
+                                 QWidget* below) {
+    QGroupBox* frames[3] = {fraCounty, fraTwp, fraSchool};
+    QCheckBox* boxes[3] = {chkCounty, chkTwp, chkSchool};
+    QLabel* periods[3] = {lblCPeriod, lblTPeriod, lblSPeriod};
+    QLineEdit* totals[3] = {txtCTotal, txtTTotal, txtSTotal};
+    auto* g = new QGridLayout(frames[body]);
+    g->addWidget(boxes[body], 0, 0, 1, 2);
+    g->addWidget(periods[body], 1, 0, 1, 2);
+    int row = 2;
+    for (const auto& [caption, field] : rows) {
+        if (field)
+            AddFieldRow(g, row, caption, field);
+        else
+            g->addWidget(caption, row, 0, 1, 2);
+        ++row;
+    }
+    AddFieldRow(g, row++, new QLabel(QStringLiteral("Total:"), frames[body]), totals[body]);
+    if (below)
+        g->addWidget(below, row++, 0, 1, 2);
+    g->setRowStretch(row, 1);
+}
+
+int PaymentScreen::layOwnerRows(QGridLayout* g, QWidget* afterName, const QString& afterNameCaption,
+                                const QString& addr1Caption, const QString& addr2Caption) {
+    int row = 0;
+    AddFieldRow(g, row++, new QLabel(QStringLiteral("Control #:"), fraBill), txtControl);
+    AddFieldRow(g, row++, new QLabel(QStringLiteral("Name:"), fraBill), txtName);
+    if (afterName)
+        AddFieldRow(g, row++, new QLabel(afterNameCaption, fraBill), afterName);
+    AddFieldRow(g, row++, new QLabel(addr1Caption, fraBill), txtAddr1);
+    AddFieldRow(g, row++, new QLabel(addr2Caption, fraBill), txtAddr2);
+    auto* cityRow = new QHBoxLayout;
+    cityRow->addWidget(txtCity, 3);
+    cityRow->addWidget(cboState, 1);
+    cityRow->addWidget(txtZipCode, 1);
+    cityRow->addWidget(txtZipCode2, 1);
+    g->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraBill), row, 0);
+    g->addLayout(cityRow, row++, 1);
+    return row;
 }
 
 void PaymentScreen::startEntries() {

@@ -19,7 +19,11 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <utility>
+#include <vector>
 
+class QGridLayout;
+class QGroupBox;
 class QLabel;
 
 class PaymentScreen : public QWidget, public PaymentScreenParts {
@@ -31,9 +35,19 @@ public:
     // bill number stays locked while the query's flag is raised.
     void openFromQuery(const QString& billNo);
 
+    // The three bodies: frame, box, period, total.
+    QGroupBox* fraCounty = nullptr;
+    QGroupBox* fraTwp = nullptr;
+    QGroupBox* fraSchool = nullptr;
     QCheckBox* chkCounty = nullptr;
     QCheckBox* chkTwp = nullptr;
     QCheckBox* chkSchool = nullptr;
+    QLabel* lblCPeriod = nullptr;
+    QLabel* lblTPeriod = nullptr;
+    QLabel* lblSPeriod = nullptr;
+    QLineEdit* txtCTotal = nullptr;
+    QLineEdit* txtTTotal = nullptr;
+    QLineEdit* txtSTotal = nullptr;
     // The bill's name and address as it stands, read only.
     QLineEdit* txtControl = nullptr;
     QLineEdit* txtName = nullptr;
@@ -51,6 +65,17 @@ Q_SIGNALS:
 protected:
     explicit PaymentScreen(QWidget* parent = nullptr);
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+    // Lays out a body's frame: its box and period, the twin's rows of caption and field (a
+    // row without a field is a caption across both columns), "Total:", then `below` (a frame of
+    // the body's own) when given.
+    void layBodyFrame(int body, const std::vector<std::pair<QWidget*, QWidget*>>& rows,
+                      QWidget* below = nullptr);
+    // Lays out the bill's name and address in fraBill: control, name, the row given after the
+    // name (the co-owner), the two address lines and city, state, ZIP. The next free row.
+    int layOwnerRows(QGridLayout* grid, QWidget* afterName, const QString& afterNameCaption,
+                     const QString& addr1Caption, const QString& addr2Caption);
+    QGroupBox* fraBill = nullptr;
 
     // After the twin has built its widgets: the entries' helper and the leave actions.
     void startEntries();

@@ -73,19 +73,8 @@ frmREReceivePayment::frmREReceivePayment(QWidget* parent) : PaymentScreen(parent
 
 void frmREReceivePayment::buildScreen() {
     // The bill as it stands.
-    auto* fraBill = new QGroupBox(QStringLiteral("Property Owner"), this);
-    fraBill->setObjectName(QStringLiteral("fraBill"));
-    txtControl = ShownField(fraBill, QStringLiteral("txtControl"), 6);
-    txtName = ShownField(fraBill, QStringLiteral("txtName"), 50);
+    fraBill->setTitle(QStringLiteral("Property Owner"));
     txtCoOwner = ShownField(fraBill, QStringLiteral("txtCoOwner"), 50);
-    txtAddr1 = ShownField(fraBill, QStringLiteral("txtAddr1"), 50);
-    txtAddr2 = ShownField(fraBill, QStringLiteral("txtAddr2"), 50);
-    txtCity = ShownField(fraBill, QStringLiteral("txtCity"), 35);
-    cboState = NewStateCombo(fraBill, QStringLiteral("cboState"), 2);
-    cboState->setFocusPolicy(Qt::NoFocus);
-    cboState->lineEdit()->setReadOnly(true);
-    txtZipCode = ShownField(fraBill, QStringLiteral("txtZipCode"), 5);
-    txtZipCode2 = ShownField(fraBill, QStringLiteral("txtZipCode2"), 4);
     txtMap3 = ShownField(fraBill, QStringLiteral("txtMap3"), 8);
     txtMap4 = ShownField(fraBill, QStringLiteral("txtMap4"), 6);
     txtMap5 = ShownField(fraBill, QStringLiteral("txtMap5"), 9);
@@ -110,20 +99,9 @@ void frmREReceivePayment::buildScreen() {
     chkHFFlag->setAttribute(Qt::WA_TransparentForMouseEvents);
 
     auto* billGrid = new QGridLayout(fraBill);
-    int row = 0;
-    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Control #:"), fraBill), txtControl);
-    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Name:"), fraBill), txtName);
-    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Co-Owner:"), fraBill), txtCoOwner);
-    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Address:"), fraBill), txtAddr1);
-    AddFieldRow(billGrid, row++, new QLabel(QString(), fraBill), txtAddr2);
+    int row = layOwnerRows(billGrid, txtCoOwner, QStringLiteral("Co-Owner:"),
+                           QStringLiteral("Address:"), QString());
     {
-        auto* cityRow = new QHBoxLayout;
-        cityRow->addWidget(txtCity, 3);
-        cityRow->addWidget(cboState, 1);
-        cityRow->addWidget(txtZipCode, 1);
-        cityRow->addWidget(txtZipCode2, 1);
-        billGrid->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraBill), row, 0);
-        billGrid->addLayout(cityRow, row++, 1);
         auto* mapRow = new QHBoxLayout;
         mapRow->addWidget(txtMap3);
         mapRow->addWidget(txtMap4);
@@ -161,41 +139,13 @@ void frmREReceivePayment::buildScreen() {
     }
 
     // The three bodies.
-    auto bodyFrame = [this](const char* name, const QString& title, QCheckBox*& box,
-                            const char* boxName, const QString& caption, QLabel*& period,
-                            const char* periodName) {
-        auto* frame = new QGroupBox(title, this);
-        frame->setObjectName(QString::fromLatin1(name));
-        box = new QCheckBox(caption, frame);
-        box->setObjectName(QString::fromLatin1(boxName));
-        period = NamedLabel(frame, QString::fromLatin1(periodName), QString());
-        period->setStyleSheet(QStringLiteral("font-weight: bold;"));
-        return frame;
-    };
-    fraCounty = bodyFrame("fraCounty", QStringLiteral("County"), chkCounty, "chkCounty",
-                          QStringLiteral("County Payment"), lblCPeriod, "lblCPeriod");
-    fraTwp = bodyFrame("fraTwp", QStringLiteral("Twp/Boro/City"), chkTwp, "chkTwp",
-                       QStringLiteral("Twp/Boro/City Payment"), lblTPeriod, "lblTPeriod");
-    fraSchool = bodyFrame("fraSchool", QStringLiteral("School"), chkSchool, "chkSchool",
-                          QStringLiteral("School Payment"), lblSPeriod, "lblSPeriod");
-
     lblCounty = NamedLabel(fraCounty, QStringLiteral("lblCounty"), QStringLiteral("County:"));
     txtCounty = ShownField(fraCounty, QStringLiteral("txtCounty"));
     lblLibrary = NamedLabel(fraCounty, QStringLiteral("lblLibrary"), QStringLiteral("Library:"));
     txtLibrary = ShownField(fraCounty, QStringLiteral("txtLibrary"));
     lblC1Face = NamedLabel(fraCounty, QStringLiteral("lblC1Face"), QString());
     txtC1Face = ShownField(fraCounty, QStringLiteral("txtC1Face"));
-    txtCTotal = ShownField(fraCounty, QStringLiteral("txtCTotal"));
-    {
-        auto* g = new QGridLayout(fraCounty);
-        g->addWidget(chkCounty, 0, 0, 1, 2);
-        g->addWidget(lblCPeriod, 1, 0, 1, 2);
-        AddFieldRow(g, 2, lblCounty, txtCounty);
-        AddFieldRow(g, 3, lblLibrary, txtLibrary);
-        AddFieldRow(g, 4, lblC1Face, txtC1Face);
-        AddFieldRow(g, 5, new QLabel(QStringLiteral("Total:"), fraCounty), txtCTotal);
-        g->setRowStretch(6, 1);
-    }
+    layBodyFrame(0, {{lblCounty, txtCounty}, {lblLibrary, txtLibrary}, {lblC1Face, txtC1Face}});
 
     lblTwp = NamedLabel(fraTwp, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
     txtTwp = ShownField(fraTwp, QStringLiteral("txtTwp"));
@@ -204,7 +154,6 @@ void frmREReceivePayment::buildScreen() {
             NamedLabel(fraTwp, QStringLiteral("lblSpecFace(%1)").arg(i + 1), QString());
         txtSpecFace[i] = ShownField(fraTwp, QStringLiteral("txtSpecFace(%1)").arg(i + 1));
     }
-    txtTTotal = ShownField(fraTwp, QStringLiteral("txtTTotal"));
     fraStLt = new QGroupBox(QStringLiteral("Street Lights"), fraTwp);
     fraStLt->setObjectName(QStringLiteral("fraStLt"));
     optAll = new QRadioButton(QStringLiteral("All"), fraStLt);
@@ -218,22 +167,18 @@ void frmREReceivePayment::buildScreen() {
         v->addWidget(optAll);
         v->addWidget(optTwpOnly);
         v->addWidget(optStLtOnly);
-        auto* g = new QGridLayout(fraTwp);
-        g->addWidget(chkTwp, 0, 0, 1, 2);
-        g->addWidget(lblTPeriod, 1, 0, 1, 2);
-        AddFieldRow(g, 2, lblTwp, txtTwp);
-        for (int i = 0; i < 3; ++i)
-            AddFieldRow(g, 3 + i, lblSpecFace[i], txtSpecFace[i]);
-        AddFieldRow(g, 6, new QLabel(QStringLiteral("Total:"), fraTwp), txtTTotal);
-        g->addWidget(fraStLt, 7, 0, 1, 2);
-        g->setRowStretch(8, 1);
+        layBodyFrame(1,
+                     {{lblTwp, txtTwp},
+                      {lblSpecFace[0], txtSpecFace[0]},
+                      {lblSpecFace[1], txtSpecFace[1]},
+                      {lblSpecFace[2], txtSpecFace[2]}},
+                     fraStLt);
     }
 
     lblSchool = NamedLabel(fraSchool, QStringLiteral("lblSchool"), QStringLiteral("School:"));
     txtSchool = ShownField(fraSchool, QStringLiteral("txtSchool"));
     lblSch1Face = NamedLabel(fraSchool, QStringLiteral("lblSch1Face"), QString());
     txtSch1Face = ShownField(fraSchool, QStringLiteral("txtSch1Face"));
-    txtSTotal = ShownField(fraSchool, QStringLiteral("txtSTotal"));
     fraInstallments = new QGroupBox(QStringLiteral("Installment Payments"), fraSchool);
     fraInstallments->setObjectName(QStringLiteral("fraInstallments"));
     {
@@ -261,16 +206,7 @@ void frmREReceivePayment::buildScreen() {
         g->addWidget(lblInstPeriod, 3, 0);
         g->addWidget(txtPaymentDate, 3, 1, 1, 3);
     }
-    {
-        auto* g = new QGridLayout(fraSchool);
-        g->addWidget(chkSchool, 0, 0, 1, 2);
-        g->addWidget(lblSPeriod, 1, 0, 1, 2);
-        AddFieldRow(g, 2, lblSchool, txtSchool);
-        AddFieldRow(g, 3, lblSch1Face, txtSch1Face);
-        AddFieldRow(g, 4, new QLabel(QStringLiteral("Total:"), fraSchool), txtSTotal);
-        g->addWidget(fraInstallments, 5, 0, 1, 2);
-        g->setRowStretch(6, 1);
-    }
+    layBodyFrame(2, {{lblSchool, txtSchool}, {lblSch1Face, txtSch1Face}}, fraInstallments);
     auto* bodies = new QHBoxLayout;
     bodies->addWidget(fraCounty);
     bodies->addWidget(fraTwp);

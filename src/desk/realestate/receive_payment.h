@@ -27,12 +27,6 @@ public:
     explicit frmREReceivePayment(QWidget* parent = nullptr);
 
     // The three bodies: box, period, lines and total.
-    QGroupBox* fraCounty = nullptr;
-    QGroupBox* fraTwp = nullptr;
-    QGroupBox* fraSchool = nullptr;
-    QLabel* lblCPeriod = nullptr;
-    QLabel* lblTPeriod = nullptr;
-    QLabel* lblSPeriod = nullptr;
     QLabel* lblCounty = nullptr;
     QLabel* lblLibrary = nullptr;
     QLabel* lblC1Face = nullptr;
@@ -47,9 +41,6 @@ public:
     std::array<QLineEdit*, 3> txtSpecFace{};
     QLineEdit* txtSchool = nullptr;
     QLineEdit* txtSch1Face = nullptr;
-    QLineEdit* txtCTotal = nullptr;
-    QLineEdit* txtTTotal = nullptr;
-    QLineEdit* txtSTotal = nullptr;
 
     // District 39's street light choice.
     QGroupBox* fraStLt = nullptr;
