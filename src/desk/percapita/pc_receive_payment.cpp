@@ -202,21 +202,11 @@ void frmPCReceivePayment::billNoLeft() {
 
 void frmPCReceivePayment::showBill() {
     const BillNow& b = m_bill;
-    txtAdjNo->setText(b.adjNo > 0 ? QString::number(b.adjNo) : QString());
-    txtControl->setText(b.text("Control"));
-    txtName->setText(b.text("Name"));
-    txtAddr1->setText(b.text("Addr1"));
-    txtAddr2->setText(b.text("Addr2"));
-    txtCity->setText(b.text("City"));
-    cboState->setEditText(b.text("State"));
-    txtZipCode->setText(b.text("ZipCode"));
-    txtZipCode2->setText(b.text("ZipCode2"));
+    showBillOwner();
     txtBirthdate->setText(b.text("Birthdate"));
     txtOccuCode->setText(b.text("OccuCode"));
     txtOccuDesc->setText(b.text("OccuDesc"));
     txtOccuValue->setText(b.text("OccuValue"));
-    lblAdjustment->setVisible(b.text("AdjFlag").trimmed() == QLatin1String("A"));
-    lblAddressChange->setVisible(b.text("CAddrFlag").trimmed() == QLatin1String("A"));
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -320,6 +320,21 @@ void PaymentScreen::openForPayment(const std::array<bool, 3>& closed) {
         w->setEnabled(true);
 }
 
+void PaymentScreen::showBillOwner() {
+    const BillNow& b = m_bill;
+    txtAdjNo->setText(b.adjNo > 0 ? QString::number(b.adjNo) : QString());
+    txtControl->setText(b.text("Control"));
+    txtName->setText(b.text("Name"));
+    txtAddr1->setText(b.text("Addr1"));
+    txtAddr2->setText(b.text("Addr2"));
+    txtCity->setText(b.text("City"));
+    cboState->setEditText(b.text("State"));
+    txtZipCode->setText(b.text("ZipCode"));
+    txtZipCode2->setText(b.text("ZipCode2"));
+    lblAdjustment->setVisible(b.text("AdjFlag").trimmed() == QLatin1String("A"));
+    lblAddressChange->setVisible(b.text("CAddrFlag").trimmed() == QLatin1String("A"));
+}
+
 PaymentSelection PaymentScreen::selection() const {
     PaymentSelection s;
     s.county = chkCounty->isChecked();

@@ -101,6 +101,9 @@ protected:
     // The bill number locked, the buttons and the payor's fields open; closed bodies unticked.
     void openForPayment(const std::array<bool, 3>& closed);
     PaymentSelection selection() const;
+    // The bill's adjustment number, control, name and address, and the markers of an
+    // adjustment and an address change.
+    void showBillOwner();
 
     // Accept's checks and questions, with the total due of the ticked bodies as it stands once
     // the date is taken. The overage and refund to write, or nothing.

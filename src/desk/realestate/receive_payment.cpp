@@ -368,16 +368,8 @@ void frmREReceivePayment::billNoLeft() {
 
 void frmREReceivePayment::showBill() {
     const BillNow& b = m_bill;
-    txtAdjNo->setText(b.adjNo > 0 ? QString::number(b.adjNo) : QString());
-    txtControl->setText(b.text("Control"));
-    txtName->setText(b.text("Name"));
+    showBillOwner();
     txtCoOwner->setText(b.text("CoOwner"));
-    txtAddr1->setText(b.text("Addr1"));
-    txtAddr2->setText(b.text("Addr2"));
-    txtCity->setText(b.text("City"));
-    cboState->setEditText(b.text("State"));
-    txtZipCode->setText(b.text("ZipCode"));
-    txtZipCode2->setText(b.text("ZipCode2"));
     txtMap3->setText(b.text("Map3"));
     txtMap4->setText(b.text("Map4"));
     txtMap5->setText(b.text("Map5"));
@@ -397,8 +389,6 @@ void frmREReceivePayment::showBill() {
     txtHSExclusion->setText(moneyText(b.money("HSExclusion")));
     txtFSExclusion->setText(moneyText(b.money("FSExclusion")));
     txtExcFace->setText(moneyText(b.money("ExcFace")));
-    lblAdjustment->setVisible(b.text("AdjFlag").trimmed() == QLatin1String("A"));
-    lblAddressChange->setVisible(b.text("CAddrFlag").trimmed() == QLatin1String("A"));
     fraInstallments->setVisible(m_billInstallments.offered());
 }
 
