@@ -6,6 +6,7 @@
 //   bench_pc_desk [--parcels N] [--persons N] [--bills N]
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
+#include "bench_support.h"
 #include "core/messages.h"
 #include "core/session.h"
 #include "demo/demo_database.h"
@@ -25,20 +26,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-double worst(const std::vector<double>& v) {
-    return v.empty() ? 0 : *std::max_element(v.begin(), v.end());
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
 
 // Answers every question Yes and every box OK; counts what was asked.
 class YesToEverything final : public MessageService {
@@ -71,9 +58,9 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     DemoOptions options;
-    options.parcels = argument(args, "--parcels", 50000);
-    options.persons = argument(args, "--persons", 50000);
-    const int bills = argument(args, "--bills", 200);
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int bills = Argument(args, "--bills", 200);
 
     QTemporaryDir dir;
     const QString path = dir.filePath("KestLevyDsk2013.sqlite");
@@ -146,14 +133,14 @@ int main(int argc, char** argv) {
     std::printf("per capita payment desk on %d persons, %lld bills:\n", options.persons,
                 static_cast<long long>(billNos.size()));
     std::printf("  bill number left -> bill shown:   median %.2f ms, worst %.2f ms\n",
-                median(shown), worst(shown));
+                Median(shown), Worst(shown));
     std::printf("  accept -> payment committed:      median %.2f ms, worst %.2f ms\n",
-                median(accepted), worst(accepted));
+                Median(accepted), Worst(accepted));
     std::printf("  receipts written: %d\n", written);
     for (const QString& box : answers->unexpected)
         std::printf("  unexpected box: %s\n", qPrintable(box));
     screen.reset();
     CloseSessionDatabase();
-    std::printf("RESULT pc_show_ms=%.2f pc_accept_ms=%.2f\n", median(shown), median(accepted));
+    std::printf("RESULT pc_show_ms=%.2f pc_accept_ms=%.2f\n", Median(shown), Median(accepted));
     return written == billNos.size() ? 0 : 1;
 }
