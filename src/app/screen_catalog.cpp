@@ -8,6 +8,9 @@
 #include "bills/school_re_tax_bill_fen.h"
 #include "desk/percapita/address_change.h"
 #include "desk/percapita/adjust_tax_bill.h"
+#include "desk/percapita/pc_receive_payment.h"
+#include "desk/percapita/pc_reprint_receipt.h"
+#include "desk/percapita/pc_void_receipt.h"
 #include "desk/percapita/query_individual.h"
 #include "desk/percapita/query_screens.h"
 #include "desk/realestate/address_change.h"
@@ -57,8 +60,10 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
+        {"mnuPCPaymentsReceivePayments", entry<frmPCReceivePayment>("frmPCReceivePayment")},
         {"mnuREPaymentsAdjustTaxBill", entry<frmREAdjustTaxBill>("frmREAdjustTaxBill")},
         {"mnuREPaymentsVoidReceipt", entry<frmREVoidReceipt>("frmREVoidReceipt")},
+        {"mnuPCPaymentsVoidReceipt", entry<frmPCVoidReceipt>("frmPCVoidReceipt")},
         {"mnuREPaymentsChangeAddress", entry<frmREAddressChange>("frmREAddressChange")},
         {"mnuREQueryTC", entry<frmREQueryTC>("frmREQueryTC")},
         {"mnuREQueryIndividual", entry<frmREQueryIndividual>("frmREQueryIndividual")},
@@ -71,6 +76,7 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuUtilitiesRestore", entry<frmRestoreData>("frmRestoreData", true)},
         {"mnuPrinters", entry<frmSelectPrinter>("frmSelectPrinter")},
         {"mnuREPaymentsReprintReceipt", entry<frmREReprintReceipt>("frmREReprintReceipt")},
+        {"mnuPCPaymentsReprintReceipt", entry<frmPCReprintReceipt>("frmPCReprintReceipt")},
         {"mnuUtilitiesMillagesCounty",
          entry<frmMaintainMillagesCounty>("frmMaintainMillagesCounty")},
         {"mnuUtilitiesMillagesTwp",

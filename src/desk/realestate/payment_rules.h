@@ -456,6 +456,41 @@ PaymentCheck CheckPaymentAgainstTotal(Money amount, Money totalDue, Money tolera
 inline constexpr const char* PaymentNotAppliedText = "Payment NOT applied.";
 
 // ---------------------------------------------------------------------------------------------
+// Per capita amounts of a period
+// ---------------------------------------------------------------------------------------------
+
+// The six lines of a per capita bill in column order: each body's per capita and occupation.
+enum PerCapitaLine {
+    LineCPerCapita,
+    LineCOccupation,
+    LineTPerCapita,
+    LineTOccupation,
+    LineSPerCapita,
+    LineSOccupation,
+    PerCapitaLineCount
+};
+TaxBody BodyOfPerCapitaLine(int line);
+// "CPerCapita", "COccupation", ...; the discount and penalty columns put D and P in front.
+QString PerCapitaFaceColumn(int line);
+
+// Every per capita line at its body's period (D, F or P columns as for real estate).
+struct PerCapitaAmounts {
+    std::array<LineTake, PerCapitaLineCount> line{};
+
+    Money bodyTotal(TaxBody body) const;
+    Money total() const;
+};
+PerCapitaAmounts PerCapitaAmountsForPeriods(const QSqlRecord& bill, const PaymentPeriods& periods);
+// The two face amounts of a body on the bill; a body whose faces add up to zero is closed.
+Money PerCapitaBodyFace(const QSqlRecord& bill, TaxBody body);
+// The amount offered: each ticked body whose flag is blank, at its period.
+Money PerCapitaAmountOffered(const PaymentSelection& selection, QStringView cPayFlag,
+                             QStringView tPayFlag, QStringView sPayFlag,
+                             const PerCapitaAmounts& amounts);
+// The total due of the ticked bodies.
+Money PerCapitaTotalDue(const PaymentSelection& selection, const PerCapitaAmounts& amounts);
+
+// ---------------------------------------------------------------------------------------------
 // Payment information text
 // ---------------------------------------------------------------------------------------------
 

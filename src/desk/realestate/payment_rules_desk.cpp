@@ -395,6 +395,94 @@ Money TotalDue(const PaymentSelection& sel, const PeriodAmounts& amounts,
     return due;
 }
 
+// ---------------------------------------------------------------------------------------------
+// Per capita amounts of a period
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+const char* const PerCapitaFaceColumns[PerCapitaLineCount] = {
+    "CPerCapita", "COccupation", "TPerCapita", "TOccupation", "SPerCapita", "SOccupation"};
+
+QChar periodOfBody(const PaymentPeriods& periods, TaxBody body) {
+    switch (body) {
+    case TaxBody::County:
+        return periods.county;
+    case TaxBody::Twp:
+        return periods.twp;
+    case TaxBody::School:
+        break;
+    }
+    return periods.school;
+}
+
+} // namespace
+
+TaxBody BodyOfPerCapitaLine(int line) {
+    return line < LineTPerCapita ? TaxBody::County
+                                 : (line < LineSPerCapita ? TaxBody::Twp : TaxBody::School);
+}
+
+QString PerCapitaFaceColumn(int line) {
+    return QString::fromLatin1(PerCapitaFaceColumns[line]);
+}
+
+Money PerCapitaAmounts::bodyTotal(TaxBody body) const {
+    Money sum;
+    for (int i = 0; i < PerCapitaLineCount; ++i)
+        if (BodyOfPerCapitaLine(i) == body)
+            sum += line[i].amount;
+    return sum;
+}
+
+Money PerCapitaAmounts::total() const {
+    return bodyTotal(TaxBody::County) + bodyTotal(TaxBody::Twp) + bodyTotal(TaxBody::School);
+}
+
+PerCapitaAmounts PerCapitaAmountsForPeriods(const QSqlRecord& bill, const PaymentPeriods& periods) {
+    PerCapitaAmounts out;
+    for (int i = 0; i < PerCapitaLineCount; ++i) {
+        const QString face = PerCapitaFaceColumn(i);
+        const AmountTriple due{MoneyField(bill.value(QLatin1Char('D') + face)),
+                               MoneyField(bill.value(face)),
+                               MoneyField(bill.value(QLatin1Char('P') + face))};
+        out.line[i] = TakeLine(due, periodOfBody(periods, BodyOfPerCapitaLine(i)));
+    }
+    return out;
+}
+
+Money PerCapitaBodyFace(const QSqlRecord& bill, TaxBody body) {
+    Money sum;
+    for (int i = 0; i < PerCapitaLineCount; ++i)
+        if (BodyOfPerCapitaLine(i) == body)
+            sum += MoneyField(bill.value(PerCapitaFaceColumn(i)));
+    return sum;
+}
+
+Money PerCapitaAmountOffered(const PaymentSelection& sel, QStringView cPayFlag,
+                             QStringView tPayFlag, QStringView sPayFlag,
+                             const PerCapitaAmounts& amounts) {
+    Money offer;
+    if (sel.county && isBlank(cPayFlag))
+        offer += amounts.bodyTotal(TaxBody::County);
+    if (sel.twp && isBlank(tPayFlag))
+        offer += amounts.bodyTotal(TaxBody::Twp);
+    if (sel.school && isBlank(sPayFlag))
+        offer += amounts.bodyTotal(TaxBody::School);
+    return offer;
+}
+
+Money PerCapitaTotalDue(const PaymentSelection& sel, const PerCapitaAmounts& amounts) {
+    Money due;
+    if (sel.county)
+        due += amounts.bodyTotal(TaxBody::County);
+    if (sel.twp)
+        due += amounts.bodyTotal(TaxBody::Twp);
+    if (sel.school)
+        due += amounts.bodyTotal(TaxBody::School);
+    return due;
+}
+
 PaymentCheck CheckPaymentAgainstTotal(Money amount, Money totalDue, Money tolerance) {
     // A tolerance below zero is no tolerance.
     if (tolerance < Money())

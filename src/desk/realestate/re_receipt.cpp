@@ -130,11 +130,7 @@ void printBlock(ReportSurface& s, double top, const QString& label, const QStrin
     }
 }
 
-struct TableRow {
-    QString year, description, mills, face, discount, penalty, payment;
-};
-
-void printRow(ReportSurface& s, const TableRow& row) {
+void printRow(ReportSurface& s, const ReceiptTableRow& row) {
     const double y = s.CurrentY;
     auto right = [&](double edge, const QString& t) {
         if (t.isEmpty())
@@ -157,26 +153,6 @@ void printRow(ReportSurface& s, const TableRow& row) {
     s.Print();
 }
 
-// A line of amounts: discount filled only at D, penalty only at P (or given for installments).
-TableRow amountRow(const QString& year, const QString& description, double mills, Money face,
-                   Money discount, Money penalty, const QString& periodFlag,
-                   bool penaltyGiven = false) {
-    TableRow row{year, description, millsText(mills), moneyText(face), {}, {}, {}};
-    Money paid = face;
-    if (periodFlag == QLatin1String("D")) {
-        row.discount = moneyText(discount);
-        paid += discount;
-    }
-    if (periodFlag == QLatin1String("P") || penaltyGiven) {
-        row.penalty = moneyText(penalty);
-        paid += penalty;
-    }
-    row.payment = moneyText(paid);
-    return row;
-}
-
-// The penalty paid with installments: PenPaymentN of each installment paid at penalty; none
-// when no installment was.
 std::optional<Money> installmentPenalty(const QSqlRecord& r) {
     std::optional<Money> penalty;
     const char* const installments[3][2] = {
@@ -323,10 +299,11 @@ ReceiptScreenText ReceiptScreenText::fromRows(const QSqlRecord& receipt, const Q
     return t;
 }
 
-bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, QString* error) {
-    REReceiptData d;
+bool LoadReceiptOffice(QSqlDatabase db, const QString& receiptTable, const QString& masterTable,
+                       const QString& recnum, ReceiptOffice* office, QString* error) {
+    ReceiptOffice d;
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT * FROM TCReceipt WHERE Recnum = ?"));
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE Recnum = ?").arg(receiptTable));
     q.addBindValue(recnum);
     if (!q.exec() || !q.next()) {
         if (error)
@@ -344,14 +321,16 @@ bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, 
     d.ward = officeWard;
     d.billNo = text(d.receipt, "BillNo");
     const QString control = text(d.receipt, "Control");
-    q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM TCMaster WHERE District = ? AND "
-                             "Ward = ? AND Control = ?"));
+    q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM %1 WHERE District = ? AND "
+                             "Ward = ? AND Control = ?")
+                  .arg(masterTable));
     q.addBindValue(officeDistrict);
     q.addBindValue(officeWard);
     q.addBindValue(control);
     bool haveBill = q.exec() && q.next();
     if (!haveBill) {
-        q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM TCMaster WHERE Control = ?"));
+        q.prepare(QStringLiteral("SELECT District, Ward, BillNo FROM %1 WHERE Control = ?")
+                      .arg(masterTable));
         q.addBindValue(control);
         haveBill = q.exec() && q.next();
     }
@@ -361,34 +340,21 @@ bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, 
         d.billNo = TextField(q.value(2));
     }
 
-    if (q.exec(
-            QStringLiteral("SELECT SMR, TaxYear FROM Millfile WHERE District || Ward = '000'")) &&
+    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) &&
         q.next()) {
-        d.countySMR = q.value(0).toDouble();
-        d.taxYear = TextField(q.value(1)).left(4);
+        d.countyRow = q.record();
+        d.taxYear = text(d.countyRow, "TaxYear").left(4);
     }
     if (d.taxYear.isEmpty())
         d.taxYear = session().TaxYear;
-    q.prepare(QStringLiteral("SELECT Line1, Line2, Line3, LMR, TMR, SMR, S1MR, S1TaxName FROM "
-                             "Millfile WHERE District || Ward = ?"));
+    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
     q.addBindValue(officeDistrict + officeWard);
     if (q.exec() && q.next()) {
-        d.line1 = TextField(q.value(0)).trimmed();
-        d.line2 = TextField(q.value(1)).trimmed();
-        d.line3 = TextField(q.value(2)).trimmed();
-        d.LMR = q.value(3).toDouble();
-        d.TMR = q.value(4).toDouble();
-        d.SMR = q.value(5).toDouble();
-        d.S1MR = q.value(6).toDouble();
-        d.s1TaxName = TextField(q.value(7)).trimmed();
+        d.municipalRow = q.record();
+        d.line1 = text(d.municipalRow, "Line1").trimmed();
+        d.line2 = text(d.municipalRow, "Line2").trimmed();
+        d.line3 = text(d.municipalRow, "Line3").trimmed();
     }
-    q.prepare(QStringLiteral("SELECT Desc1, Mill FROM Spectax WHERE District = ? AND Ward = ? "
-                             "ORDER BY TaxKey"));
-    q.addBindValue(officeDistrict);
-    q.addBindValue(officeWard);
-    if (q.exec())
-        while (d.specials.size() < 5 && q.next())
-            d.specials.push_back({TextField(q.value(0)).trimmed(), q.value(1).toDouble()});
     q.prepare(QStringLiteral("SELECT TwpBoro, BTFlag FROM tbl_Twpboro WHERE District = ? AND "
                              "Ward = ?"));
     q.addBindValue(officeDistrict);
@@ -397,6 +363,51 @@ bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, 
         d.twpBoro = TextField(q.value(0)).trimmed();
         d.btFlag = TextField(q.value(1)).trimmed();
     }
+    d.officeDistrict = officeDistrict;
+    d.officeWard = officeWard;
+    *office = std::move(d);
+    return true;
+}
+
+void FillReceiptHeading(ReceiptPage& p, const ReceiptOffice& d, const QString& kind) {
+    p.line1 = d.line1;
+    p.twpBoro = d.twpBoro;
+    p.line2 = d.line2;
+    p.line3 = d.line3;
+    p.recnum = text(d.receipt, "Recnum");
+    p.taxYear = d.taxYear;
+    p.barcodePayload = kind + p.recnum.trimmed();
+    p.sentences = ReceiptSentencePieces(d.receipt, d.btFlag);
+    p.voided = DateField(d.receipt.value(QStringLiteral("VDate")));
+}
+
+QString ReceiptControlLine(const ReceiptOffice& d, const QString& control) {
+    return QStringLiteral("Control #: ") + d.district + QLatin1Char('-') + d.ward +
+           QLatin1Char('-') + control.trimmed();
+}
+
+bool LoadREReceipt(QSqlDatabase db, const QString& recnum, REReceiptData* data, QString* error) {
+    REReceiptData d;
+    if (!LoadReceiptOffice(db, QStringLiteral("TCReceipt"), QStringLiteral("TCMaster"), recnum, &d,
+                           error))
+        return false;
+    auto rate = [](const QSqlRecord& row, const char* column) {
+        return row.value(QString::fromLatin1(column)).toDouble();
+    };
+    d.countySMR = rate(d.countyRow, "SMR");
+    d.LMR = rate(d.municipalRow, "LMR");
+    d.TMR = rate(d.municipalRow, "TMR");
+    d.SMR = rate(d.municipalRow, "SMR");
+    d.S1MR = rate(d.municipalRow, "S1MR");
+    d.s1TaxName = text(d.municipalRow, "S1TaxName").trimmed();
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT Desc1, Mill FROM Spectax WHERE District = ? AND Ward = ? "
+                             "ORDER BY TaxKey"));
+    q.addBindValue(d.officeDistrict);
+    q.addBindValue(d.officeWard);
+    if (q.exec())
+        while (d.specials.size() < 5 && q.next())
+            d.specials.push_back({TextField(q.value(0)).trimmed(), q.value(1).toDouble()});
     *data = std::move(d);
     return true;
 }
@@ -409,47 +420,87 @@ QStringList ReceiptCreditSentences(const QSqlRecord& receipt, const QString& btF
     return out;
 }
 
-void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreenText& f,
-                   bool duplicate) {
-    const QSqlRecord& r = d.receipt;
+// ---------------------------------------------------------------------------------------------
+// The page of a receipt
+// ---------------------------------------------------------------------------------------------
+
+QString ReceiptMoneyText(Money amount) {
+    return moneyText(amount);
+}
+
+QString ReceiptRateText(double rate, const char* pattern) {
+    return PadFormat(rate, pattern).trimmed();
+}
+
+ReceiptTableRow ReceiptAmountRow(const QString& year, const QString& description,
+                                 const QString& mills, Money face, Money discount, Money penalty,
+                                 const QString& periodFlag, bool penaltyGiven) {
+    ReceiptTableRow row{year, description, mills, moneyText(face), {}, {}, {}};
+    Money paid = face;
+    if (periodFlag == QLatin1String("D")) {
+        row.discount = moneyText(discount);
+        paid += discount;
+    }
+    if (periodFlag == QLatin1String("P") || penaltyGiven) {
+        row.penalty = moneyText(penalty);
+        paid += penalty;
+    }
+    row.payment = moneyText(paid);
+    return row;
+}
+
+ReceiptTableRow ReceiptTotalRow(Money face, Money discount, Money penalty) {
+    return {QStringLiteral("TOTAL"),
+            QStringLiteral("PAYMENT:"),
+            {},
+            moneyText(face),
+            moneyText(discount),
+            moneyText(penalty),
+            moneyText(face + discount + penalty)};
+}
+
+QStringList ReceiptAddressLines(const QStringList& nameAndAddress, const QString& city,
+                                const QString& state, const QString& zip, const QString& zip2) {
+    QStringList lines;
+    for (qsizetype i = 0; i < nameAndAddress.size(); ++i)
+        if (i == 0 || !nameAndAddress.at(i).trimmed().isEmpty())
+            lines << nameAndAddress.at(i);
+    lines << cityLine(city, state, zip, zip2);
+    return lines;
+}
+
+std::vector<QStringList> ReceiptSentencePieces(const QSqlRecord& receipt, const QString& btFlag) {
+    return {creditPieces(receipt, btFlag), installmentPieces(receipt)};
+}
+
+void DrawReceiptPage(ReportSurface& s, const ReceiptPage& p) {
     s.DrawWidth = 5;
 
     // Heading.
     setFont(s, 14);
     s.CurrentY = 250;
-    printCentred(s, d.line1);
+    printCentred(s, p.line1);
     setFont(s, 14, true);
-    printCentred(s, d.twpBoro + QStringLiteral(" Tax Collector"));
+    printCentred(s, p.twpBoro + QStringLiteral(" Tax Collector"));
     setFont(s, 14);
-    printCentred(s, d.line2);
-    printCentred(s, d.line3);
+    printCentred(s, p.line2);
+    printCentred(s, p.line3);
     const double ruleY = s.CurrentY + 100;
     s.Line(0, ruleY, TextWidthOfPage, ruleY);
 
     // The two columns share one grid of 12 point lines, so that what stands side by side
     // reads as one line. Left: payor (rows 0-3, boxed), owner (5-9), check (11). Right:
-    // receipt, year and date (0-2), the bar code (3-4), the parcel (5-14).
+    // receipt, year and date (0-2), the bar code (3-4), the parcel block (from 5).
     const double top = ruleY + 200;
     setFont(s, 12);
     const double row = s.TextHeight();
     auto rowY = [&](int i) { return top + row * i; };
 
-    QStringList payor{f.payor};
-    for (const QString& line : {f.pAddr1, f.pAddr2})
-        if (!line.trimmed().isEmpty())
-            payor << line;
-    payor << cityLine(f.pCity, f.pState, f.pZipCode, f.pZipCode2);
-    printBlock(s, rowY(0), QStringLiteral("Payor:"), payor);
+    printBlock(s, rowY(0), QStringLiteral("Payor:"), p.payor);
     s.DrawWidth = 3;
     s.Box(LabelX - 120, rowY(0) - 80, RightColumnX - 250, rowY(4) + 20);
     s.DrawWidth = 5;
-
-    QStringList owner{f.name};
-    for (const QString& line : {f.coOwner, f.addr1, f.addr2})
-        if (!line.trimmed().isEmpty())
-            owner << line;
-    owner << cityLine(f.city, f.state, f.zipCode, f.zipCode2);
-    printBlock(s, rowY(5), QStringLiteral("Owner:"), owner);
+    printBlock(s, rowY(5), QStringLiteral("Owner:"), p.owner);
 
     setFont(s, 10);
     s.CurrentY = rowY(11);
@@ -457,7 +508,7 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
     s.Write(QStringLiteral("Check #/Cash: "));
     setFont(s, 12);
     s.CurrentY = rowY(11);
-    s.Print(f.checknum);
+    s.Print(p.checknum);
 
     // Right column: receipt, year, date, bar code, parcel.
     auto right = [&](int i, double x, const QString& line) {
@@ -465,42 +516,26 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
         s.CurrentX = x;
         s.Write(line);
     };
-    right(0, RightColumnX, QStringLiteral("Receipt #: ") + cutRecnum(text(r, "Recnum")));
-    right(1, RightColumnX, QStringLiteral("Payment For Tax Year ") + d.taxYear);
+    right(0, RightColumnX, QStringLiteral("Receipt #: ") + cutRecnum(p.recnum));
+    right(1, RightColumnX, QStringLiteral("Payment For Tax Year ") + p.taxYear);
     const QString today = QStringLiteral("DATE: ") + FormatDate(Clock::today());
     right(2, TextWidthOfPage - s.TextWidth(today), today);
-    // "40" marks a real-estate receipt for the scanner.
-    PrintCode39(s, RightColumnX, rowY(3) + 40, QStringLiteral("40") + text(r, "Recnum").trimmed(),
-                row * 2 - 80);
-
-    right(5, ParcelX,
-          QStringLiteral("Control #: ") + d.district + QLatin1Char('-') + d.ward +
-              QLatin1Char('-') + f.control.trimmed());
-    right(6, ParcelX, QStringLiteral("Bill #: ") + d.billNo);
-    right(7, ParcelX,
-          QStringLiteral("Map #: ") + f.map3.trimmed() + QLatin1Char('-') + f.map4.trimmed() +
-              QLatin1Char('-') + f.map5.trimmed());
-    right(8, ParcelX, d.twpBoro);
-    right(9, ParcelX, f.desc1.trimmed());
-    right(10, ParcelX, f.desc2.trimmed());
-    right(11, ParcelX, f.desc3.trimmed());
-    const qint64 land = wholeNumber(f.assLand);
-    const qint64 impr = wholeNumber(f.assImpr);
-    const double assessedRight = ParcelX + 3000;
-    int assessedRow = 12;
-    for (const auto& [label, value] :
-         {std::pair{QStringLiteral("Land:"), land}, std::pair{QStringLiteral("Impr:"), impr},
-          std::pair{QStringLiteral("Total:"), land + impr}}) {
-        right(assessedRow, ParcelX, label);
-        s.CurrentY = rowY(assessedRow);
-        s.WriteRight(assessedRight, FormatNumber(double(value), u"###,###,###,###"));
-        ++assessedRow;
+    PrintCode39(s, RightColumnX, rowY(3) + 40, p.barcodePayload, row * 2 - 80);
+    const double figureRight = ParcelX + 3000;
+    int parcelRow = 5;
+    for (const ReceiptParcelLine& line : p.parcel) {
+        right(parcelRow, ParcelX, line.text);
+        if (!line.figure.isEmpty()) {
+            s.CurrentY = rowY(parcelRow);
+            s.WriteRight(figureRight, line.figure);
+        }
+        ++parcelRow;
     }
 
     // The table.
     setFont(s, 12, true);
     s.CurrentY = rowY(15) + 250;
-    printCentred(s, QStringLiteral("REAL ESTATE TAX PAYMENT - TAX YEAR ") + d.taxYear);
+    printCentred(s, p.tableTitle);
     const double tableTop = s.CurrentY + 40;
     s.CurrentY = tableTop + 40;
     setFont(s, 10, true);
@@ -511,22 +546,145 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
     s.Line(TableLeft, headingRule, TableRight, headingRule);
     s.CurrentY = headingRule + 40;
     setFont(s, 10);
+    for (const ReceiptTableRow& r : p.rows)
+        printRow(s, r);
+    const double totalRule = s.CurrentY + 20;
+    s.Line(TableLeft, totalRule, TableRight, totalRule);
+    s.CurrentY = totalRule + 40;
+    setFont(s, 10, true);
+    printRow(s, p.total);
+    const double tableBottom = s.CurrentY + 40;
+    s.DrawWidth = 3;
+    s.Box(TableLeft, tableTop, TableRight, tableBottom);
+    for (double x : ColumnRules)
+        s.Line(x, tableTop, x, tableBottom);
+    s.DrawWidth = 5;
 
+    // Footer.
+    s.CurrentY = tableBottom + 200;
+    setFont(s, 16, true);
+    if (p.duplicate)
+        printCentred(s, QStringLiteral("DUPLICATE RECEIPT"));
+    else
+        s.Print();
+    setFont(s, 9);
+    const double sentenceWidth = TextWidthOfPage - LabelX;
+    for (const QStringList& pieces : p.sentences) {
+        for (const QString& line : wrapPieces(s, pieces, sentenceWidth)) {
+            s.CurrentX = LabelX;
+            s.Print(line);
+        }
+    }
+    // The rest of the footer stays in 9 point.
+    if (p.voided.isValid()) {
+        s.CurrentY += 80;
+        s.CurrentX = LabelX;
+        s.Print(QStringLiteral("VOIDED ") + FormatDate(p.voided));
+    }
+    s.CurrentY += 500;
+    s.CurrentX = LabelX;
+    s.Write(QStringLiteral("Received Payment: "));
+    const double signatureX = s.CurrentX;
+    s.Print(QStringLiteral("______________________________________________"));
+    s.CurrentX = signatureX;
+    s.Print(QStringLiteral("Tax Collector"));
+    s.CurrentY += 200;
+    printCentred(s, QStringLiteral("Thank you for your payment!"));
+}
+
+ReceiptPrintOutcome PrintReceiptJob(QSqlDatabase db, const QString& recnum, int copies,
+                                    const ReceiptPageLoader& load) {
+    if (!db.isValid())
+        db = session().DbConnection;
+    if (copies <= 0)
+        return ReceiptPrintOutcome::NoCopies;
+    const std::optional<QString> device = AssignedPrinter(db, QString::fromLatin1(ReceiptPrinter));
+    if (!device) {
+        MsgBox(QStringLiteral("There is currently no receipt printer assigned."),
+               QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return ReceiptPrintOutcome::NoPrinter;
+    }
+    QString error;
+    const std::optional<ReceiptPage> page = load(&error);
+    if (!page) {
+        MsgBox(error, QStringLiteral("Print Receipt"), MsgButtons::Ok, MsgIcon::Exclamation);
+        return ReceiptPrintOutcome::Failed;
+    }
+    ReportSurface surface(PageFormat{PaperSize::Letter, PageOrientation::Portrait});
+    for (int copy = 0; copy < copies; ++copy) {
+        DrawReceiptPage(surface, *page);
+        surface.NewPage();
+    }
+    surface.EndDoc();
+    Recording job = surface.takeRecording();
+    job.jobName = QStringLiteral("Receipt ") + recnum;
+    const PrintResult sent = SendToPrinter(job, *device);
+    if (!sent.ok) {
+        MsgBox(sent.error, QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok,
+               MsgIcon::Critical);
+        return ReceiptPrintOutcome::Failed;
+    }
+    return ReceiptPrintOutcome::Printed;
+}
+
+ReceiptPrintOutcome AskAndPrintReceipt(const std::function<ReceiptPrintOutcome(int)>& print) {
+    const std::optional<int> copies = AskCopies(CopiesQuestion::receipt());
+    if (!copies)
+        return ReceiptPrintOutcome::Cancelled;
+    session().ReceiptCopiesText = QString::number(*copies);
+    session().ReceiptCopies = *copies;
+    return print(*copies);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The real-estate receipt
+// ---------------------------------------------------------------------------------------------
+
+ReceiptPage REReceiptPage(const REReceiptData& d, const ReceiptScreenText& f, bool duplicate) {
+    const QSqlRecord& r = d.receipt;
+    ReceiptPage p;
+    // "40" marks a real-estate receipt for the scanner.
+    FillReceiptHeading(p, d, QStringLiteral("40"));
+    p.payor = ReceiptAddressLines({f.payor, f.pAddr1, f.pAddr2}, f.pCity, f.pState, f.pZipCode,
+                                  f.pZipCode2);
+    p.owner = ReceiptAddressLines({f.name, f.coOwner, f.addr1, f.addr2}, f.city, f.state, f.zipCode,
+                                  f.zipCode2);
+    p.checknum = f.checknum;
+
+    const qint64 land = wholeNumber(f.assLand);
+    const qint64 impr = wholeNumber(f.assImpr);
+    auto figure = [](qint64 value) { return FormatNumber(double(value), u"###,###,###,###"); };
+    p.parcel = {{ReceiptControlLine(d, f.control), {}},
+                {QStringLiteral("Bill #: ") + d.billNo, {}},
+                {QStringLiteral("Map #: ") + f.map3.trimmed() + QLatin1Char('-') +
+                     f.map4.trimmed() + QLatin1Char('-') + f.map5.trimmed(),
+                 {}},
+                {d.twpBoro, {}},
+                {f.desc1.trimmed(), {}},
+                {f.desc2.trimmed(), {}},
+                {f.desc3.trimmed(), {}},
+                {QStringLiteral("Land:"), figure(land)},
+                {QStringLiteral("Impr:"), figure(impr)},
+                {QStringLiteral("Total:"), figure(land + impr)}};
+
+    p.tableTitle = QStringLiteral("REAL ESTATE TAX PAYMENT - TAX YEAR ") + d.taxYear;
     const QString year = d.taxYear;
     const QString cFlag = flag(r, "CPayFlag");
     const QString tFlag = flag(r, "TPayFlag");
     const QString sFlag = flag(r, "SPayFlag");
+    auto mills = [](double rate) { return millsText(rate); };
     if (!cFlag.isEmpty()) {
-        printRow(s, amountRow(year, QStringLiteral("COUNTY"), d.LMR + d.countySMR,
-                              money(r, "County") + money(r, "Library"),
-                              money(r, "DCounty") + money(r, "DLibrary"),
-                              money(r, "PCounty") + money(r, "PLibrary"), cFlag));
+        p.rows.push_back(ReceiptAmountRow(
+            year, QStringLiteral("COUNTY"), mills(d.LMR + d.countySMR),
+            money(r, "County") + money(r, "Library"), money(r, "DCounty") + money(r, "DLibrary"),
+            money(r, "PCounty") + money(r, "PLibrary"), cFlag));
         if (d.LMR != 0)
-            printRow(s, {year, QStringLiteral("LIBRARY"), {}, {}, {}, {}, {}});
+            p.rows.push_back({year, QStringLiteral("LIBRARY"), {}, {}, {}, {}, {}});
     }
     if (!tFlag.isEmpty()) {
-        printRow(s, amountRow(year, bodyWordUpper(d.btFlag), d.TMR, money(r, "Twp"),
-                              money(r, "DTwp"), money(r, "PTwp"), tFlag));
+        p.rows.push_back(ReceiptAmountRow(year, bodyWordUpper(d.btFlag), mills(d.TMR),
+                                          money(r, "Twp"), money(r, "DTwp"), money(r, "PTwp"),
+                                          tFlag));
         const char* const faces[3][3] = {{"S1Face", "DS1Face", "PS1Face"},
                                          {"S2Face", "DS2Face", "PS2Face"},
                                          {"S3Face", "DS3Face", "PS3Face"}};
@@ -535,23 +693,26 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
                 continue;
             const REReceiptData::SpecialTax special =
                 i < d.specials.size() ? d.specials[i] : REReceiptData::SpecialTax{};
-            printRow(s, amountRow(year, special.name, special.mill, money(r, faces[i][0]),
-                                  money(r, faces[i][1]), money(r, faces[i][2]), tFlag));
+            p.rows.push_back(ReceiptAmountRow(year, special.name, mills(special.mill),
+                                              money(r, faces[i][0]), money(r, faces[i][1]),
+                                              money(r, faces[i][2]), tFlag));
         }
     }
     if (!sFlag.isEmpty()) {
         if (sFlag == QLatin1String("I")) {
             const std::optional<Money> penalty = installmentPenalty(r);
-            printRow(s, amountRow(year, QStringLiteral("SCHOOL"), d.SMR, money(r, "School"), {},
-                                  penalty.value_or(Money()), sFlag, penalty.has_value()));
+            p.rows.push_back(ReceiptAmountRow(year, QStringLiteral("SCHOOL"), mills(d.SMR),
+                                              money(r, "School"), {}, penalty.value_or(Money()),
+                                              sFlag, penalty.has_value()));
         } else {
-            printRow(s, amountRow(year, QStringLiteral("SCHOOL"), d.SMR, money(r, "School"),
-                                  money(r, "DSchool"), money(r, "PSchool"), sFlag));
+            p.rows.push_back(ReceiptAmountRow(year, QStringLiteral("SCHOOL"), mills(d.SMR),
+                                              money(r, "School"), money(r, "DSchool"),
+                                              money(r, "PSchool"), sFlag));
         }
     }
     if (money(r, "Sch1Face") > Money())
-        printRow(s, amountRow(year, d.s1TaxName, d.S1MR, money(r, "Sch1Face"),
-                              money(r, "DSch1Face"), money(r, "PSch1Face"), sFlag));
+        p.rows.push_back(ReceiptAmountRow(year, d.s1TaxName, mills(d.S1MR), money(r, "Sch1Face"),
+                                          money(r, "DSch1Face"), money(r, "PSch1Face"), sFlag));
 
     Money face, discount, penalty;
     for (const char* line : {"County", "Library", "C1Face", "Twp", "S1Face", "S2Face", "S3Face",
@@ -567,108 +728,52 @@ void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreen
         penalty -= money(r, "PSchool");
         penalty += installmentPenalty(r).value_or(Money());
     }
-    const double totalRule = s.CurrentY + 20;
-    s.Line(TableLeft, totalRule, TableRight, totalRule);
-    s.CurrentY = totalRule + 40;
-    setFont(s, 10, true);
-    printRow(s, {QStringLiteral("TOTAL"),
-                 QStringLiteral("PAYMENT:"),
-                 {},
-                 moneyText(face),
-                 moneyText(discount),
-                 moneyText(penalty),
-                 moneyText(face + discount + penalty)});
-    const double tableBottom = s.CurrentY + 40;
-    s.DrawWidth = 3;
-    s.Box(TableLeft, tableTop, TableRight, tableBottom);
-    for (double x : ColumnRules)
-        s.Line(x, tableTop, x, tableBottom);
-    s.DrawWidth = 5;
-
-    // Footer.
-    s.CurrentY = tableBottom + 200;
-    setFont(s, 16, true);
-    if (duplicate)
-        printCentred(s, QStringLiteral("DUPLICATE RECEIPT"));
-    else
-        s.Print();
-    setFont(s, 9);
-    const double sentenceWidth = TextWidthOfPage - LabelX;
-    for (const QStringList& pieces : {creditPieces(r, d.btFlag), installmentPieces(r)}) {
-        for (const QString& line : wrapPieces(s, pieces, sentenceWidth)) {
-            s.CurrentX = LabelX;
-            s.Print(line);
-        }
-    }
-    // The rest of the footer stays in 9 point.
-    const QDate voided = DateField(r.value(QStringLiteral("VDate")));
-    if (voided.isValid()) {
-        s.CurrentY += 80;
-        s.CurrentX = LabelX;
-        s.Print(QStringLiteral("VOIDED ") + FormatDate(voided));
-    }
-    s.CurrentY += 500;
-    s.CurrentX = LabelX;
-    s.Write(QStringLiteral("Received Payment: "));
-    const double signatureX = s.CurrentX;
-    s.Print(QStringLiteral("______________________________________________"));
-    s.CurrentX = signatureX;
-    s.Print(QStringLiteral("Tax Collector"));
-    s.CurrentY += 200;
-    printCentred(s, QStringLiteral("Thank you for your payment!"));
+    p.total = ReceiptTotalRow(face, discount, penalty);
+    p.duplicate = duplicate;
+    return p;
 }
 
-ReceiptPrintOutcome PrintREReceipt(QSqlDatabase db, const REReceiptRequest& request) {
+void DrawREReceipt(ReportSurface& s, const REReceiptData& d, const ReceiptScreenText& f,
+                   bool duplicate) {
+    DrawReceiptPage(s, REReceiptPage(d, f, duplicate));
+}
+
+ReceiptRequest ScreenReceiptRequest(QWidget* callingScreen, const QString& recnum, int copies,
+                                    const char* reprintScreenName) {
+    ReceiptRequest request;
+    request.recnum = recnum;
+    request.copies = copies;
+    request.duplicate =
+        callingScreen && callingScreen->objectName() == QLatin1String(reprintScreenName);
+    request.fields = ReceiptScreenText::fromScreen(callingScreen);
+    return request;
+}
+
+ReceiptScreenText ReceiptFieldsFor(QSqlDatabase db, const ReceiptRequest& request,
+                                   const ReceiptOffice& office, Duplicate duplicate) {
+    if (request.fields)
+        return *request.fields;
+    return ReceiptScreenText::fromRows(office.receipt,
+                                       ReadBillAsItStands(db, duplicate, office.billNo).bill);
+}
+
+ReceiptPrintOutcome PrintREReceipt(QSqlDatabase db, const ReceiptRequest& request) {
     if (!db.isValid())
         db = session().DbConnection;
-    if (request.copies <= 0)
-        return ReceiptPrintOutcome::NoCopies;
-    const std::optional<QString> device = AssignedPrinter(db, QString::fromLatin1(ReceiptPrinter));
-    if (!device) {
-        MsgBox(QStringLiteral("There is currently no receipt printer assigned."),
-               QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return ReceiptPrintOutcome::NoPrinter;
-    }
-    REReceiptData data;
-    QString error;
-    if (!LoadREReceipt(db, request.recnum, &data, &error)) {
-        MsgBox(error, QStringLiteral("Print Receipt"), MsgButtons::Ok, MsgIcon::Exclamation);
-        return ReceiptPrintOutcome::Failed;
-    }
-    const ReceiptScreenText fields =
-        request.fields
-            ? *request.fields
-            : ReceiptScreenText::fromRows(
-                  data.receipt, ReadBillAsItStands(db, Duplicate::RealEstate, data.billNo).bill);
-    ReportSurface surface(PageFormat{PaperSize::Letter, PageOrientation::Portrait});
-    for (int copy = 0; copy < request.copies; ++copy) {
-        DrawREReceipt(surface, data, fields, request.duplicate);
-        surface.NewPage();
-    }
-    surface.EndDoc();
-    Recording job = surface.takeRecording();
-    job.jobName = QStringLiteral("Receipt ") + request.recnum;
-    const PrintResult sent = SendToPrinter(job, *device);
-    if (!sent.ok) {
-        MsgBox(sent.error, QString::fromLatin1(PrinterErrorTitle), MsgButtons::Ok,
-               MsgIcon::Critical);
-        return ReceiptPrintOutcome::Failed;
-    }
-    return ReceiptPrintOutcome::Printed;
+    return PrintReceiptJob(
+        db, request.recnum, request.copies, [&](QString* error) -> std::optional<ReceiptPage> {
+            REReceiptData data;
+            if (!LoadREReceipt(db, request.recnum, &data, error))
+                return std::nullopt;
+            return REReceiptPage(data, ReceiptFieldsFor(db, request, data, Duplicate::RealEstate),
+                                 request.duplicate);
+        });
 }
 
 ReceiptPrintOutcome AskAndPrintREReceipt(QWidget* callingScreen, const QString& recnum,
                                          QSqlDatabase db) {
-    const std::optional<int> copies = AskCopies(CopiesQuestion::receipt());
-    if (!copies)
-        return ReceiptPrintOutcome::Cancelled;
-    session().ReceiptCopiesText = QString::number(*copies);
-    session().ReceiptCopies = *copies;
-    REReceiptRequest request;
-    request.recnum = recnum;
-    request.copies = *copies;
-    request.duplicate =
-        callingScreen && callingScreen->objectName() == QLatin1String("frmREReprintReceipt");
-    request.fields = ReceiptScreenText::fromScreen(callingScreen);
-    return PrintREReceipt(db, request);
+    return AskAndPrintReceipt([&](int copies) {
+        return PrintREReceipt(
+            db, ScreenReceiptRequest(callingScreen, recnum, copies, "frmREReprintReceipt"));
+    });
 }

@@ -84,11 +84,8 @@ RealEstatePosting BuildRealEstatePosting(const BillNow& bill, const PaymentChoic
                                          const InstallmentView& installments) {
     RealEstatePosting p;
     RealEstateReceipt& r = p.receipt;
-    r.control = bill.text("Control");
-    r.billNo = bill.text("BillNo");
+    r.takeBill(bill);
     p.billNo = r.billNo;
-    r.adjNo = bill.adjNo;
-    r.name = bill.text("Name");
     r.map3 = bill.text("Map3");
     r.map4 = bill.text("Map4");
     r.map5 = bill.text("Map5");
@@ -157,93 +154,78 @@ QString MakeRecnum(const QDate& today, qint64 counter) {
         .left(12);
 }
 
-PostingResult PostRealEstatePayment(QSqlDatabase db, const RealEstatePosting& posting,
-                                    const QDate& today) {
+const DeskTables& RealEstateDesk() {
+    static const DeskTables t{QStringLiteral("TCMaster"),
+                              QStringLiteral("TCReceipt"),
+                              QStringLiteral("TCReceiptNum"),
+                              QStringLiteral("TCVoidReceipt"),
+                              QStringLiteral("TCRefund"),
+                              QStringLiteral("TCRefund"),
+                              true,
+                              QStringLiteral("TCAdjust")};
+    return t;
+}
+
+const DeskTables& PerCapitaDesk() {
+    static const DeskTables t{QStringLiteral("PCMaster"),
+                              QStringLiteral("PCReceipt"),
+                              QStringLiteral("PCReceiptNum"),
+                              QStringLiteral("PCVoidReceipt"),
+                              QStringLiteral("PCRefund"),
+                              QStringLiteral("TCRefund"),
+                              false,
+                              QStringLiteral("PCAdjust")};
+    return t;
+}
+
+PostingResult PostPayment(QSqlDatabase db, const DeskTables& tables, const PaymentRows& rows,
+                          const QDate& today) {
     PostingResult result;
     if (!db.transaction()) {
         result.error = db.lastError().text();
         return result;
     }
     QSqlQuery q(db);
-    const MasterPayFlags& m = posting.master;
-    const RealEstateReceipt& r = posting.receipt;
 
     // 1. The bill's flags first: a flag without its receipt is the trace of a cut-off payment.
-    Assignments flags;
-    flags.setIf(QStringLiteral("CPayFlag"), m.cPayFlag);
-    flags.setIf(QStringLiteral("TPayFlag"), m.tPayFlag);
-    flags.setIf(QStringLiteral("TwpPaidFlag"), m.twpPaidFlag);
-    flags.setIf(QStringLiteral("StLtPaidFlag"), m.stLtPaidFlag);
-    flags.setIf(QStringLiteral("SPayFlag"), m.sPayFlag);
-    for (int n = 0; n < 3; ++n)
-        flags.setIf(QStringLiteral("Pay%1Flag").arg(n + 1), m.payFlag[n]);
-    flags.set(QStringLiteral("StLtFlag"), m.stLtFlag);
-    flags.values << posting.billNo;
-    bool ok = run(q, flags.sql(QStringLiteral("TCMaster"), QStringLiteral("BillNo = ?")),
-                  flags.values, &result.error);
+    bool ok = true;
+    if (!rows.masterFlags.empty()) {
+        Assignments flags;
+        for (const auto& [column, value] : rows.masterFlags)
+            flags.set(column, value);
+        flags.values << rows.billNo;
+        ok = run(q, flags.sql(tables.master, QStringLiteral("BillNo = ?")), flags.values,
+                 &result.error);
+    }
 
     // 2. The receipt number.
     qint64 counter = 0;
     if (ok) {
-        ok = run(q, QStringLiteral("SELECT ReceiptNum FROM TCReceiptNum"), {}, &result.error);
+        ok = run(q, QStringLiteral("SELECT ReceiptNum FROM %1").arg(tables.receiptNumbers), {},
+                 &result.error);
         if (ok && !q.next()) {
             ok = false;
-            result.error = QStringLiteral("The table TCReceiptNum holds no receipt number.");
+            result.error =
+                QStringLiteral("The table %1 holds no receipt number.").arg(tables.receiptNumbers);
         }
         if (ok)
             counter = q.value(0).toLongLong();
     }
     if (ok)
-        ok = run(q, QStringLiteral("UPDATE TCReceiptNum SET ReceiptNum = ?"), {counter + 1},
-                 &result.error);
+        ok = run(q, QStringLiteral("UPDATE %1 SET ReceiptNum = ?").arg(tables.receiptNumbers),
+                 {counter + 1}, &result.error);
     result.recnum = MakeRecnum(today, counter);
 
     // 3. The receipt.
     if (ok) {
-        QStringList columns{"Control", "BillNo", "AdjNo", "Recnum", "Name",
-                            "Map3",    "Map4",   "Map5",  "RDate"};
-        QVariantList values{r.control, r.billNo, r.adjNo, result.recnum,     r.name,
-                            r.map3,    r.map4,   r.map5,  DateValue(r.rdate)};
-        for (int i = 0; i < TaxLineCount; ++i) {
-            columns << DiscountColumn(i) << FaceColumn(i) << PenaltyColumn(i);
-            values << MoneyValue(r.line[i].discount) << MoneyValue(r.line[i].face)
-                   << MoneyValue(r.line[i].penalty);
-        }
-        columns << "Overage"
-                << "Refund"
-                << "Payor"
-                << "PAddr1"
-                << "PAddr2"
-                << "PCity"
-                << "PState"
-                << "PZipCode"
-                << "PZipCode2"
-                << "Checknum"
-                << "CPayFlag"
-                << "TPayFlag"
-                << "SPayFlag"
-                << "CDisbNum"
-                << "TDisbNum"
-                << "SDisbNum";
-        values << MoneyValue(r.overage) << MoneyValue(r.refund) << r.payor << r.pAddr1 << r.pAddr2
-               << r.pCity << r.pState << r.pZipCode << r.pZipCode2 << r.checknum << r.cPayFlag
-               << r.tPayFlag << r.sPayFlag << SixBlanks << SixBlanks << SixBlanks;
-        for (int n = 0; n < 3; ++n) {
-            columns << QStringLiteral("Payment%1").arg(n + 1);
-            values << MoneyValue(r.payment[n]);
-        }
-        for (int n = 0; n < 3; ++n) {
-            columns << QStringLiteral("PenPayment%1").arg(n + 1);
-            values << MoneyValue(r.penPayment[n]);
-        }
-        for (int n = 0; n < 3; ++n) {
-            columns << QStringLiteral("Pay%1Flag").arg(n + 1);
-            values << r.payFlag[n];
-        }
+        QStringList columns = rows.receiptColumns;
+        QVariantList values = rows.receiptValues;
+        columns << QStringLiteral("Recnum");
+        values << result.recnum;
         const QString marks = QStringList(columns.size(), QStringLiteral("?")).join(u',');
         ok = run(q,
-                 QStringLiteral("INSERT INTO TCReceipt (%1) VALUES (%2)")
-                     .arg(columns.join(QStringLiteral(", ")), marks),
+                 QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                     .arg(tables.receipts, columns.join(QStringLiteral(", ")), marks),
                  values, &result.error);
     }
     q.finish();
@@ -251,6 +233,87 @@ PostingResult PostRealEstatePayment(QSqlDatabase db, const RealEstatePosting& po
     if (!result.ok)
         result.recnum.clear();
     return result;
+}
+
+PostingResult PostRealEstatePayment(QSqlDatabase db, const RealEstatePosting& posting,
+                                    const QDate& today) {
+    const MasterPayFlags& m = posting.master;
+    const RealEstateReceipt& r = posting.receipt;
+    PaymentRows rows;
+    rows.billNo = posting.billNo;
+    auto flag = [&](const QString& column, const std::optional<QString>& value) {
+        if (value)
+            rows.masterFlags.emplace_back(column, *value);
+    };
+    flag(QStringLiteral("CPayFlag"), m.cPayFlag);
+    flag(QStringLiteral("TPayFlag"), m.tPayFlag);
+    flag(QStringLiteral("TwpPaidFlag"), m.twpPaidFlag);
+    flag(QStringLiteral("StLtPaidFlag"), m.stLtPaidFlag);
+    flag(QStringLiteral("SPayFlag"), m.sPayFlag);
+    for (int n = 0; n < 3; ++n)
+        flag(QStringLiteral("Pay%1Flag").arg(n + 1), m.payFlag[n]);
+    flag(QStringLiteral("StLtFlag"), m.stLtFlag);
+
+    QStringList& columns = rows.receiptColumns;
+    QVariantList& values = rows.receiptValues;
+    AppendReceiptColumns(columns, values, r);
+    columns << "Map3"
+            << "Map4"
+            << "Map5";
+    values << r.map3 << r.map4 << r.map5;
+    for (int i = 0; i < TaxLineCount; ++i) {
+        columns << DiscountColumn(i) << FaceColumn(i) << PenaltyColumn(i);
+        values << MoneyValue(r.line[i].discount) << MoneyValue(r.line[i].face)
+               << MoneyValue(r.line[i].penalty);
+    }
+    for (int n = 0; n < 3; ++n) {
+        columns << QStringLiteral("Payment%1").arg(n + 1);
+        values << MoneyValue(r.payment[n]);
+    }
+    for (int n = 0; n < 3; ++n) {
+        columns << QStringLiteral("PenPayment%1").arg(n + 1);
+        values << MoneyValue(r.penPayment[n]);
+    }
+    for (int n = 0; n < 3; ++n) {
+        columns << QStringLiteral("Pay%1Flag").arg(n + 1);
+        values << r.payFlag[n];
+    }
+    return PostPayment(db, RealEstateDesk(), rows, today);
+}
+
+void ReceiptCommon::takeBill(const BillNow& bill) {
+    control = bill.text("Control");
+    billNo = bill.text("BillNo");
+    adjNo = bill.adjNo;
+    name = bill.text("Name");
+}
+
+void AppendReceiptColumns(QStringList& columns, QVariantList& values, const ReceiptCommon& r) {
+    columns << "Control"
+            << "BillNo"
+            << "AdjNo"
+            << "Name"
+            << "RDate"
+            << "Overage"
+            << "Refund"
+            << "Payor"
+            << "PAddr1"
+            << "PAddr2"
+            << "PCity"
+            << "PState"
+            << "PZipCode"
+            << "PZipCode2"
+            << "Checknum"
+            << "CPayFlag"
+            << "TPayFlag"
+            << "SPayFlag"
+            << "CDisbNum"
+            << "TDisbNum"
+            << "SDisbNum";
+    values << r.control << r.billNo << r.adjNo << r.name << DateValue(r.rdate)
+           << MoneyValue(r.overage) << MoneyValue(r.refund) << r.payor << r.pAddr1 << r.pAddr2
+           << r.pCity << r.pState << r.pZipCode << r.pZipCode2 << r.checknum << r.cPayFlag
+           << r.tPayFlag << r.sPayFlag << SixBlanks << SixBlanks << SixBlanks;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -289,6 +352,11 @@ bool RefundDistributed(const QString& disbNum, const QString& taxYear) {
 
 VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, const QDate& today,
                                  const QString& taxYear) {
+    return VoidReceipt(db, RealEstateDesk(), request, today, taxYear);
+}
+
+VoidResult VoidReceipt(QSqlDatabase db, const DeskTables& tables, const VoidRequest& request,
+                       const QDate& today, const QString& taxYear) {
     VoidResult result;
     if (!db.transaction()) {
         result.error = db.lastError().text();
@@ -298,8 +366,9 @@ VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, co
 
     // The receipt (the first of its number) and whether it was voided before.
     bool ok = run(q,
-                  QStringLiteral("SELECT rowid, * FROM TCReceipt WHERE Recnum = ? "
-                                 "ORDER BY rowid LIMIT 1"),
+                  QStringLiteral("SELECT rowid, * FROM %1 WHERE Recnum = ? "
+                                 "ORDER BY rowid LIMIT 1")
+                      .arg(tables.receipts),
                   {request.recnum}, &result.error);
     qint64 rowid = 0;
     BillPayFlags receiptFlags;
@@ -313,8 +382,9 @@ VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, co
         rowid = rec.value(0).toLongLong();
         receiptFlags = BillPayFlagsFromRecord(rec);
         billNo = TextField(rec.value("BillNo"));
-        ok = run(q, QStringLiteral("SELECT count(*) FROM TCVoidReceipt WHERE Recnum = ?"),
-                 {request.recnum}, &result.error);
+        ok = run(
+            q, QStringLiteral("SELECT count(*) FROM %1 WHERE Recnum = ?").arg(tables.voidReceipts),
+            {request.recnum}, &result.error);
         if (ok && q.next() && q.value(0).toLongLong() > 0) {
             ok = false;
             result.error = QStringLiteral("Receipt Has Already Been Voided");
@@ -324,8 +394,8 @@ VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, co
     // 1. The bill.
     if (ok) {
         BillPayFlags billFlags;
-        ok = run(q, QStringLiteral("SELECT * FROM TCMaster WHERE BillNo = ? LIMIT 1"), {billNo},
-                 &result.error);
+        ok = run(q, QStringLiteral("SELECT * FROM %1 WHERE BillNo = ? LIMIT 1").arg(tables.master),
+                 {billNo}, &result.error);
         if (ok && q.next())
             billFlags = BillPayFlagsFromRecord(q.record());
         const VoidMasterFlags f = FlagsAfterVoid(receiptFlags, billFlags);
@@ -337,14 +407,14 @@ VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, co
             for (int n = 0; n < 3; ++n)
                 a.setIf(QStringLiteral("Pay%1Flag").arg(n + 1), f.payFlag[n]);
             a.values << billNo;
-            ok = run(q, a.sql(QStringLiteral("TCMaster"), QStringLiteral("BillNo = ?")), a.values,
-                     &result.error);
+            ok =
+                run(q, a.sql(tables.master, QStringLiteral("BillNo = ?")), a.values, &result.error);
         }
     }
 
     // 2. The copy, every money column negated so that it adds to any total as it stands.
     if (ok) {
-        const TaxDatabase::TableDef* receipt = TaxDatabase::table(QStringLiteral("TCReceipt"));
+        const TaxDatabase::TableDef* receipt = TaxDatabase::table(tables.receipts);
         QStringList columns;
         QStringList expressions;
         QVariantList values;
@@ -373,23 +443,23 @@ VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, co
                     << "?"
                     << "?";
         values << request.reason << DateValue(today) << rowid;
-        ok = run(
-            q,
-            QStringLiteral("INSERT INTO TCVoidReceipt (%1) SELECT %2 FROM TCReceipt "
-                           "WHERE rowid = ?")
-                .arg(columns.join(QStringLiteral(", ")), expressions.join(QStringLiteral(", "))),
-            values, &result.error);
+        ok = run(q,
+                 QStringLiteral("INSERT INTO %1 (%2) SELECT %3 FROM %4 WHERE rowid = ?")
+                     .arg(tables.voidReceipts, columns.join(QStringLiteral(", ")),
+                          expressions.join(QStringLiteral(", ")), tables.receipts),
+                 values, &result.error);
     }
 
     // 3. The receipt's date of voiding.
     if (ok)
-        ok = run(q, QStringLiteral("UPDATE TCReceipt SET VDate = ? WHERE Recnum = ?"),
+        ok = run(q, QStringLiteral("UPDATE %1 SET VDate = ? WHERE Recnum = ?").arg(tables.receipts),
                  {DateValue(today), request.recnum}, &result.error);
 
     // 4. Its refunds, unless one of them has gone out in a distribution.
     if (ok) {
-        ok = run(q, QStringLiteral("SELECT DisbNum FROM TCRefund WHERE RecNum = ?"),
-                 {request.recnum}, &result.error);
+        ok = run(
+            q, QStringLiteral("SELECT DisbNum FROM %1 WHERE RecNum = ?").arg(tables.refundsOfVoid),
+            {request.recnum}, &result.error);
         bool any = false;
         bool distributed = false;
         while (ok && q.next()) {
@@ -398,8 +468,8 @@ VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, co
                 distributed = true;
         }
         if (ok && any && !distributed) {
-            ok = run(q, QStringLiteral("DELETE FROM TCRefund WHERE RecNum = ?"), {request.recnum},
-                     &result.error);
+            ok = run(q, QStringLiteral("DELETE FROM %1 WHERE RecNum = ?").arg(tables.refundsOfVoid),
+                     {request.recnum}, &result.error);
             result.refundsRemoved = ok;
         }
     }
@@ -414,23 +484,44 @@ VoidResult VoidRealEstateReceipt(QSqlDatabase db, const VoidRequest& request, co
 // Recording a refund
 // ---------------------------------------------------------------------------------------------
 
-bool AddRealEstateRefund(QSqlDatabase db, const RealEstateRefund& f, QString* error) {
+bool AddRealEstateRefund(QSqlDatabase db, const RealEstateRefund& refund, QString* error) {
+    return AddRefund(db, RealEstateDesk(), refund, error);
+}
+
+bool AddRefund(QSqlDatabase db, const DeskTables& tables, const RefundRecord& f, QString* error) {
     QString why;
     if (!db.transaction()) {
         if (error)
             *error = db.lastError().text();
         return false;
     }
+    QStringList columns{"Control", "BillNo", "AdjNo", "RecNum", "RecNumID"};
+    QVariantList values{f.control, f.billNo, f.adjNo, f.recnum, f.recNumId};
+    if (tables.hasMap) {
+        columns << "Map3"
+                << "Map4"
+                << "Map5";
+        values << f.map3 << f.map4 << f.map5;
+    }
+    columns << "Name"
+            << "Addr1"
+            << "Addr2"
+            << "City"
+            << "State"
+            << "ZipCode"
+            << "ZipCode2"
+            << "Desc1"
+            << "Refund"
+            << "DisbNum"
+            << "RDate";
+    values << f.name << f.addr1 << f.addr2 << f.city << f.state << f.zipCode << f.zipCode2
+           << f.desc1 << MoneyValue(f.refund) << f.disbNum << DateValue(f.rdate);
     QSqlQuery q(db);
     bool ok = run(q,
-                  QStringLiteral("INSERT INTO TCRefund (Control, BillNo, AdjNo, RecNum, RecNumID, "
-                                 "Map3, Map4, Map5, Name, Addr1, Addr2, City, State, ZipCode, "
-                                 "ZipCode2, Desc1, Refund, DisbNum, RDate) "
-                                 "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"),
-                  {f.control, f.billNo, f.adjNo, f.recnum, f.recNumId, f.map3, f.map4, f.map5,
-                   f.name, f.addr1, f.addr2, f.city, f.state, f.zipCode, f.zipCode2, f.desc1,
-                   MoneyValue(f.refund), f.disbNum, DateValue(f.rdate)},
-                  &why);
+                  QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                      .arg(tables.refunds, columns.join(QStringLiteral(", ")),
+                           QStringList(columns.size(), QStringLiteral("?")).join(u',')),
+                  values, &why);
     q.finish();
     if (ok && db.commit())
         return true;

@@ -7,6 +7,7 @@
 #include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
+#include "desk/realestate/payment_screen_parts.h"
 #include "desk/realestate/query_handover.h"
 #include "desk/realestate/query_tc.h"
 #include "desk/realestate/re_receipt.h"
@@ -50,103 +51,30 @@ bool isBlank(QStringView flag) {
     return flag.trimmed().isEmpty();
 }
 
-QPushButton* newButton(QWidget* parent, const QString& name, const QString& caption) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(name);
-    return button;
-}
-
-QComboBox* newCombo(QWidget* parent, const QString& name, int maxLength) {
-    auto* combo = new QComboBox(parent);
-    combo->setObjectName(name);
-    combo->setEditable(true);
-    combo->setInsertPolicy(QComboBox::NoInsert);
-    combo->lineEdit()->setMaxLength(maxLength);
-    return combo;
-}
-
-// A label and its field side by side in a grid row.
-void addRow(QGridLayout* grid, int row, QWidget* label, QWidget* field, int column = 0) {
-    grid->addWidget(label, row, column);
-    grid->addWidget(field, row, column + 1);
-}
-
 } // namespace
 
 // ---------------------------------------------------------------------------------------------
 // Shared helpers
 // ---------------------------------------------------------------------------------------------
 
-QString PadBillNo(const QString& typed) {
-    const QString text = typed.trimmed();
-    bool digits = !text.isEmpty();
-    for (QChar c : text)
-        if (!c.isDigit())
-            digits = false;
-    if (digits)
-        return PadFormat(text.toDouble(), "####0");
-    // An added bill ("A0001") or anything else is right-aligned as it stands.
-    return text.rightJustified(5, QLatin1Char(' '));
-}
-
 // ---------------------------------------------------------------------------------------------
 // Building the screen
 // ---------------------------------------------------------------------------------------------
 
-frmREReceivePayment::frmREReceivePayment(QWidget* parent) : QWidget(parent) {
+frmREReceivePayment::frmREReceivePayment(QWidget* parent) : PaymentScreen(parent) {
     setObjectName(QStringLiteral("frmREReceivePayment"));
     setWindowTitle(QStringLiteral("Receive Real Estate Payments"));
     buildScreen();
+    startEntries();
     loadRates();
     clearScreen();
     session().LastScreenName = objectName();
 }
 
 void frmREReceivePayment::buildScreen() {
-    // Bill number and date credited.
-    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
-    txtAdjNo = ShownField(this, QStringLiteral("txtAdjNo"), 2);
-    txtDate = NamedField(this, QStringLiteral("txtDate"), 10);
-    cmdDate = newButton(this, QStringLiteral("cmdDate"), QStringLiteral("Change Date"));
-    lblAdjustment = NamedLabel(this, QStringLiteral("lblAdjustment"), QStringLiteral("Adjustment"));
-    lblAddressChange =
-        NamedLabel(this, QStringLiteral("lblAddressChange"), QStringLiteral("Address Change"));
-    lblPaymentReceived =
-        NamedLabel(this, QStringLiteral("lblPaymentReceived"), QStringLiteral("Payment Received"));
-    for (QLabel* marker : {lblAdjustment, lblAddressChange, lblPaymentReceived})
-        marker->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold;"));
-
-    auto* top = new QHBoxLayout;
-    top->addWidget(new QLabel(QStringLiteral("Bill #:"), this));
-    top->addWidget(txtBillNo);
-    top->addWidget(new QLabel(QStringLiteral("Adj #:"), this));
-    top->addWidget(txtAdjNo);
-    top->addSpacing(16);
-    top->addWidget(new QLabel(QStringLiteral("Date Received:"), this));
-    top->addWidget(txtDate);
-    top->addWidget(cmdDate);
-    top->addStretch();
-    top->addWidget(lblAdjustment);
-    top->addWidget(lblAddressChange);
-    top->addWidget(lblPaymentReceived);
-    txtBillNo->setMaximumWidth(80);
-    txtAdjNo->setMaximumWidth(40);
-    txtDate->setMaximumWidth(100);
-
     // The bill as it stands.
-    auto* fraBill = new QGroupBox(QStringLiteral("Property Owner"), this);
-    fraBill->setObjectName(QStringLiteral("fraBill"));
-    txtControl = ShownField(fraBill, QStringLiteral("txtControl"), 6);
-    txtName = ShownField(fraBill, QStringLiteral("txtName"), 50);
+    fraBill->setTitle(QStringLiteral("Property Owner"));
     txtCoOwner = ShownField(fraBill, QStringLiteral("txtCoOwner"), 50);
-    txtAddr1 = ShownField(fraBill, QStringLiteral("txtAddr1"), 50);
-    txtAddr2 = ShownField(fraBill, QStringLiteral("txtAddr2"), 50);
-    txtCity = ShownField(fraBill, QStringLiteral("txtCity"), 35);
-    cboState = newCombo(fraBill, QStringLiteral("cboState"), 2);
-    cboState->setFocusPolicy(Qt::NoFocus);
-    cboState->lineEdit()->setReadOnly(true);
-    txtZipCode = ShownField(fraBill, QStringLiteral("txtZipCode"), 5);
-    txtZipCode2 = ShownField(fraBill, QStringLiteral("txtZipCode2"), 4);
     txtMap3 = ShownField(fraBill, QStringLiteral("txtMap3"), 8);
     txtMap4 = ShownField(fraBill, QStringLiteral("txtMap4"), 6);
     txtMap5 = ShownField(fraBill, QStringLiteral("txtMap5"), 9);
@@ -155,7 +83,7 @@ void frmREReceivePayment::buildScreen() {
     txtDesc3 = ShownField(fraBill, QStringLiteral("txtDesc3"), 50);
     txtDeedBook = ShownField(fraBill, QStringLiteral("txtDeedBook"), 6);
     txtDeedPage = ShownField(fraBill, QStringLiteral("txtDeedPage"), 4);
-    cboLandUse = newCombo(fraBill, QStringLiteral("cboLandUse"), 50);
+    cboLandUse = NewStateCombo(fraBill, QStringLiteral("cboLandUse"), 50);
     cboLandUse->setFocusPolicy(Qt::NoFocus);
     cboLandUse->lineEdit()->setReadOnly(true);
     txtAcreage = ShownField(fraBill, QStringLiteral("txtAcreage"), 10);
@@ -171,20 +99,9 @@ void frmREReceivePayment::buildScreen() {
     chkHFFlag->setAttribute(Qt::WA_TransparentForMouseEvents);
 
     auto* billGrid = new QGridLayout(fraBill);
-    int row = 0;
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Control #:"), fraBill), txtControl);
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Name:"), fraBill), txtName);
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Co-Owner:"), fraBill), txtCoOwner);
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Address:"), fraBill), txtAddr1);
-    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtAddr2);
+    int row = layOwnerRows(billGrid, txtCoOwner, QStringLiteral("Co-Owner:"),
+                           QStringLiteral("Address:"), QString());
     {
-        auto* cityRow = new QHBoxLayout;
-        cityRow->addWidget(txtCity, 3);
-        cityRow->addWidget(cboState, 1);
-        cityRow->addWidget(txtZipCode, 1);
-        cityRow->addWidget(txtZipCode2, 1);
-        billGrid->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraBill), row, 0);
-        billGrid->addLayout(cityRow, row++, 1);
         auto* mapRow = new QHBoxLayout;
         mapRow->addWidget(txtMap3);
         mapRow->addWidget(txtMap4);
@@ -192,9 +109,9 @@ void frmREReceivePayment::buildScreen() {
         billGrid->addWidget(new QLabel(QStringLiteral("Map #:"), fraBill), row, 0);
         billGrid->addLayout(mapRow, row++, 1);
     }
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Description:"), fraBill), txtDesc1);
-    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc2);
-    addRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc3);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Description:"), fraBill), txtDesc1);
+    AddFieldRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc2);
+    AddFieldRow(billGrid, row++, new QLabel(QString(), fraBill), txtDesc3);
     {
         auto* deedRow = new QHBoxLayout;
         deedRow->addWidget(txtDeedBook);
@@ -204,7 +121,7 @@ void frmREReceivePayment::buildScreen() {
         billGrid->addWidget(new QLabel(QStringLiteral("Deed Bk/Pg:"), fraBill), row, 0);
         billGrid->addLayout(deedRow, row++, 1);
     }
-    addRow(billGrid, row++, new QLabel(QStringLiteral("Land Use:"), fraBill), cboLandUse);
+    AddFieldRow(billGrid, row++, new QLabel(QStringLiteral("Land Use:"), fraBill), cboLandUse);
     {
         auto* assessRow = new QHBoxLayout;
         assessRow->addWidget(txtAssLand);
@@ -222,41 +139,13 @@ void frmREReceivePayment::buildScreen() {
     }
 
     // The three bodies.
-    auto bodyFrame = [this](const char* name, const QString& title, QCheckBox*& box,
-                            const char* boxName, const QString& caption, QLabel*& period,
-                            const char* periodName) {
-        auto* frame = new QGroupBox(title, this);
-        frame->setObjectName(QString::fromLatin1(name));
-        box = new QCheckBox(caption, frame);
-        box->setObjectName(QString::fromLatin1(boxName));
-        period = NamedLabel(frame, QString::fromLatin1(periodName), QString());
-        period->setStyleSheet(QStringLiteral("font-weight: bold;"));
-        return frame;
-    };
-    fraCounty = bodyFrame("fraCounty", QStringLiteral("County"), chkCounty, "chkCounty",
-                          QStringLiteral("County Payment"), lblCPeriod, "lblCPeriod");
-    fraTwp = bodyFrame("fraTwp", QStringLiteral("Twp/Boro/City"), chkTwp, "chkTwp",
-                       QStringLiteral("Twp/Boro/City Payment"), lblTPeriod, "lblTPeriod");
-    fraSchool = bodyFrame("fraSchool", QStringLiteral("School"), chkSchool, "chkSchool",
-                          QStringLiteral("School Payment"), lblSPeriod, "lblSPeriod");
-
     lblCounty = NamedLabel(fraCounty, QStringLiteral("lblCounty"), QStringLiteral("County:"));
     txtCounty = ShownField(fraCounty, QStringLiteral("txtCounty"));
     lblLibrary = NamedLabel(fraCounty, QStringLiteral("lblLibrary"), QStringLiteral("Library:"));
     txtLibrary = ShownField(fraCounty, QStringLiteral("txtLibrary"));
     lblC1Face = NamedLabel(fraCounty, QStringLiteral("lblC1Face"), QString());
     txtC1Face = ShownField(fraCounty, QStringLiteral("txtC1Face"));
-    txtCTotal = ShownField(fraCounty, QStringLiteral("txtCTotal"));
-    {
-        auto* g = new QGridLayout(fraCounty);
-        g->addWidget(chkCounty, 0, 0, 1, 2);
-        g->addWidget(lblCPeriod, 1, 0, 1, 2);
-        addRow(g, 2, lblCounty, txtCounty);
-        addRow(g, 3, lblLibrary, txtLibrary);
-        addRow(g, 4, lblC1Face, txtC1Face);
-        addRow(g, 5, new QLabel(QStringLiteral("Total:"), fraCounty), txtCTotal);
-        g->setRowStretch(6, 1);
-    }
+    layBodyFrame(0, {{lblCounty, txtCounty}, {lblLibrary, txtLibrary}, {lblC1Face, txtC1Face}});
 
     lblTwp = NamedLabel(fraTwp, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
     txtTwp = ShownField(fraTwp, QStringLiteral("txtTwp"));
@@ -265,7 +154,6 @@ void frmREReceivePayment::buildScreen() {
             NamedLabel(fraTwp, QStringLiteral("lblSpecFace(%1)").arg(i + 1), QString());
         txtSpecFace[i] = ShownField(fraTwp, QStringLiteral("txtSpecFace(%1)").arg(i + 1));
     }
-    txtTTotal = ShownField(fraTwp, QStringLiteral("txtTTotal"));
     fraStLt = new QGroupBox(QStringLiteral("Street Lights"), fraTwp);
     fraStLt->setObjectName(QStringLiteral("fraStLt"));
     optAll = new QRadioButton(QStringLiteral("All"), fraStLt);
@@ -279,22 +167,18 @@ void frmREReceivePayment::buildScreen() {
         v->addWidget(optAll);
         v->addWidget(optTwpOnly);
         v->addWidget(optStLtOnly);
-        auto* g = new QGridLayout(fraTwp);
-        g->addWidget(chkTwp, 0, 0, 1, 2);
-        g->addWidget(lblTPeriod, 1, 0, 1, 2);
-        addRow(g, 2, lblTwp, txtTwp);
-        for (int i = 0; i < 3; ++i)
-            addRow(g, 3 + i, lblSpecFace[i], txtSpecFace[i]);
-        addRow(g, 6, new QLabel(QStringLiteral("Total:"), fraTwp), txtTTotal);
-        g->addWidget(fraStLt, 7, 0, 1, 2);
-        g->setRowStretch(8, 1);
+        layBodyFrame(1,
+                     {{lblTwp, txtTwp},
+                      {lblSpecFace[0], txtSpecFace[0]},
+                      {lblSpecFace[1], txtSpecFace[1]},
+                      {lblSpecFace[2], txtSpecFace[2]}},
+                     fraStLt);
     }
 
     lblSchool = NamedLabel(fraSchool, QStringLiteral("lblSchool"), QStringLiteral("School:"));
     txtSchool = ShownField(fraSchool, QStringLiteral("txtSchool"));
     lblSch1Face = NamedLabel(fraSchool, QStringLiteral("lblSch1Face"), QString());
     txtSch1Face = ShownField(fraSchool, QStringLiteral("txtSch1Face"));
-    txtSTotal = ShownField(fraSchool, QStringLiteral("txtSTotal"));
     fraInstallments = new QGroupBox(QStringLiteral("Installment Payments"), fraSchool);
     fraInstallments->setObjectName(QStringLiteral("fraInstallments"));
     {
@@ -322,81 +206,7 @@ void frmREReceivePayment::buildScreen() {
         g->addWidget(lblInstPeriod, 3, 0);
         g->addWidget(txtPaymentDate, 3, 1, 1, 3);
     }
-    {
-        auto* g = new QGridLayout(fraSchool);
-        g->addWidget(chkSchool, 0, 0, 1, 2);
-        g->addWidget(lblSPeriod, 1, 0, 1, 2);
-        addRow(g, 2, lblSchool, txtSchool);
-        addRow(g, 3, lblSch1Face, txtSch1Face);
-        addRow(g, 4, new QLabel(QStringLiteral("Total:"), fraSchool), txtSTotal);
-        g->addWidget(fraInstallments, 5, 0, 1, 2);
-        g->setRowStretch(6, 1);
-    }
-    txtTotal = ShownField(this, QStringLiteral("txtTotal"));
-
-    // The payor and the money.
-    auto* fraPayor = new QGroupBox(QStringLiteral("Payment"), this);
-    fraPayor->setObjectName(QStringLiteral("fraPayor"));
-    txtPayor = NamedField(fraPayor, QStringLiteral("txtPayor"), 50);
-    txtPayor->setToolTip(QStringLiteral("Enter Payor or \"O\" for Owner"));
-    txtPAddr1 = NamedField(fraPayor, QStringLiteral("txtPAddr1"), 50);
-    txtPAddr2 = NamedField(fraPayor, QStringLiteral("txtPAddr2"), 50);
-    txtPCity = NamedField(fraPayor, QStringLiteral("txtPCity"), 25);
-    cboPState = newCombo(fraPayor, QStringLiteral("cboPState"), 2);
-    txtPZipCode = NamedField(fraPayor, QStringLiteral("txtPZipCode"), 5);
-    txtPZipCode2 = NamedField(fraPayor, QStringLiteral("txtPZipCode2"), 4);
-    txtChecknum = NamedField(fraPayor, QStringLiteral("txtChecknum"), 80);
-    txtChecknum->setToolTip(QStringLiteral("Enter Check # or \"C\" for Cash"));
-    txtAmount = NamedField(fraPayor, QStringLiteral("txtAmount"), 20);
-    chkPrintReceipt = new QCheckBox(QStringLiteral("Print A Receipt"), fraPayor);
-    chkPrintReceipt->setObjectName(QStringLiteral("chkPrintReceipt"));
-    chkPrintReceipt->setChecked(true);
-    {
-        auto* g = new QGridLayout(fraPayor);
-        int r = 0;
-        addRow(g, r++, new QLabel(QStringLiteral("Payor:"), fraPayor), txtPayor);
-        addRow(g, r++, new QLabel(QStringLiteral("Address:"), fraPayor), txtPAddr1);
-        addRow(g, r++, new QLabel(QString(), fraPayor), txtPAddr2);
-        auto* cityRow = new QHBoxLayout;
-        cityRow->addWidget(txtPCity, 3);
-        cityRow->addWidget(cboPState, 1);
-        cityRow->addWidget(txtPZipCode, 1);
-        cityRow->addWidget(txtPZipCode2, 1);
-        g->addWidget(new QLabel(QStringLiteral("City/St/Zip:"), fraPayor), r, 0);
-        g->addLayout(cityRow, r++, 1);
-        addRow(g, r++, new QLabel(QStringLiteral("Check #:"), fraPayor), txtChecknum);
-        addRow(g, r++, new QLabel(QStringLiteral("Amount:"), fraPayor), txtAmount);
-        addRow(g, r++, new QLabel(QStringLiteral("Total:"), fraPayor), txtTotal);
-        g->addWidget(chkPrintReceipt, r++, 1);
-    }
-
-    // Buttons.
-    cmdAccept = newButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&Accept"));
-    cmdClearScreen =
-        newButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"));
-    cmdQuery = newButton(this, QStringLiteral("cmdQuery"), QStringLiteral("&Query"));
-    cmdPaymentInfo =
-        newButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"));
-    cmdPrevPayor =
-        newButton(this, QStringLiteral("cmdPrevPayor"), QStringLiteral("Previous Pa&yor Info"));
-    cmdPrevComments =
-        newButton(this, QStringLiteral("cmdPrevComments"), QStringLiteral("Previous &Check #"));
-    cmdPrintScreen =
-        newButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"));
-    cmdExit = newButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"));
-    // These act without validating the field being left.
-    for (QPushButton* b : {cmdClearScreen, cmdQuery, cmdExit})
-        b->setFocusPolicy(Qt::NoFocus);
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdClearScreen, cmdPaymentInfo, cmdPrevPayor, cmdPrevComments,
-                           cmdQuery, cmdPrintScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-
+    layBodyFrame(2, {{lblSchool, txtSchool}, {lblSch1Face, txtSch1Face}}, fraInstallments);
     auto* bodies = new QHBoxLayout;
     bodies->addWidget(fraCounty);
     bodies->addWidget(fraTwp);
@@ -422,28 +232,6 @@ void frmREReceivePayment::buildScreen() {
     for (size_t i = 1; i < std::size(order); ++i)
         setTabOrder(order[i - 1], order[i]);
 
-    // Field-leave actions run on focus-out; the buttons learn of a refused leave.
-    for (QWidget* w : {txtBillNo, txtDate, txtPayor, txtChecknum, txtAmount})
-        w->installEventFilter(this);
-    for (QAbstractButton* b : findChildren<QAbstractButton*>())
-        b->installEventFilter(this);
-
-    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
-        // Upper case as typed. A "*" never stays: typed alone into the empty field it is the
-        // scanner's call for the scan screen, which has no screen of its own yet.
-        const QString fixed = text.toUpper().remove(QLatin1Char('*'));
-        if (fixed == text)
-            return;
-        const int cursor = txtBillNo->cursorPosition();
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(fixed);
-        txtBillNo->setCursorPosition(std::min<int>(cursor, int(fixed.size())));
-    });
-    connect(cmdDate, &QPushButton::clicked, this, [this] {
-        txtDate->setEnabled(true);
-        txtDate->setFocus(Qt::OtherFocusReason);
-        txtDate->selectAll();
-    });
     for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
         connect(box, &QCheckBox::clicked, this, [this] { bodyTicked(); });
     const auto boxes = payBoxes();
@@ -456,12 +244,13 @@ void frmREReceivePayment::buildScreen() {
             [this] { streetLightChosen(StreetLightChoice::TwpOnly); });
     connect(optStLtOnly, &QRadioButton::clicked, this,
             [this] { streetLightChosen(StreetLightChoice::StreetLightOnly); });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
-    connect(cmdPrevPayor, &QPushButton::clicked, this, [this] { previousPayor(); });
-    connect(cmdPrevComments, &QPushButton::clicked, this, [this] { previousCheck(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] {
+        showPaymentInfo([this] {
+            return RealEstatePaymentInfoText(
+                m_flags, m_btFlag,
+                ReadRealEstatePaidReceipts(session().DbConnection, m_bill.text("BillNo")));
+        });
+    });
     connect(cmdQuery, &QPushButton::clicked, this, [] {
         ShowScreenNamed(QStringLiteral("frmREQueryTC"),
                         [] { return static_cast<QWidget*>(new frmREQueryTC); });
@@ -469,32 +258,8 @@ void frmREReceivePayment::buildScreen() {
 }
 
 void frmREReceivePayment::loadRates() {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        m_district = TextField(q.value(0));
-        m_ward = TextField(q.value(1));
-    }
-    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
-        m_countyRow = q.record();
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(m_district + m_ward);
-    if (q.exec() && q.next())
-        m_municipalRow = q.record();
-    m_calendar = PaymentCalendarFromMillfile(m_municipalRow);
-
-    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    q.addBindValue(m_district);
-    q.addBindValue(m_ward);
-    if (q.exec() && q.next())
-        m_btFlag = TextField(q.value(0)).trimmed();
-    if (m_btFlag == QLatin1String("B"))
-        lblTwp->setText(QStringLiteral("Borough:"));
-    else if (m_btFlag == QLatin1String("C"))
-        lblTwp->setText(QStringLiteral("City:"));
-    else
-        lblTwp->setText(QStringLiteral("Township:"));
-
+    loadOffice(lblTwp);
+    QSqlQuery q(session().DbConnection);
     auto rate = [](const QSqlRecord& row, const char* column) {
         return row.value(column).toDouble();
     };
@@ -533,16 +298,11 @@ void frmREReceivePayment::loadRates() {
     for (int i = 0; i < 3; ++i)
         show(i < special, lblSpecFace[i], txtSpecFace[i]);
 
-    m_countyBlock = countyMill != 0 || countySpecialMill != 0 || libraryMill != 0;
-    m_twpBlock = twpMill != 0;
-    m_schoolBlock = schoolMill != 0 || !schoolSpecial.isEmpty();
-    fraCounty->setVisible(m_countyBlock);
-    fraTwp->setVisible(m_twpBlock);
-    fraSchool->setVisible(m_schoolBlock);
-
-    if (q.exec(QStringLiteral("SELECT State FROM tbl_States")))
-        while (q.next())
-            cboPState->addItem(TextField(q.value(0)));
+    m_block = {countyMill != 0 || countySpecialMill != 0 || libraryMill != 0, twpMill != 0,
+               schoolMill != 0 || !schoolSpecial.isEmpty()};
+    fraCounty->setVisible(m_block[0]);
+    fraTwp->setVisible(m_block[1]);
+    fraSchool->setVisible(m_block[2]);
 
     q.prepare(QStringLiteral("SELECT Value FROM tbl_Settings WHERE Name = ?"));
     q.addBindValue(QString::fromLatin1(ClaimPhoneSetting));
@@ -550,110 +310,13 @@ void frmREReceivePayment::loadRates() {
         m_claimPhone = TextField(q.value(0)).trimmed();
     if (m_claimPhone.isEmpty())
         m_claimPhone = QString::fromLatin1(ClaimPhoneFallback);
-
-    m_credited = Clock::today();
-    txtDate->setText(FormatDate(m_credited));
-    m_periods = PeriodsForDate(m_calendar, m_credited);
-}
-
-void frmREReceivePayment::applyDefaultTicks() {
-    chkCounty->setChecked(m_countyBlock);
-    chkTwp->setChecked(m_twpBlock);
-    chkSchool->setChecked(m_schoolBlock);
-    for (QCheckBox* box : payBoxes())
-        box->setChecked(false);
-}
-
-void frmREReceivePayment::lockEntryFields() {
-    for (QWidget* w : std::initializer_list<QWidget*>{
-             txtDate,        cmdDate,      chkCounty,      chkTwp,      chkSchool, chkPay1,
-             chkPay2,        chkPay3,      txtPayor,       txtPAddr1,   txtPAddr2, txtPCity,
-             cboPState,      txtPZipCode,  txtPZipCode2,   txtChecknum, txtAmount, cmdAccept,
-             cmdPaymentInfo, cmdPrevPayor, cmdPrevComments})
-        w->setEnabled(false);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Field leave
-// ---------------------------------------------------------------------------------------------
-
-bool frmREReceivePayment::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    // The amount offered is selected on entry, so what is typed replaces it.
-    if (event->type() == QEvent::FocusIn && watched == txtAmount &&
-        static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason) {
-        txtAmount->selectAll();
-        return QWidget::eventFilter(watched, event);
-    }
-    // Another window taking the focus is no leave of the field.
-    if (!IsFieldLeave(event) || m_clearing || m_inLeave)
-        return QWidget::eventFilter(watched, event);
-
-    QPointer<QWidget> target = QApplication::focusWidget();
-    m_inLeave = true;
-    // A click does not act when the field it left was refused: the message box took it.
-    bool refused = false;
-    if (watched == txtBillNo) {
-        billNoLeft();
-    } else if (watched == txtDate) {
-        refused = !dateLeft();
-    } else if (watched == txtPayor) {
-        payorLeft();
-    } else if (watched == txtChecknum) {
-        checknumLeft();
-    } else if (watched == txtAmount) {
-        refused = !amountLeft();
-    }
-    m_inLeave = false;
-
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
-}
-
-void frmREReceivePayment::enterBillNo(const QString& billNo) {
-    if (!txtBillNo->isEnabled())
-        return;
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    billNoLeft();
-    m_inLeave = false;
-}
-
-void frmREReceivePayment::openFromQuery(const QString& billNo) {
-    clearScreen();
-    txtBillNo->setEnabled(true);
-    txtBillNo->setText(billNo);
-    m_inLeave = true;
-    billNoLeft();
-    m_inLeave = false;
-    // The number stays locked: the screen works on the bill the query gave.
-    txtBillNo->setEnabled(false);
 }
 
 void frmREReceivePayment::billNoLeft() {
-    if (txtBillNo->text().trimmed().isEmpty())
+    std::optional<BillNow> bill = readBill(Duplicate::RealEstate);
+    if (!bill)
         return;
-    const QString billNo = PadBillNo(txtBillNo->text());
-    {
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(billNo);
-    }
-    BillNow bill = ReadBillAsItStands(session().DbConnection, Duplicate::RealEstate, billNo);
-    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
-        MsgBox(QStringLiteral("Bill Number Not On File"), QString::fromLatin1(ReceivePaymentTitle),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-        txtBillNo->selectAll();
-        return;
-    }
-    if (!CheckBillIntegrity(bill)) {
-        clearScreen();
-        return;
-    }
-
-    m_bill = std::move(bill);
+    m_bill = std::move(*bill);
     m_billLoaded = true;
     m_lines = BillLinesFromRecord(m_bill.bill);
     m_flags = BillPayFlagsFromRecord(m_bill.bill);
@@ -661,65 +324,26 @@ void frmREReceivePayment::billNoLeft() {
     showBill();
 
     session().PaymentInfoText = RealEstatePaymentInfoText(
-        m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, billNo));
+        m_flags, m_btFlag,
+        ReadRealEstatePaidReceipts(session().DbConnection, m_bill.text("BillNo")));
     lblPaymentReceived->setVisible(!session().PaymentInfoText.isEmpty());
 
-    // Nothing can be taken on a bill whose every part shown is exonerated or settled. An
-    // exonerated part counts as settled, so the exoneration is told first.
     const TaxBody bodies[3] = {TaxBody::County, TaxBody::Twp, TaxBody::School};
-    const QString flags[3] = {m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
-    bool anyVisible = false;
-    bool allExonerated = true;
-    bool allSettled = true;
-    for (int b = 0; b < 3; ++b) {
-        if (!blockVisible(bodies[b]))
-            continue;
-        anyVisible = true;
-        if (flags[b].trimmed() != QLatin1String("X"))
-            allExonerated = false;
-        if (!bodySettled(bodies[b]))
-            allSettled = false;
-    }
-    if (anyVisible && allExonerated) {
-        MsgBox(QStringLiteral("This tax bill has been exonerated. You cannot receive a payment "
-                              "on this account."),
-               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
+    std::array<bool, 3> settled{};
+    for (int b = 0; b < 3; ++b)
+        settled[b] = bodySettled(bodies[b]);
+    if (refuseSettledBill({m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag}, settled))
         return;
-    }
-    if (anyVisible && allSettled) {
-        txtAmount->clear();
-        MsgBox(QStringLiteral("This Account has already been paid in full. You cannot receive a "
-                              "payment on this account."),
-               QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
-        return;
-    }
     if (m_bill.text("TaxClaimFlag").trimmed() == QLatin1String("Y"))
         MsgBox(QStringLiteral("There may be outstanding delinquent taxes due on this account. "
                               "Please contact the Tax Claim Bureau at ") +
                    m_claimPhone + QLatin1Char('.'),
                QString::fromLatin1(ReceiveAPaymentTitle), MsgButtons::Ok, MsgIcon::Exclamation);
 
-    txtBillNo->setEnabled(false);
-    cmdAccept->setEnabled(true);
-    cmdPaymentInfo->setEnabled(true);
-    cmdDate->setEnabled(true);
-    cmdPrevPayor->setEnabled(true);
-    cmdPrevComments->setEnabled(true);
-
-    // A body settled or with nothing to pay is closed to payment.
-    QCheckBox* boxes[3] = {chkCounty, chkTwp, chkSchool};
-    for (int b = 0; b < 3; ++b) {
-        const bool closed = bodySettled(bodies[b]) || bodyZero(bodies[b]);
-        boxes[b]->setEnabled(!closed && blockVisible(bodies[b]));
-        if (closed)
-            boxes[b]->setChecked(false);
-    }
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{txtPayor, txtPAddr1, txtPAddr2, txtPCity, cboPState,
-                                         txtPZipCode, txtPZipCode2, txtChecknum, txtAmount})
-        w->setEnabled(true);
+    std::array<bool, 3> closed{};
+    for (int b = 0; b < 3; ++b)
+        closed[b] = settled[b] || bodyZero(bodies[b]);
+    openForPayment(closed);
 
     // District 39: what was paid of the split municipal part decides what is left to choose.
     m_streetLight = StreetLightChoice::All;
@@ -744,16 +368,8 @@ void frmREReceivePayment::billNoLeft() {
 
 void frmREReceivePayment::showBill() {
     const BillNow& b = m_bill;
-    txtAdjNo->setText(b.adjNo > 0 ? QString::number(b.adjNo) : QString());
-    txtControl->setText(b.text("Control"));
-    txtName->setText(b.text("Name"));
+    showBillOwner();
     txtCoOwner->setText(b.text("CoOwner"));
-    txtAddr1->setText(b.text("Addr1"));
-    txtAddr2->setText(b.text("Addr2"));
-    txtCity->setText(b.text("City"));
-    cboState->setEditText(b.text("State"));
-    txtZipCode->setText(b.text("ZipCode"));
-    txtZipCode2->setText(b.text("ZipCode2"));
     txtMap3->setText(b.text("Map3"));
     txtMap4->setText(b.text("Map4"));
     txtMap5->setText(b.text("Map5"));
@@ -773,107 +389,12 @@ void frmREReceivePayment::showBill() {
     txtHSExclusion->setText(moneyText(b.money("HSExclusion")));
     txtFSExclusion->setText(moneyText(b.money("FSExclusion")));
     txtExcFace->setText(moneyText(b.money("ExcFace")));
-    lblAdjustment->setVisible(b.text("AdjFlag").trimmed() == QLatin1String("A"));
-    lblAddressChange->setVisible(b.text("CAddrFlag").trimmed() == QLatin1String("A"));
     fraInstallments->setVisible(m_billInstallments.offered());
-}
-
-bool frmREReceivePayment::validateDate(bool showMessage) {
-    const std::optional<QDate> date = ParseTypedDate(txtDate->text());
-    if (!date) {
-        if (showMessage)
-            MsgBox(QStringLiteral("Invalid Date Received"), QStringLiteral("Enter Date Received"),
-                   MsgButtons::Ok, MsgIcon::Exclamation);
-        txtDate->setEnabled(true);
-        txtDate->setFocus(Qt::OtherFocusReason);
-        txtDate->selectAll();
-        return false;
-    }
-    m_credited = *date;
-    txtDate->setText(FormatDate(*date));
-    m_validDate = txtDate->text();
-    return true;
-}
-
-bool frmREReceivePayment::dateLeft() {
-    if (!validateDate(true))
-        return false;
-    m_periods = PeriodsForDate(m_calendar, m_credited);
-    refreshAmounts();
-    txtDate->setEnabled(false);
-    return true;
-}
-
-void frmREReceivePayment::payorLeft() {
-    if (txtPayor->text().trimmed().toUpper() == QLatin1String("O")) {
-        // The owner as the screen shows the bill now, address changes included.
-        txtPayor->setText(txtName->text());
-        txtPAddr1->setText(txtAddr1->text());
-        txtPAddr2->setText(txtAddr2->text());
-        txtPCity->setText(txtCity->text());
-        cboPState->setEditText(cboState->currentText());
-        txtPZipCode->setText(txtZipCode->text());
-        txtPZipCode2->setText(txtZipCode2->text());
-        txtChecknum->setFocus(Qt::OtherFocusReason);
-    }
-    m_validPayor = txtPayor->text();
-}
-
-bool frmREReceivePayment::validateChecknum() {
-    const QString typed = txtChecknum->text().trimmed().toUpper();
-    if (typed == QLatin1String("C"))
-        txtChecknum->setText(QStringLiteral("CASH"));
-    else if (typed == QLatin1String("CH"))
-        txtChecknum->setText(QStringLiteral("CHECK # "));
-    else if (typed == QLatin1String("MO"))
-        txtChecknum->setText(QStringLiteral("MONEY ORDER "));
-    m_validCheck = txtChecknum->text();
-    return true;
-}
-
-void frmREReceivePayment::checknumLeft() {
-    validateChecknum();
-}
-
-bool frmREReceivePayment::validateAmount() {
-    const std::optional<Money> amount = Money::parse(txtAmount->text());
-    QString problem;
-    if (!amount)
-        problem = QStringLiteral("Invalid Payment Amount");
-    else if (*amount < Money())
-        problem = QStringLiteral("Payment Amount Must Be Greater Than Zero");
-    if (!problem.isEmpty()) {
-        MsgBox(problem, QStringLiteral("Enter Payment Amount"), MsgButtons::Ok,
-               MsgIcon::Exclamation);
-        txtAmount->setFocus(Qt::OtherFocusReason);
-        txtAmount->selectAll();
-        return false;
-    }
-    // Zero passes: a bill of nothing can so be marked paid.
-    txtAmount->setText(moneyText(*amount));
-    m_validAmount = txtAmount->text();
-    return true;
-}
-
-bool frmREReceivePayment::amountLeft() {
-    return validateAmount();
 }
 
 // ---------------------------------------------------------------------------------------------
 // Amounts, ticks and installments
 // ---------------------------------------------------------------------------------------------
-
-bool frmREReceivePayment::blockVisible(TaxBody body) const {
-    switch (body) {
-    case TaxBody::County:
-        return m_countyBlock;
-    case TaxBody::Twp:
-        return m_twpBlock;
-    case TaxBody::School:
-        return m_schoolBlock;
-    }
-    return false;
-}
 
 bool frmREReceivePayment::bodySettled(TaxBody body) const {
     switch (body) {
@@ -904,11 +425,8 @@ bool frmREReceivePayment::bodyZero(TaxBody body) const {
     return sum.isZero();
 }
 
-PaymentSelection frmREReceivePayment::selection() const {
-    PaymentSelection s;
-    s.county = chkCounty->isChecked();
-    s.twp = chkTwp->isChecked();
-    s.school = chkSchool->isChecked();
+PaymentSelection frmREReceivePayment::installmentSelection() const {
+    PaymentSelection s = selection();
     s.installment = {chkPay1->isChecked(), chkPay2->isChecked(), chkPay3->isChecked()};
     return s;
 }
@@ -963,7 +481,7 @@ void frmREReceivePayment::refreshAmounts(bool offer) {
     updateDetailFields();
     if (!offer)
         return;
-    const AmountOffer o = AmountOffered(selection(), m_flags.cPayFlag, m_flags.tPayFlag,
+    const AmountOffer o = AmountOffered(installmentSelection(), m_flags.cPayFlag, m_flags.tPayFlag,
                                         m_flags.sPayFlag, m_amounts, m_installments);
     const auto boxes = payBoxes();
     for (int n = 0; n < 3; ++n)
@@ -1018,85 +536,13 @@ void frmREReceivePayment::streetLightChosen(StreetLightChoice choice) {
 // Accept
 // ---------------------------------------------------------------------------------------------
 
-void frmREReceivePayment::accept() {
-    if (!m_billLoaded)
-        return;
-    // The focus moves about while the payment is checked; no field-leave action runs meanwhile.
-    m_inLeave = true;
-    acceptPayment();
-    m_inLeave = false;
-}
-
 void frmREReceivePayment::acceptPayment() {
-    const QString title = QString::fromLatin1(ReceivePaymentTitle);
-
-    // 1. Something must be paid.
-    if (!chkCounty->isChecked() && !chkTwp->isChecked() && !chkSchool->isChecked()) {
-        MsgBox(QStringLiteral("County, Twp/Boro/City and/or School Payment must be checked"), title,
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
-            if (box->isEnabled()) {
-                box->setFocus(Qt::OtherFocusReason);
-                break;
-            }
+    // 1 to 6, then 7: the amount against the total due.
+    const PaymentSelection sel = installmentSelection();
+    const std::optional<PaymentCheck> check =
+        checkAccept([&] { return TotalDue(sel, m_amounts, m_installments); });
+    if (!check)
         return;
-    }
-    // 2 to 5. A field is checked again when blank or changed since it last passed.
-    auto stale = [](QLineEdit* field, const QString& valid) {
-        return field->text().trimmed().isEmpty() || field->text() != valid;
-    };
-    if (stale(txtDate, m_validDate)) {
-        if (!validateDate(true))
-            return;
-        m_periods = PeriodsForDate(m_calendar, m_credited);
-        refreshAmounts(false);
-    }
-    if (txtPayor->text().trimmed().isEmpty()) {
-        MsgBox(QStringLiteral("Payor Must Be Specified"), QStringLiteral("Enter Payor"),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtPayor->setFocus(Qt::OtherFocusReason);
-        return;
-    }
-    if (stale(txtPayor, m_validPayor)) {
-        if (txtPayor->text().trimmed().toUpper() == QLatin1String("O"))
-            txtPayor->setText(txtName->text());
-        m_validPayor = txtPayor->text();
-    }
-    if (txtChecknum->text().trimmed().isEmpty()) {
-        MsgBox(QStringLiteral("Check Number/Cash Must Be Specified"),
-               QStringLiteral("Enter Check Number"), MsgButtons::Ok, MsgIcon::Exclamation);
-        txtChecknum->setFocus(Qt::OtherFocusReason);
-        return;
-    }
-    if (stale(txtChecknum, m_validCheck))
-        validateChecknum();
-    if (stale(txtAmount, m_validAmount) && !validateAmount())
-        return;
-    const Money amount = Money::parse(txtAmount->text()).value_or(Money());
-
-    // 6. The collector confirms.
-    if (MsgBox(QStringLiteral("Are you sure you want to receive this payment?"), title,
-               MsgButtons::YesNo, MsgIcon::Question) != MsgAnswer::Yes) {
-        MsgBox(QStringLiteral("Payment NOT received."), title);
-        return;
-    }
-
-    // 7. The amount against the total due.
-    const PaymentSelection sel = selection();
-    const PaymentCheck check = CheckPaymentAgainstTotal(
-        amount, TotalDue(sel, m_amounts, m_installments), m_calendar.tolerance);
-    if (check.kind == PaymentCheck::Kind::Refused) {
-        MsgBox(check.text, check.title, MsgButtons::Ok, MsgIcon::Exclamation);
-        txtAmount->setFocus(Qt::OtherFocusReason);
-        txtAmount->selectAll();
-        return;
-    }
-    if (check.asks() &&
-        MsgBox(check.text, check.title, MsgButtons::YesNo, MsgIcon::Question) != MsgAnswer::Yes) {
-        MsgBox(QString::fromLatin1(PaymentNotAppliedText), title);
-        txtAmount->setFocus(Qt::OtherFocusReason);
-        return;
-    }
 
     // 8. What the receipt holds, then 9 to 11, the writes.
     PaymentChoice choice;
@@ -1110,146 +556,44 @@ void frmREReceivePayment::acceptPayment() {
     RealEstatePosting posting = BuildRealEstatePosting(m_bill, choice, m_amounts, m_installments);
     RealEstateReceipt& r = posting.receipt;
     r.rdate = m_credited;
-    r.overage = check.overage;
-    r.refund = check.refund;
-    r.payor = txtPayor->text();
-    r.pAddr1 = txtPAddr1->text();
-    r.pAddr2 = txtPAddr2->text();
-    r.pCity = txtPCity->text();
-    r.pState = cboPState->currentText();
-    r.pZipCode = txtPZipCode->text();
-    r.pZipCode2 = txtPZipCode2->text();
-    r.checknum = txtChecknum->text();
-
-    const PostingResult posted =
-        PostRealEstatePayment(session().DbConnection, posting, Clock::today());
-    if (!posted.ok) {
-        MsgBox(QStringLiteral("The payment could not be saved: ") + posted.error, title,
-               MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    m_previous = {r.payor,  r.pAddr1,   r.pAddr2,    r.pCity,
-                  r.pState, r.pZipCode, r.pZipCode2, r.checknum};
-
-    // 12. The receipt.
-    if (chkPrintReceipt->isChecked())
-        printReceipt(posted.recnum);
-    // 13. Money to go back.
-    if (check.refund > Money()) {
-        session().RefundRecnum = posted.recnum;
-        session().RefundAmount = check.refund;
-        openRefund();
-    }
-    // 14. A query screen that opened this one refreshes.
-    Q_EMIT paymentReceived(posted.recnum);
-
-    // 15.
-    MsgBox(QStringLiteral("Payment Received"), title, MsgButtons::Ok, MsgIcon::Information);
-    clearScreen();
-    txtBillNo->setFocus(Qt::OtherFocusReason);
+    r.overage = check->overage;
+    r.refund = check->refund;
+    SetReceiptPayor(r, m_entry->payorEntry());
+    // 12 to 15: the receipt, the refund screen, a query that opened this one, "Payment
+    // Received".
+    finishPayment(
+        PostRealEstatePayment(session().DbConnection, posting, Clock::today()), *check,
+        [this](const QString& recnum) {
+            // The payor, owner and parcel are read from this screen's fields.
+            AskAndPrintREReceipt(this, recnum, session().DbConnection);
+        },
+        [this](RefundSource source) {
+            source.map3 = txtMap3->text();
+            source.map4 = txtMap4->text();
+            source.map5 = txtMap5->text();
+            auto* refund = new frmRERefund(source);
+            if (ScreenHost* main = screenHost()) {
+                main->showScreen(refund, true);
+            } else {
+                refund->exec();
+                delete refund;
+            }
+        });
 }
 
-void frmREReceivePayment::printReceipt(const QString& recnum) {
-    // The copies question, the receipt printer and the receipt itself; the payor, owner and
-    // parcel are read from this screen's fields.
-    AskAndPrintREReceipt(this, recnum, session().DbConnection);
-}
-
-void frmREReceivePayment::openRefund() {
-    RefundSource source;
-    source.control = txtControl->text();
-    source.map3 = txtMap3->text();
-    source.map4 = txtMap4->text();
-    source.map5 = txtMap5->text();
-    source.billNo = txtBillNo->text();
-    source.adjNo = txtAdjNo->text();
-    source.payor = {txtPayor->text(),    txtPAddr1->text(),        txtPAddr2->text(),
-                    txtPCity->text(),    cboPState->currentText(), txtPZipCode->text(),
-                    txtPZipCode2->text()};
-    source.owner = {txtName->text(),    txtAddr1->text(),        txtAddr2->text(),
-                    txtCity->text(),    cboState->currentText(), txtZipCode->text(),
-                    txtZipCode2->text()};
-    auto* refund = new frmRERefund(source);
-    if (ScreenHost* main = screenHost()) {
-        main->showScreen(refund, true);
-    } else {
-        refund->exec();
-        delete refund;
-    }
-}
-
-void frmREReceivePayment::showPaymentInfo() {
-    if (m_billLoaded)
-        session().PaymentInfoText = RealEstatePaymentInfoText(
-            m_flags, m_btFlag,
-            ReadRealEstatePaidReceipts(session().DbConnection, m_bill.text("BillNo")));
-    if (session().PaymentInfoText.isEmpty())
-        MsgBox(QString::fromLatin1(NoPaymentsText), QString::fromLatin1(NoPaymentsTitle));
-    else
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
-}
-
-void frmREReceivePayment::clearScreen() {
-    m_clearing = true;
-    m_billLoaded = false;
-    m_bill = BillNow();
+void frmREReceivePayment::clearOwnState() {
     m_lines = BillLines();
-    m_flags = BillPayFlags();
     m_billInstallments = Installments();
     m_installments = InstallmentView();
     m_streetLight = StreetLightChoice::All;
-
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        // The date credited stays for the next bill; the combo boxes' own editors are cleared
-        // with their boxes.
-        if (field == txtDate || qobject_cast<QComboBox*>(field->parentWidget()))
-            continue;
-        const QSignalBlocker block(field);
-        field->clear();
-        field->setStyleSheet(QString());
-    }
-    cboState->setEditText(QString());
     cboLandUse->setEditText(QString());
-    cboPState->setEditText(QString());
-    cboPState->setCurrentIndex(-1);
     chkHFFlag->setChecked(false);
     lblInstPeriod->clear();
     fraStLt->hide();
     fraInstallments->hide();
-    lblAdjustment->hide();
-    lblAddressChange->hide();
-    lblPaymentReceived->hide();
     optAll->setChecked(true);
     for (QRadioButton* opt : {optAll, optTwpOnly, optStLtOnly})
         opt->setEnabled(true);
-    applyDefaultTicks();
-    lockEntryFields();
-    updateDetailFields();
-    m_validDate.clear();
-    m_validPayor.clear();
-    m_validCheck.clear();
-    m_validAmount.clear();
-    // A date typed and not yet taken goes back to the one in force.
-    txtDate->setText(FormatDate(m_credited));
-    refreshAmounts();
-
-    const bool fromQuery = session().QueryOpenedScreen.contains(objectName());
-    txtBillNo->setEnabled(!fromQuery);
-    if (!fromQuery)
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
-}
-
-void frmREReceivePayment::previousPayor() {
-    txtPayor->setText(m_previous.payor);
-    txtPAddr1->setText(m_previous.addr1);
-    txtPAddr2->setText(m_previous.addr2);
-    txtPCity->setText(m_previous.city);
-    cboPState->setEditText(m_previous.state);
-    txtPZipCode->setText(m_previous.zipCode);
-    txtPZipCode2->setText(m_previous.zipCode2);
-}
-
-void frmREReceivePayment::previousCheck() {
-    txtChecknum->setText(m_previous.checknum);
+    for (QCheckBox* box : payBoxes())
+        box->setChecked(false);
 }

@@ -34,14 +34,23 @@ std::optional<Money> typedAmount(const QString& text) {
 } // namespace
 
 frmRERefund::frmRERefund(const RefundSource& source, QWidget* parent)
-    : QDialog(parent), m_source(source) {
-    setObjectName(QStringLiteral("frmRERefund"));
-    setWindowTitle(QStringLiteral("Real Estate Refunds"));
+    : RefundDialog(source,
+                   {QStringLiteral("frmRERefund"), QStringLiteral("Real Estate Refunds"),
+                    &RealEstateDesk(), false},
+                   parent) {}
+
+RefundDialog::RefundDialog(const RefundSource& source, const RefundKind& kind, QWidget* parent)
+    : QDialog(parent), m_source(source), m_kind(kind) {
+    setObjectName(kind.objectName);
+    setWindowTitle(kind.title);
+    const bool hasMap = kind.tables->hasMap;
 
     txtControl = ShownField(this, "txtControl", 6);
-    txtMap3 = ShownField(this, "txtMap3", 8);
-    txtMap4 = ShownField(this, "txtMap4", 6);
-    txtMap5 = ShownField(this, "txtMap5", 9);
+    if (hasMap) {
+        txtMap3 = ShownField(this, "txtMap3", 8);
+        txtMap4 = ShownField(this, "txtMap4", 6);
+        txtMap5 = ShownField(this, "txtMap5", 9);
+    }
     txtBillNo = ShownField(this, "txtBillNo", 5);
     txtAdjNo = ShownField(this, "txtAdjNo", 2);
     txtRecnum = ShownField(this, "txtRecnum", 12);
@@ -78,7 +87,8 @@ frmRERefund::frmRERefund(const RefundSource& source, QWidget* parent)
         grid->addLayout(line, row++, 1);
     };
     addLine(QStringLiteral("Control #/Bill #/Adj #:"), {txtControl, txtBillNo, txtAdjNo});
-    addLine(QStringLiteral("Map #:"), {txtMap3, txtMap4, txtMap5});
+    if (hasMap)
+        addLine(QStringLiteral("Map #:"), {txtMap3, txtMap4, txtMap5});
     add(QStringLiteral("Receipt #:"), txtRecnum);
     add(QStringLiteral("Payee:"), txtName);
     add(QStringLiteral("Address:"), txtAddr1);
@@ -119,9 +129,11 @@ frmRERefund::frmRERefund(const RefundSource& source, QWidget* parent)
         while (q.next())
             cboState->addItem(q.value(0).toString());
     txtControl->setText(source.control);
-    txtMap3->setText(source.map3);
-    txtMap4->setText(source.map4);
-    txtMap5->setText(source.map5);
+    if (hasMap) {
+        txtMap3->setText(source.map3);
+        txtMap4->setText(source.map4);
+        txtMap5->setText(source.map5);
+    }
     txtBillNo->setText(source.billNo);
     txtAdjNo->setText(source.adjNo.trimmed().isEmpty() ? QStringLiteral("0") : source.adjNo);
     txtRecnum->setText(session().RefundRecnum);
@@ -131,7 +143,7 @@ frmRERefund::frmRERefund(const RefundSource& source, QWidget* parent)
     showPayee(source.payor);
 }
 
-void frmRERefund::showPayee(const RefundPayee& payee) {
+void RefundDialog::showPayee(const RefundPayee& payee) {
     txtName->setText(payee.name);
     txtAddr1->setText(payee.addr1);
     txtAddr2->setText(payee.addr2);
@@ -141,7 +153,7 @@ void frmRERefund::showPayee(const RefundPayee& payee) {
     txtZipCode2->setText(payee.zipCode2);
 }
 
-bool frmRERefund::eventFilter(QObject* watched, QEvent* event) {
+bool RefundDialog::eventFilter(QObject* watched, QEvent* event) {
     if (watched == txtRefund && event->type() == QEvent::FocusOut) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
@@ -151,7 +163,7 @@ bool frmRERefund::eventFilter(QObject* watched, QEvent* event) {
     return QDialog::eventFilter(watched, event);
 }
 
-void frmRERefund::applyRefund() {
+void RefundDialog::applyRefund() {
     const QString amountTitle = QStringLiteral("Enter Refund Amount");
     const std::optional<Money> amount = typedAmount(txtRefund->text());
     QString problem;
@@ -174,7 +186,7 @@ void frmRERefund::applyRefund() {
         return;
     }
 
-    RealEstateRefund row;
+    RefundRecord row;
     row.control = m_source.control;
     row.billNo = m_source.billNo;
     row.adjNo = txtAdjNo->text().trimmed().toInt();
@@ -195,7 +207,7 @@ void frmRERefund::applyRefund() {
     row.disbNum = session().TaxYear + QStringLiteral("00");
     row.rdate = Clock::today();
     QString error;
-    if (!AddRealEstateRefund(session().DbConnection, row, &error)) {
+    if (!AddRefund(session().DbConnection, *m_kind.tables, row, &error)) {
         MsgBox(QStringLiteral("The refund could not be saved: ") + error,
                QStringLiteral("Apply Refund"), MsgButtons::Ok, MsgIcon::Critical);
         return;
@@ -206,6 +218,10 @@ void frmRERefund::applyRefund() {
     txtRefundLeft->setText(m_left.format(MoneyPattern));
 
     if (!m_left.isZero()) {
+        if (m_kind.tellWhatIsLeft)
+            MsgBox(QStringLiteral("There is still ") + m_left.format(MoneyPattern) +
+                       QStringLiteral(" left to refund. Please continue."),
+                   QStringLiteral("Apply Refund"), MsgButtons::Ok, MsgIcon::Information);
         // The next payee.
         txtRefund->clear();
         showPayee({});
@@ -219,12 +235,12 @@ void frmRERefund::applyRefund() {
     CloseScreen(this);
 }
 
-void frmRERefund::reject() {
+void RefundDialog::reject() {
     if (m_done)
         QDialog::reject();
 }
 
-void frmRERefund::closeEvent(QCloseEvent* event) {
+void RefundDialog::closeEvent(QCloseEvent* event) {
     if (m_done)
         event->accept();
     else

@@ -1,10 +1,11 @@
 #pragma once
-// frmRERefund: where the excess of a payment goes back, possibly split over several payees.
-// Opened modally by the payment screen after the receipt is written, for the receipt in the
-// session's RefundRecnum and the amount in RefundAmount; it closes only when all of it is
-// applied.
+// The refund screens: where the excess of a payment goes back, possibly split over several
+// payees. Opened modally by a payment screen after the receipt is written, for the receipt in
+// the session's RefundRecnum and the amount in RefundAmount; it closes only when all of it is
+// applied. frmRERefund and frmPCRefund are one RefundDialog told their duplicate.
 
 #include "core/money.h"
+#include "desk/realestate/receipt_writes.h"
 
 #include <QDialog>
 #include <QString>
@@ -28,12 +29,22 @@ struct RefundSource {
     RefundPayee owner;
 };
 
-class frmRERefund : public QDialog {
+// What differs between the duplicates' refund screens.
+struct RefundKind {
+    QString objectName;
+    QString title;
+    const DeskTables* tables = nullptr;
+    // The per capita screen tells what is left after each payee before the next one.
+    bool tellWhatIsLeft = false;
+};
+
+class RefundDialog : public QDialog {
     Q_OBJECT
 public:
-    explicit frmRERefund(const RefundSource& source, QWidget* parent = nullptr);
+    RefundDialog(const RefundSource& source, const RefundKind& kind, QWidget* parent = nullptr);
 
     QLineEdit* txtControl = nullptr;
+    // The map number: real estate only (null on the per capita screen).
     QLineEdit* txtMap3 = nullptr;
     QLineEdit* txtMap4 = nullptr;
     QLineEdit* txtMap5 = nullptr;
@@ -65,7 +76,14 @@ private:
     void applyRefund();
 
     RefundSource m_source;
+    RefundKind m_kind;
     Money m_left;
     int m_recNumId = 0;
     bool m_done = false;
+};
+
+class frmRERefund : public RefundDialog {
+    Q_OBJECT
+public:
+    explicit frmRERefund(const RefundSource& source, QWidget* parent = nullptr);
 };

@@ -6,9 +6,7 @@
 #include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
-#include "core/tax_database.h"
 #include "desk/realestate/payment_rules.h"
-#include "desk/realestate/re_receipt.h"
 #include "reports/print_output.h"
 #include "reports/print_screen.h"
 #include "reports/report_frame.h"
@@ -33,28 +31,6 @@ const char* const NotOnFileTitle = "Void Receipt";
 const char* const ReprintTitle = "Reprint Receipt";
 constexpr char16_t AmountPattern[] = u"$###,###,##0.00";
 
-QLineEdit* field(const QString& name, QWidget* parent, int maxLength = 0) {
-    auto* edit = new QLineEdit(parent);
-    edit->setObjectName(name);
-    edit->setReadOnly(true);
-    if (maxLength > 0)
-        edit->setMaxLength(maxLength);
-    return edit;
-}
-
-QComboBox* readOnlyBox(const char* name, QWidget* parent) {
-    auto* box = new QComboBox(parent);
-    box->setObjectName(QString::fromLatin1(name));
-    box->setEnabled(false);
-    return box;
-}
-
-void setBoxText(QComboBox* box, const QString& text) {
-    box->clear();
-    if (!text.isEmpty())
-        box->addItem(text);
-}
-
 QString periodWord(const QString& flag) {
     const QString f = flag.trimmed().toUpper();
     if (f == QLatin1String("D"))
@@ -73,20 +49,46 @@ QString caption(const QString& name) {
     return name.isEmpty() ? QString() : name + QLatin1Char(':');
 }
 
-// A text column of the receipt, trimmed.
-QString receiptText(const QSqlRecord& r, const char* column) {
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+// The screen both duplicates share
+// ---------------------------------------------------------------------------------------------
+
+QLineEdit* ReprintReceiptScreen::field(const QString& name, QWidget* parent, int maxLength) {
+    auto* edit = new QLineEdit(parent);
+    edit->setObjectName(name);
+    edit->setReadOnly(true);
+    if (maxLength > 0)
+        edit->setMaxLength(maxLength);
+    return edit;
+}
+
+QComboBox* ReprintReceiptScreen::readOnlyBox(const char* name, QWidget* parent) {
+    auto* box = new QComboBox(parent);
+    box->setObjectName(QString::fromLatin1(name));
+    box->setEnabled(false);
+    return box;
+}
+
+void ReprintReceiptScreen::setBoxText(QComboBox* box, const QString& text) {
+    box->clear();
+    if (!text.isEmpty())
+        box->addItem(text);
+}
+
+QString ReprintReceiptScreen::receiptText(const QSqlRecord& r, const char* column) {
     return TextField(r.value(QLatin1String(column))).trimmed();
 }
 
-QString amount(Money m) {
+QString ReprintReceiptScreen::amountText(Money m) {
     return m.format(AmountPattern);
 }
 
-} // namespace
-
-frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("frmREReprintReceipt"));
-    setWindowTitle(QStringLiteral("Reprint Real Estate Receipt"));
+ReprintReceiptScreen::ReprintReceiptScreen(const ReprintKind& kind, QWidget* parent)
+    : QWidget(parent), m_kind(kind) {
+    setObjectName(kind.objectName);
+    setWindowTitle(kind.windowTitle);
 
     txtRecnum = new QLineEdit(this);
     txtRecnum->setObjectName(QStringLiteral("txtRecnum"));
@@ -141,8 +143,228 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
         form->addRow(QStringLiteral("Amount:"), txtAmount);
     }
 
+    // The lines' group, with its totals and periods; the duplicate adds its lines.
+    m_lines = new QGroupBox(QStringLiteral("Amounts Paid"), this);
+    txtCTotal = field(QStringLiteral("txtCTotal"), m_lines);
+    txtTTotal = field(QStringLiteral("txtTTotal"), m_lines);
+    txtSTotal = field(QStringLiteral("txtSTotal"), m_lines);
+    txtTotal = field(QStringLiteral("txtTotal"), m_lines);
+    lblCPeriod = NamedLabel(m_lines, QStringLiteral("lblCPeriod"));
+    lblTPeriod = NamedLabel(m_lines, QStringLiteral("lblTPeriod"));
+    lblSPeriod = NamedLabel(m_lines, QStringLiteral("lblSPeriod"));
+
+    // The bill's group, with the fields both duplicates have; the duplicate lays it out.
+    m_bill = new QGroupBox(QStringLiteral("Owner"), this);
+    txtControl = field(QStringLiteral("txtControl"), m_bill, 6);
+    txtName = field(QStringLiteral("txtName"), m_bill, 50);
+    txtAddr1 = field(QStringLiteral("txtAddr1"), m_bill, 50);
+    txtAddr2 = field(QStringLiteral("txtAddr2"), m_bill, 50);
+    txtCity = field(QStringLiteral("txtCity"), m_bill, 35);
+    cboState = readOnlyBox("cboState", m_bill);
+    txtZipCode = field(QStringLiteral("txtZipCode"), m_bill, 5);
+    txtZipCode2 = field(QStringLiteral("txtZipCode2"), m_bill, 4);
+
+    cmdPrint = new QPushButton(QStringLiteral("&Print"), this);
+    cmdPrint->setObjectName(QStringLiteral("cmdPrint"));
+    cmdPrintScreen = new QPushButton(QStringLiteral("Print &Screen"), this);
+    cmdPrintScreen->setObjectName(QStringLiteral("cmdPrintScreen"));
+    cmdExit = new QPushButton(QStringLiteral("E&xit"), this);
+    cmdExit->setObjectName(QStringLiteral("cmdExit"));
+    cmdExit->setFocusPolicy(Qt::NoFocus);
+    connect(cmdPrint, &QPushButton::clicked, this, [this] { cmdPrint_Click(); });
+    connect(cmdPrintScreen, &QPushButton::clicked, this,
+            [this] { PrintScreenImage(this, QString::fromLatin1(ScreenPrintPrinter)); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(new QLabel(QStringLiteral("Receipt #:"), this));
+    top->addWidget(txtRecnum);
+    top->addStretch();
+    m_left = new QVBoxLayout;
+    m_left->addWidget(receipt);
+    m_left->addWidget(m_lines);
+    auto* middle = new QHBoxLayout;
+    middle->addLayout(m_left, 1);
+    middle->addWidget(m_bill, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdPrint);
+    buttons->addWidget(cmdPrintScreen);
+    buttons->addWidget(cmdExit);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addLayout(middle);
+    layout->addLayout(buttons);
+
+    // Tab order: the receipt number first, then the buttons.
+    setTabOrder(txtRecnum, cmdPrint);
+    setTabOrder(cmdPrint, cmdPrintScreen);
+
+    m_leave = new FieldLeave(this);
+    m_leave->onLeave(txtRecnum, [this] { txtRecnum_LostFocus(); });
+
+    QSqlQuery q(session().DbConnection);
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        m_district = TextField(q.value(0));
+        m_ward = TextField(q.value(1));
+    }
+}
+
+void ReprintReceiptScreen::closeEvent(QCloseEvent* event) {
+    // The focus leaves the receipt number as the screen goes: that is no leave of the user's.
+    delete m_leave;
+    m_leave = nullptr;
+    QWidget::closeEvent(event);
+}
+
+void ReprintReceiptScreen::openFromQuery(const QString& recnum) {
+    clearFields();
+    txtRecnum->setText(recnum);
+    txtRecnum_LostFocus();
+}
+
+void ReprintReceiptScreen::txtRecnum_LostFocus() {
+    const QString recnum = txtRecnum->text().trimmed();
+    m_lastLeft = recnum;
+    if (recnum.isEmpty() || recnum == m_recnum)
+        return;
+    if (!showReceipt(recnum))
+        txtRecnum->setFocus();
+}
+
+void ReprintReceiptScreen::clearFields() {
+    m_recnum.clear();
+    for (QLineEdit* edit : findChildren<QLineEdit*>()) {
+        if (edit != txtRecnum)
+            edit->clear();
+        // Only the receipt number takes the focus by the keyboard.
+        if (edit != txtRecnum)
+            edit->setFocusPolicy(Qt::ClickFocus);
+    }
+    for (QComboBox* box : findChildren<QComboBox*>())
+        box->clear();
+    for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
+        box->setChecked(false);
+    for (QLabel* l : {lblCPeriod, lblTPeriod, lblSPeriod})
+        l->clear();
+    clearOwnFields();
+}
+
+void ReprintReceiptScreen::showReceiptKeys(const QSqlRecord& r) {
+    txtControl->setText(receiptText(r, "Control"));
+    txtName->setText(receiptText(r, "Name"));
+}
+
+bool ReprintReceiptScreen::showReceipt(const QString& recnum) {
+    QSqlDatabase db = session().DbConnection;
+    clearFields();
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE Recnum = ?").arg(m_kind.receipts));
+    q.addBindValue(recnum);
+    if (!q.exec() || !q.next()) {
+        MsgBox(QStringLiteral("Receipt Number Not On File"), QString::fromLatin1(NotOnFileTitle),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        return false;
+    }
+    const QSqlRecord r = q.record();
+
+    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
+    q.addBindValue(m_district);
+    q.addBindValue(m_ward);
+    m_btFlag = q.exec() && q.next() ? TextField(q.value(0)).trimmed() : QString();
+    nameLines();
+
+    // The bill as it stands now, found by the receipt's control number.
+    q.prepare(QStringLiteral("SELECT BillNo FROM %1 WHERE Control = ?").arg(m_kind.master));
+    q.addBindValue(TextField(r.value(QStringLiteral("Control"))));
+    const QString billNo =
+        q.exec() && q.next() ? TextField(q.value(0)) : TextField(r.value(QStringLiteral("BillNo")));
+    const BillNow bill = ReadBillAsItStands(db, m_kind.duplicate, billNo);
+    if (bill.found()) {
+        const std::pair<QLineEdit*, const char*> texts[] = {
+            {txtControl, "Control"},  {txtName, "Name"}, {txtAddr1, "Addr1"},
+            {txtAddr2, "Addr2"},      {txtCity, "City"}, {txtZipCode, "ZipCode"},
+            {txtZipCode2, "ZipCode2"}};
+        for (const auto& [edit, column] : texts)
+            edit->setText(bill.text(column).trimmed());
+        setBoxText(cboState, bill.text("State").trimmed());
+        showBill(bill);
+    } else if (!CheckBillIntegrity(bill)) {
+        if (bill.status == BillNow::Status::IncompleteAdjustment ||
+            bill.status == BillNow::Status::IncompleteAddress)
+            return false; // the integrity message has been shown
+        showReceiptKeys(r);
+    }
+
+    // The receipt.
+    txtBillNo->setText(TextField(r.value(QStringLiteral("BillNo"))));
+    txtAdjNo->setText(QString::number(r.value(QStringLiteral("AdjNo")).toInt()));
+    txtDate->setText(FormatDate(DateField(r.value(QStringLiteral("RDate")))));
+    for (const auto& [edit, column] : {std::pair{txtPayor, "Payor"},
+                                       {txtPAddr1, "PAddr1"},
+                                       {txtPAddr2, "PAddr2"},
+                                       {txtPCity, "PCity"},
+                                       {txtPZipCode, "PZipCode"},
+                                       {txtPZipCode2, "PZipCode2"},
+                                       {txtChecknum, "Checknum"}})
+        edit->setText(receiptText(r, column));
+    setBoxText(cboPState, receiptText(r, "PState"));
+
+    const QString cFlag = FlagField(r.value(QStringLiteral("CPayFlag"))).trimmed();
+    const QString tFlag = FlagField(r.value(QStringLiteral("TPayFlag"))).trimmed();
+    const QString sFlag = FlagField(r.value(QStringLiteral("SPayFlag"))).trimmed();
+    chkCounty->setChecked(!cFlag.isEmpty());
+    chkTwp->setChecked(!tFlag.isEmpty());
+    chkSchool->setChecked(!sFlag.isEmpty());
+    lblCPeriod->setText(periodWord(cFlag));
+    lblTPeriod->setText(periodWord(tFlag));
+    lblSPeriod->setText(periodWord(sFlag));
+
+    const Money lines = showLines(r);
+    txtAmount->setText(amountText(lines + MoneyField(r.value(QStringLiteral("Overage"))) +
+                                  MoneyField(r.value(QStringLiteral("Refund")))));
+    m_recnum = recnum;
+    return true;
+}
+
+void ReprintReceiptScreen::cmdPrint_Click() {
+    const QString typed = txtRecnum->text().trimmed();
+    if (m_recnum.isEmpty() || typed != m_recnum) {
+        // A number typed and not yet looked up (a leave that already complained is not
+        // repeated).
+        const bool alreadyRefused = !typed.isEmpty() && typed == m_lastLeft;
+        if (alreadyRefused || typed.isEmpty()) {
+            if (typed.isEmpty())
+                MsgBox(QStringLiteral("Receipt Number Not On File"),
+                       QString::fromLatin1(NotOnFileTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+            txtRecnum->setFocus();
+            return;
+        }
+        m_lastLeft = typed;
+        if (!showReceipt(typed)) {
+            txtRecnum->setFocus();
+            return;
+        }
+    }
+    const ReceiptPrintOutcome outcome = m_kind.print(this, m_recnum);
+    if (outcome == ReceiptPrintOutcome::Printed || outcome == ReceiptPrintOutcome::NoCopies)
+        MsgBox(QStringLiteral("Receipt Printed"), QString::fromLatin1(ReprintTitle));
+}
+
+// ---------------------------------------------------------------------------------------------
+// The real-estate reprint
+// ---------------------------------------------------------------------------------------------
+
+frmREReprintReceipt::frmREReprintReceipt(QWidget* parent)
+    : ReprintReceiptScreen(
+          {QStringLiteral("frmREReprintReceipt"), QStringLiteral("Reprint Real Estate Receipt"),
+           QStringLiteral("TCReceipt"), QStringLiteral("TCMaster"), Duplicate::RealEstate,
+           [](QWidget* screen, const QString& recnum) {
+               return AskAndPrintREReceipt(screen, recnum);
+           }},
+          parent) {
     // The amounts.
-    auto* amounts = new QGroupBox(QStringLiteral("Amounts Paid"), this);
+    QGroupBox* amounts = linesGroup();
     txtCounty = field(QStringLiteral("txtCounty"), amounts);
     txtLibrary = field(QStringLiteral("txtLibrary"), amounts);
     txtC1Face = field(QStringLiteral("txtC1Face"), amounts);
@@ -153,13 +375,6 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
     }
     txtSchool = field(QStringLiteral("txtSchool"), amounts);
     txtSch1Face = field(QStringLiteral("txtSch1Face"), amounts);
-    txtCTotal = field(QStringLiteral("txtCTotal"), amounts);
-    txtTTotal = field(QStringLiteral("txtTTotal"), amounts);
-    txtSTotal = field(QStringLiteral("txtSTotal"), amounts);
-    txtTotal = field(QStringLiteral("txtTotal"), amounts);
-    lblCPeriod = NamedLabel(amounts, QStringLiteral("lblCPeriod"));
-    lblTPeriod = NamedLabel(amounts, QStringLiteral("lblTPeriod"));
-    lblSPeriod = NamedLabel(amounts, QStringLiteral("lblSPeriod"));
     lblC1Face = NamedLabel(amounts, QStringLiteral("lblC1Face"));
     lblTwp = NamedLabel(amounts, QStringLiteral("lblTwp"), QStringLiteral("Twp:"));
     lblSch1Face = NamedLabel(amounts, QStringLiteral("lblSch1Face"));
@@ -210,18 +425,12 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
         }
         fraInstallments->hide();
     }
+    leftColumn()->addWidget(fraInstallments);
 
     // The bill.
-    auto* bill = new QGroupBox(QStringLiteral("Owner and Property"), this);
-    txtControl = field(QStringLiteral("txtControl"), bill, 6);
-    txtName = field(QStringLiteral("txtName"), bill, 50);
+    QGroupBox* bill = billGroup();
+    bill->setTitle(QStringLiteral("Owner and Property"));
     txtCoOwner = field(QStringLiteral("txtCoOwner"), bill, 50);
-    txtAddr1 = field(QStringLiteral("txtAddr1"), bill, 50);
-    txtAddr2 = field(QStringLiteral("txtAddr2"), bill, 50);
-    txtCity = field(QStringLiteral("txtCity"), bill, 35);
-    cboState = readOnlyBox("cboState", bill);
-    txtZipCode = field(QStringLiteral("txtZipCode"), bill, 5);
-    txtZipCode2 = field(QStringLiteral("txtZipCode2"), bill, 4);
     txtMap3 = field(QStringLiteral("txtMap3"), bill, 8);
     txtMap4 = field(QStringLiteral("txtMap4"), bill, 6);
     txtMap5 = field(QStringLiteral("txtMap5"), bill, 9);
@@ -272,113 +481,22 @@ frmREReprintReceipt::frmREReprintReceipt(QWidget* parent) : QWidget(parent) {
         form->addRow(QStringLiteral("Land Use:"), cboLandUse);
         form->addRow(QStringLiteral("Assessment:"), assessed);
     }
-
-    cmdPrint = new QPushButton(QStringLiteral("&Print"), this);
-    cmdPrint->setObjectName(QStringLiteral("cmdPrint"));
-    cmdPrintScreen = new QPushButton(QStringLiteral("Print &Screen"), this);
-    cmdPrintScreen->setObjectName(QStringLiteral("cmdPrintScreen"));
-    cmdExit = new QPushButton(QStringLiteral("E&xit"), this);
-    cmdExit->setObjectName(QStringLiteral("cmdExit"));
-    cmdExit->setFocusPolicy(Qt::NoFocus);
-    connect(cmdPrint, &QPushButton::clicked, this, [this] { cmdPrint_Click(); });
-    connect(cmdPrintScreen, &QPushButton::clicked, this, [this] { cmdPrintScreen_Click(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
-
-    auto* top = new QHBoxLayout;
-    top->addWidget(new QLabel(QStringLiteral("Receipt #:"), this));
-    top->addWidget(txtRecnum);
-    top->addStretch();
-    auto* left = new QVBoxLayout;
-    left->addWidget(receipt);
-    left->addWidget(amounts);
-    left->addWidget(fraInstallments);
-    auto* middle = new QHBoxLayout;
-    middle->addLayout(left, 1);
-    middle->addWidget(bill, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdPrint);
-    buttons->addWidget(cmdPrintScreen);
-    buttons->addWidget(cmdExit);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addLayout(middle);
-    layout->addLayout(buttons);
-
-    // Tab order: the receipt number first, then the buttons.
-    setTabOrder(txtRecnum, cmdPrint);
-    setTabOrder(cmdPrint, cmdPrintScreen);
     for (QLineEdit* edit : findChildren<QLineEdit*>())
         if (edit != txtRecnum)
             edit->setFocusPolicy(Qt::ClickFocus);
-
-    m_leave = new FieldLeave(this);
-    m_leave->onLeave(txtRecnum, [this] { txtRecnum_LostFocus(); });
 }
 
-void frmREReprintReceipt::closeEvent(QCloseEvent* event) {
-    // The focus leaves the receipt number as the screen goes: that is no leave of the user's.
-    delete m_leave;
-    m_leave = nullptr;
-    QWidget::closeEvent(event);
-}
-
-void frmREReprintReceipt::openFromQuery(const QString& recnum) {
-    clearFields();
-    txtRecnum->setText(recnum);
-    txtRecnum_LostFocus();
-}
-
-void frmREReprintReceipt::txtRecnum_LostFocus() {
-    const QString recnum = txtRecnum->text().trimmed();
-    m_lastLeft = recnum;
-    if (recnum.isEmpty() || recnum == m_recnum)
-        return;
-    if (!showReceipt(recnum))
-        txtRecnum->setFocus();
-}
-
-void frmREReprintReceipt::clearFields() {
-    m_recnum.clear();
-    for (QLineEdit* edit : findChildren<QLineEdit*>())
-        if (edit != txtRecnum)
-            edit->clear();
-    for (QComboBox* box : {cboPState, cboState, cboLandUse})
-        box->clear();
-    for (QCheckBox* box : {chkCounty, chkTwp, chkSchool})
-        box->setChecked(false);
-    for (QLabel* l : {lblCPeriod, lblTPeriod, lblSPeriod})
-        l->clear();
+void frmREReprintReceipt::clearOwnFields() {
     fraInstallments->hide();
 }
 
-bool frmREReprintReceipt::showReceipt(const QString& recnum) {
-    QSqlDatabase db = session().DbConnection;
-    clearFields();
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT * FROM TCReceipt WHERE Recnum = ?"));
-    q.addBindValue(recnum);
-    if (!q.exec() || !q.next()) {
-        MsgBox(QStringLiteral("Receipt Number Not On File"), QString::fromLatin1(NotOnFileTitle),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        return false;
-    }
-    const QSqlRecord r = q.record();
-
+void frmREReprintReceipt::nameLines() {
     // The municipality, its special taxes and its school special tax name the fields.
-    QString district, ward;
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        district = TextField(q.value(0));
-        ward = TextField(q.value(1));
-    }
-    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    q.addBindValue(district);
-    q.addBindValue(ward);
-    const QString btFlag = q.exec() && q.next() ? TextField(q.value(0)).trimmed() : QString();
-    lblTwp->setText(btFlag == QLatin1String("T") ? QStringLiteral("Twp:")
-                                                 : QStringLiteral("Boro:"));
+    QSqlQuery q(session().DbConnection);
+    lblTwp->setText(m_btFlag == QLatin1String("T") ? QStringLiteral("Twp:")
+                                                   : QStringLiteral("Boro:"));
     q.prepare(QStringLiteral("SELECT S1TaxName FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(district + ward);
+    q.addBindValue(m_district + m_ward);
     const QString schoolSpecial =
         q.exec() && q.next() ? TextField(q.value(0)).trimmed() : QString();
     lblSch1Face->setText(caption(schoolSpecial));
@@ -393,64 +511,33 @@ bool frmREReprintReceipt::showReceipt(const QString& recnum) {
             lblSpecFace[special++]->setText(TextField(q.value(0)).trimmed() + QLatin1Char(':'));
     for (; special < 3; ++special)
         lblSpecFace[special]->clear();
+}
 
-    // The bill as it stands now, found by the receipt's control number.
-    q.prepare(QStringLiteral("SELECT BillNo FROM TCMaster WHERE Control = ?"));
-    q.addBindValue(TextField(r.value(QStringLiteral("Control"))));
-    const QString billNo =
-        q.exec() && q.next() ? TextField(q.value(0)) : TextField(r.value(QStringLiteral("BillNo")));
-    const BillNow bill = ReadBillAsItStands(db, Duplicate::RealEstate, billNo);
-    // The text fields of the bill, each shown trimmed; a receipt carries the first five too.
+void frmREReprintReceipt::showReceiptKeys(const QSqlRecord& r) {
+    ReprintReceiptScreen::showReceiptKeys(r);
+    txtMap3->setText(receiptText(r, "Map3"));
+    txtMap4->setText(receiptText(r, "Map4"));
+    txtMap5->setText(receiptText(r, "Map5"));
+}
+
+void frmREReprintReceipt::showBill(const BillNow& bill) {
     const std::pair<QLineEdit*, const char*> billTexts[] = {
-        {txtControl, "Control"},   {txtName, "Name"},         {txtMap3, "Map3"},
-        {txtMap4, "Map4"},         {txtMap5, "Map5"},         {txtCoOwner, "CoOwner"},
-        {txtAddr1, "Addr1"},       {txtAddr2, "Addr2"},       {txtCity, "City"},
-        {txtZipCode, "ZipCode"},   {txtZipCode2, "ZipCode2"}, {txtDesc1, "Desc1"},
-        {txtDesc2, "Desc2"},       {txtDesc3, "Desc3"},       {txtDeedBook, "DeedBook"},
-        {txtDeedPage, "DeedPage"}, {txtAcreage, "Acreage"}};
-    if (bill.found()) {
-        for (const auto& [edit, column] : billTexts)
-            edit->setText(bill.text(column).trimmed());
-        setBoxText(cboState, bill.text("State").trimmed());
-        setBoxText(cboLandUse, bill.text("LandUse").trimmed());
-        const qint64 land = bill.bill.value(QStringLiteral("AssLand")).toLongLong();
-        const qint64 impr = bill.bill.value(QStringLiteral("AssImpr")).toLongLong();
-        txtAssLand->setText(QString::number(land));
-        txtAssImpr->setText(QString::number(impr));
-        txtAssTotal->setText(QString::number(land + impr));
-    } else if (!CheckBillIntegrity(bill)) {
-        if (bill.status == BillNow::Status::IncompleteAdjustment ||
-            bill.status == BillNow::Status::IncompleteAddress)
-            return false; // the integrity message has been shown
-        // A receipt whose bill is gone still shows what it carries itself.
-        for (int i = 0; i < 5; ++i)
-            billTexts[i].first->setText(receiptText(r, billTexts[i].second));
-    }
+        {txtMap3, "Map3"},       {txtMap4, "Map4"},         {txtMap5, "Map5"},
+        {txtCoOwner, "CoOwner"}, {txtDesc1, "Desc1"},       {txtDesc2, "Desc2"},
+        {txtDesc3, "Desc3"},     {txtDeedBook, "DeedBook"}, {txtDeedPage, "DeedPage"},
+        {txtAcreage, "Acreage"}};
+    for (const auto& [edit, column] : billTexts)
+        edit->setText(bill.text(column).trimmed());
+    setBoxText(cboLandUse, bill.text("LandUse").trimmed());
+    const qint64 land = bill.bill.value(QStringLiteral("AssLand")).toLongLong();
+    const qint64 impr = bill.bill.value(QStringLiteral("AssImpr")).toLongLong();
+    txtAssLand->setText(QString::number(land));
+    txtAssImpr->setText(QString::number(impr));
+    txtAssTotal->setText(QString::number(land + impr));
+}
 
-    // The receipt.
-    txtBillNo->setText(TextField(r.value(QStringLiteral("BillNo"))));
-    txtAdjNo->setText(QString::number(r.value(QStringLiteral("AdjNo")).toInt()));
-    txtDate->setText(FormatDate(DateField(r.value(QStringLiteral("RDate")))));
-    for (const auto& [edit, column] : {std::pair{txtPayor, "Payor"},
-                                       {txtPAddr1, "PAddr1"},
-                                       {txtPAddr2, "PAddr2"},
-                                       {txtPCity, "PCity"},
-                                       {txtPZipCode, "PZipCode"},
-                                       {txtPZipCode2, "PZipCode2"},
-                                       {txtChecknum, "Checknum"}})
-        edit->setText(receiptText(r, column));
-    setBoxText(cboPState, receiptText(r, "PState"));
-
-    const QString cFlag = FlagField(r.value(QStringLiteral("CPayFlag"))).trimmed();
-    const QString tFlag = FlagField(r.value(QStringLiteral("TPayFlag"))).trimmed();
+Money frmREReprintReceipt::showLines(const QSqlRecord& r) {
     const QString sFlag = FlagField(r.value(QStringLiteral("SPayFlag"))).trimmed();
-    chkCounty->setChecked(!cFlag.isEmpty());
-    chkTwp->setChecked(!tFlag.isEmpty());
-    chkSchool->setChecked(!sFlag.isEmpty());
-    lblCPeriod->setText(periodWord(cFlag));
-    lblTPeriod->setText(periodWord(tFlag));
-    lblSPeriod->setText(periodWord(sFlag));
-
     const Money county = ReceiptLineAmount(r, LineCounty);
     const Money library = ReceiptLineAmount(r, LineLibrary);
     const Money c1 = ReceiptLineAmount(r, LineCountySpecial);
@@ -474,56 +561,24 @@ bool frmREReprintReceipt::showReceipt(const QString& recnum) {
                                MoneyField(r.value(QStringLiteral("PenPayment") + n));
             // An installment's penalty is held beside it, not in the school columns.
             school += MoneyField(r.value(QStringLiteral("PenPayment") + n));
-            payments[i]->setText(amount(paid));
+            payments[i]->setText(amountText(paid));
             codes[i]->setText(code);
         }
     }
-    txtCounty->setText(amount(county));
-    txtLibrary->setText(amount(library));
-    txtC1Face->setText(amount(c1));
-    txtTwp->setText(amount(twp));
+    txtCounty->setText(amountText(county));
+    txtLibrary->setText(amountText(library));
+    txtC1Face->setText(amountText(c1));
+    txtTwp->setText(amountText(twp));
     for (int i = 0; i < 3; ++i)
-        txtSpecFace[i]->setText(amount(specials[i]));
-    txtSchool->setText(amount(school));
-    txtSch1Face->setText(amount(sch1));
+        txtSpecFace[i]->setText(amountText(specials[i]));
+    txtSchool->setText(amountText(school));
+    txtSch1Face->setText(amountText(sch1));
     const Money countyTotal = county + library + c1;
     const Money twpTotal = twp + specials[0] + specials[1] + specials[2];
     const Money schoolTotal = school + sch1;
-    txtCTotal->setText(amount(countyTotal));
-    txtTTotal->setText(amount(twpTotal));
-    txtSTotal->setText(amount(schoolTotal));
-    txtTotal->setText(amount(countyTotal + twpTotal + schoolTotal));
-    txtAmount->setText(amount(countyTotal + twpTotal + schoolTotal +
-                              MoneyField(r.value(QStringLiteral("Overage"))) +
-                              MoneyField(r.value(QStringLiteral("Refund")))));
-    m_recnum = recnum;
-    return true;
-}
-
-void frmREReprintReceipt::cmdPrint_Click() {
-    const QString typed = txtRecnum->text().trimmed();
-    if (m_recnum.isEmpty() || typed != m_recnum) {
-        // A number typed and not yet looked up (a leave that already complained is not
-        // repeated).
-        const bool alreadyRefused = !typed.isEmpty() && typed == m_lastLeft;
-        if (alreadyRefused || typed.isEmpty()) {
-            if (typed.isEmpty())
-                MsgBox(QStringLiteral("Receipt Number Not On File"),
-                       QString::fromLatin1(NotOnFileTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-            txtRecnum->setFocus();
-            return;
-        }
-        m_lastLeft = typed;
-        if (!showReceipt(typed)) {
-            txtRecnum->setFocus();
-            return;
-        }
-    }
-    const ReceiptPrintOutcome outcome = AskAndPrintREReceipt(this, m_recnum);
-    if (outcome == ReceiptPrintOutcome::Printed || outcome == ReceiptPrintOutcome::NoCopies)
-        MsgBox(QStringLiteral("Receipt Printed"), QString::fromLatin1(ReprintTitle));
-}
-
-void frmREReprintReceipt::cmdPrintScreen_Click() {
-    PrintScreenImage(this, QString::fromLatin1(ScreenPrintPrinter));
+    txtCTotal->setText(amountText(countyTotal));
+    txtTTotal->setText(amountText(twpTotal));
+    txtSTotal->setText(amountText(schoolTotal));
+    txtTotal->setText(amountText(countyTotal + twpTotal + schoolTotal));
+    return countyTotal + twpTotal + schoolTotal;
 }

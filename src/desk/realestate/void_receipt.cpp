@@ -35,72 +35,66 @@ const char* const IncompleteAdjustmentOnVoid =
 
 } // namespace
 
-frmREVoidReceipt::frmREVoidReceipt(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("frmREVoidReceipt"));
-    setWindowTitle(QStringLiteral("Void Real Estate Receipt"));
+VoidReceiptScreen::VoidReceiptScreen(const VoidKind& kind, QWidget* parent)
+    : QWidget(parent), m_kind(kind) {
+    setObjectName(kind.objectName);
+    setWindowTitle(kind.windowTitle);
     buildScreen();
     loadNames();
     clearScreen();
     session().LastScreenName = objectName();
 }
 
-void frmREVoidReceipt::buildScreen() {
+void VoidReceiptScreen::buildScreen() {
+    const bool hasMap = m_kind.tables->hasMap;
     txtRecnum = NamedField(this, QStringLiteral("txtRecnum"), 12);
     txtVDate = NamedField(this, QStringLiteral("txtVDate"), 10);
     txtReason = NamedField(this, QStringLiteral("txtReason"), 50);
     txtControl = ShownField(this, QStringLiteral("txtControl"), 6);
     txtBillNo = ShownField(this, QStringLiteral("txtBillNo"), 5);
     txtAdjNo = ShownField(this, QStringLiteral("txtAdjNo"), 2);
-    txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
-    txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
-    txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
+    if (hasMap) {
+        txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
+        txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
+        txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
+    }
     txtName = ShownField(this, QStringLiteral("txtName"), 50);
     txtPayor = ShownField(this, QStringLiteral("txtPayor"), 50);
     txtAmount = ShownField(this, QStringLiteral("txtAmount"));
     lblTendered = NamedLabel(this, QStringLiteral("lblTendered"), QString());
     lblTendered->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold;"));
 
+    // The lines, a column per body with its total under it.
     auto* fraLines = new QGroupBox(QStringLiteral("Amounts"), this);
     fraLines->setObjectName(QStringLiteral("fraLines"));
-    auto line = [fraLines](const QString& name) { return ShownField(fraLines, name); };
-    txtCounty = line(QStringLiteral("txtCounty"));
-    txtLibrary = line(QStringLiteral("txtLibrary"));
-    txtC1Face = line(QStringLiteral("txtC1Face"));
-    txtTwp = line(QStringLiteral("txtTwp"));
-    for (int i = 0; i < 3; ++i)
-        txtSpecFace[i] = line(QStringLiteral("txtSpecFace(%1)").arg(i + 1));
-    txtSchool = line(QStringLiteral("txtSchool"));
-    txtSch1Face = line(QStringLiteral("txtSch1Face"));
-    txtCTotal = line(QStringLiteral("txtCTotal"));
-    txtTTotal = line(QStringLiteral("txtTTotal"));
-    txtSTotal = line(QStringLiteral("txtSTotal"));
-    txtTotal = line(QStringLiteral("txtTotal"));
-    lblC1Face =
-        NamedLabel(fraLines, QStringLiteral("lblC1Face"), QStringLiteral("County Special:"));
-    lblTwp = NamedLabel(fraLines, QStringLiteral("lblTwp"), QStringLiteral("Township:"));
-    for (int i = 0; i < 3; ++i)
-        lblSpecFace[i] = NamedLabel(fraLines, QStringLiteral("lblSpecFace(%1)").arg(i + 1),
-                                    QStringLiteral("Special %1:").arg(i + 1));
-    lblSch1Face =
-        NamedLabel(fraLines, QStringLiteral("lblSch1Face"), QStringLiteral("School Special:"));
+    txtCTotal = ShownField(fraLines, QStringLiteral("txtCTotal"));
+    txtTTotal = ShownField(fraLines, QStringLiteral("txtTTotal"));
+    txtSTotal = ShownField(fraLines, QStringLiteral("txtSTotal"));
+    txtTotal = ShownField(fraLines, QStringLiteral("txtTotal"));
     {
         auto* g = new QGridLayout(fraLines);
-        auto cell = [g](int row, int column, QWidget* label, QWidget* field) {
-            g->addWidget(label, row, column * 2);
-            g->addWidget(field, row, column * 2 + 1);
-        };
-        cell(0, 0, new QLabel(QStringLiteral("County:"), fraLines), txtCounty);
-        cell(1, 0, new QLabel(QStringLiteral("Library:"), fraLines), txtLibrary);
-        cell(2, 0, lblC1Face, txtC1Face);
-        cell(4, 0, new QLabel(QStringLiteral("County Total:"), fraLines), txtCTotal);
-        cell(0, 1, lblTwp, txtTwp);
-        for (int i = 0; i < 3; ++i)
-            cell(1 + i, 1, lblSpecFace[i], txtSpecFace[i]);
-        cell(4, 1, new QLabel(QStringLiteral("Total:"), fraLines), txtTTotal);
-        cell(0, 2, new QLabel(QStringLiteral("School:"), fraLines), txtSchool);
-        cell(1, 2, lblSch1Face, txtSch1Face);
-        cell(4, 2, new QLabel(QStringLiteral("School Total:"), fraLines), txtSTotal);
-        cell(5, 2, new QLabel(QStringLiteral("Total:"), fraLines), txtTotal);
+        int rows[3] = {0, 0, 0};
+        for (const VoidLine& line : m_kind.lines) {
+            const int column = int(line.body);
+            QLineEdit* field = ShownField(fraLines, line.field);
+            QLabel* label =
+                NamedLabel(fraLines, QStringLiteral("lbl") + line.field.mid(3), line.caption);
+            m_lineFields.push_back(field);
+            m_lineLabels.push_back(label);
+            g->addWidget(label, rows[column], column * 2);
+            g->addWidget(field, rows[column], column * 2 + 1);
+            ++rows[column];
+        }
+        const int totalRow = std::max({rows[0], rows[1], rows[2]});
+        const QString totalCaptions[3] = {QStringLiteral("County Total:"), QStringLiteral("Total:"),
+                                          QStringLiteral("School Total:")};
+        QLineEdit* totals[3] = {txtCTotal, txtTTotal, txtSTotal};
+        for (int b = 0; b < 3; ++b) {
+            g->addWidget(new QLabel(totalCaptions[b], fraLines), totalRow, b * 2);
+            g->addWidget(totals[b], totalRow, b * 2 + 1);
+        }
+        g->addWidget(new QLabel(QStringLiteral("Total:"), fraLines), totalRow + 1, 4);
+        g->addWidget(txtTotal, totalRow + 1, 5);
     }
 
     lblCDisbNum =
@@ -138,7 +132,7 @@ void frmREVoidReceipt::buildScreen() {
     add(QStringLiteral("Bill #:"), txtBillNo, 2);
     ++row;
     add(QStringLiteral("Adj #:"), txtAdjNo);
-    {
+    if (hasMap) {
         auto* map = new QHBoxLayout;
         map->addWidget(txtMap3);
         map->addWidget(txtMap4);
@@ -187,52 +181,95 @@ void frmREVoidReceipt::buildScreen() {
     connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
 }
 
-void frmREVoidReceipt::loadNames() {
+void VoidReceiptScreen::loadNames() {
     QSqlQuery q(session().DbConnection);
-    QString district;
-    QString ward;
     if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        district = TextField(q.value(0));
-        ward = TextField(q.value(1));
+        m_district = TextField(q.value(0));
+        m_ward = TextField(q.value(1));
     }
-    if (q.exec(QStringLiteral("SELECT TaxYear, S1TaxName FROM Millfile "
-                              "WHERE District || Ward = '000'")) &&
-        q.next()) {
+    if (q.exec(QStringLiteral("SELECT TaxYear FROM Millfile WHERE District || Ward = '000'")) &&
+        q.next())
         m_taxYear = TextField(q.value(0)).left(4);
-        const QString name = TextField(q.value(1)).trimmed();
+    if (!session().TaxYear.isEmpty())
+        m_taxYear = session().TaxYear;
+    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
+    q.addBindValue(m_district);
+    q.addBindValue(m_ward);
+    if (q.exec() && q.next())
+        m_btFlag = TextField(q.value(0)).trimmed();
+    m_bodyWord = m_btFlag == QLatin1String("B")   ? QStringLiteral("Borough")
+                 : m_btFlag == QLatin1String("C") ? QStringLiteral("City")
+                                                  : QStringLiteral("Township");
+    lblTDisbNum->setText(m_bodyWord + QStringLiteral(" Distribution #:"));
+}
+
+// ---------------------------------------------------------------------------------------------
+// The real-estate void
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+VoidKind realEstateVoid() {
+    VoidKind k;
+    k.objectName = QStringLiteral("frmREVoidReceipt");
+    k.windowTitle = QStringLiteral("Void Real Estate Receipt");
+    k.tables = &RealEstateDesk();
+    k.incompleteAdjustmentText = QString::fromLatin1(IncompleteAdjustmentOnVoid);
+    const char* const fields[TaxLineCount] = {"txtCounty",      "txtLibrary",     "txtC1Face",
+                                              "txtTwp",         "txtSpecFace(1)", "txtSpecFace(2)",
+                                              "txtSpecFace(3)", "txtSchool",      "txtSch1Face"};
+    const char* const captions[TaxLineCount] = {
+        "County:",    "Library:",   "County Special:", "Township:",      "Special 1:",
+        "Special 2:", "Special 3:", "School:",         "School Special:"};
+    for (int i = 0; i < TaxLineCount; ++i)
+        k.lines.push_back({QString::fromLatin1(fields[i]), QString::fromLatin1(captions[i]),
+                           FaceColumn(i), BodyOfLine(i)});
+    return k;
+}
+
+} // namespace
+
+frmREVoidReceipt::frmREVoidReceipt(QWidget* parent) : VoidReceiptScreen(realEstateVoid(), parent) {
+    txtCounty = lineField(LineCounty);
+    txtLibrary = lineField(LineLibrary);
+    txtC1Face = lineField(LineCountySpecial);
+    txtTwp = lineField(LineTwp);
+    for (int i = 0; i < 3; ++i) {
+        txtSpecFace[i] = lineField(LineSpecial1 + i);
+        lblSpecFace[i] = lineLabel(LineSpecial1 + i);
+    }
+    txtSchool = lineField(LineSchool);
+    txtSch1Face = lineField(LineSchoolSpecial);
+    lblC1Face = lineLabel(LineCountySpecial);
+    lblTwp = lineLabel(LineTwp);
+    lblSch1Face = lineLabel(LineSchoolSpecial);
+
+    // The special taxes and the municipality's kind name their lines.
+    QSqlQuery q(session().DbConnection);
+    if (q.exec(QStringLiteral("SELECT S1TaxName FROM Millfile WHERE District || Ward = '000'")) &&
+        q.next()) {
+        const QString name = TextField(q.value(0)).trimmed();
         if (!name.isEmpty())
             lblC1Face->setText(name + QLatin1Char(':'));
     }
-    if (!session().TaxYear.isEmpty())
-        m_taxYear = session().TaxYear;
     q.prepare(QStringLiteral("SELECT S1TaxName FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(district + ward);
+    q.addBindValue(m_district + m_ward);
     if (q.exec() && q.next()) {
         const QString name = TextField(q.value(0)).trimmed();
         if (!name.isEmpty())
             lblSch1Face->setText(name + QLatin1Char(':'));
     }
-    q.prepare(QStringLiteral("SELECT BTFlag FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
-    q.addBindValue(district);
-    q.addBindValue(ward);
-    QString kind;
-    if (q.exec() && q.next())
-        kind = TextField(q.value(0)).trimmed();
-    const QString word = kind == QLatin1String("B")   ? QStringLiteral("Borough")
-                         : kind == QLatin1String("C") ? QStringLiteral("City")
-                                                      : QStringLiteral("Township");
-    lblTwp->setText(word + QLatin1Char(':'));
-    lblTDisbNum->setText(word + QStringLiteral(" Distribution #:"));
+    lblTwp->setText(m_bodyWord + QLatin1Char(':'));
     q.prepare(QStringLiteral(
         "SELECT Desc1 FROM Spectax WHERE District = ? AND Ward = ? ORDER BY TaxKey"));
-    q.addBindValue(district);
-    q.addBindValue(ward);
+    q.addBindValue(m_district);
+    q.addBindValue(m_ward);
     if (q.exec())
         for (int i = 0; i < 3 && q.next(); ++i)
             lblSpecFace[i]->setText(TextField(q.value(0)).trimmed() + QLatin1Char(':'));
 }
 
-bool frmREVoidReceipt::eventFilter(QObject* watched, QEvent* event) {
+bool VoidReceiptScreen::eventFilter(QObject* watched, QEvent* event) {
     // The release that ends a click whose focus change brought a receipt on screen or was
     // refused does not click: the collector sees the receipt before voiding it.
     if (event->type() == QEvent::MouseButtonRelease)
@@ -240,7 +277,7 @@ bool frmREVoidReceipt::eventFilter(QObject* watched, QEvent* event) {
     if (!IsFieldLeave(event) || m_inLeave || m_clearing)
         return QWidget::eventFilter(watched, event);
     QPointer<QWidget> target = QApplication::focusWidget();
-    QPointer<frmREVoidReceipt> self(this);
+    QPointer<VoidReceiptScreen> self(this);
     m_inLeave = true;
     bool cancelClick = false;
     if (watched == txtRecnum)
@@ -255,19 +292,19 @@ bool frmREVoidReceipt::eventFilter(QObject* watched, QEvent* event) {
     return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }
 
-void frmREVoidReceipt::enterRecnum(const QString& recnum) {
+void VoidReceiptScreen::enterRecnum(const QString& recnum) {
     txtRecnum->setText(recnum);
     m_inLeave = true;
     recnumLeft();
     m_inLeave = false;
 }
 
-void frmREVoidReceipt::openFromQuery(const QString& recnum) {
+void VoidReceiptScreen::openFromQuery(const QString& recnum) {
     clearScreen();
     enterRecnum(recnum);
 }
 
-bool frmREVoidReceipt::recnumLeft() {
+bool VoidReceiptScreen::recnumLeft() {
     const QString recnum = txtRecnum->text();
     if (recnum.trimmed().isEmpty())
         return false;
@@ -277,7 +314,9 @@ bool frmREVoidReceipt::recnumLeft() {
     QSqlQuery q(db);
 
     // 1. The receipt, taken as typed.
-    q.prepare(QStringLiteral("SELECT * FROM TCReceipt WHERE Recnum = ? ORDER BY rowid LIMIT 1"));
+    const DeskTables& tables = *m_kind.tables;
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE Recnum = ? ORDER BY rowid LIMIT 1")
+                  .arg(tables.receipts));
     q.addBindValue(recnum);
     if (!q.exec() || !q.next()) {
         MsgBox(QStringLiteral("Receipt Number Not On File"), title, MsgButtons::Ok,
@@ -290,7 +329,8 @@ bool frmREVoidReceipt::recnumLeft() {
     const QSqlRecord receipt = q.record();
 
     // 2. Voided before.
-    q.prepare(QStringLiteral("SELECT VDate FROM TCVoidReceipt WHERE Recnum = ? LIMIT 1"));
+    q.prepare(
+        QStringLiteral("SELECT VDate FROM %1 WHERE Recnum = ? LIMIT 1").arg(tables.voidReceipts));
     q.addBindValue(recnum);
     if (q.exec() && q.next()) {
         MsgBox(QStringLiteral("Receipt Has Already Been Voided on ") +
@@ -302,14 +342,15 @@ bool frmREVoidReceipt::recnumLeft() {
 
     // 3. A bill whose adjustment was cut off half way is not touched.
     const QString billNo = TextField(receipt.value("BillNo"));
-    q.prepare(QStringLiteral("SELECT AdjFlag FROM TCMaster WHERE BillNo = ? LIMIT 1"));
+    q.prepare(QStringLiteral("SELECT AdjFlag FROM %1 WHERE BillNo = ? LIMIT 1").arg(tables.master));
     q.addBindValue(billNo);
     if (q.exec() && q.next() && FlagField(q.value(0)).trimmed() == QLatin1String("A")) {
-        q.prepare(QStringLiteral("SELECT count(*) FROM TCAdjust WHERE BillNo = ?"));
+        q.prepare(
+            QStringLiteral("SELECT count(*) FROM %1 WHERE BillNo = ?").arg(tables.adjustments));
         q.addBindValue(billNo);
         if (q.exec() && q.next() && q.value(0).toLongLong() == 0) {
-            MsgBox(QString::fromLatin1(IncompleteAdjustmentOnVoid),
-                   QString::fromLatin1(IntegrityErrorTitle), MsgButtons::Ok, MsgIcon::Critical);
+            MsgBox(m_kind.incompleteAdjustmentText, QString::fromLatin1(IntegrityErrorTitle),
+                   MsgButtons::Ok, MsgIcon::Critical);
             CloseScreen(this);
             return true;
         }
@@ -317,8 +358,8 @@ bool frmREVoidReceipt::recnumLeft() {
 
     // 4. Its refunds.
     m_distributedRefunds = false;
-    q.prepare(
-        QStringLiteral("SELECT DisbNum FROM TCRefund WHERE RecNum = ? ORDER BY RecNum, RecNumID"));
+    q.prepare(QStringLiteral("SELECT DisbNum FROM %1 WHERE RecNum = ? ORDER BY RecNum, RecNumID")
+                  .arg(tables.refundsOfVoid));
     q.addBindValue(recnum);
     bool anyRefund = false;
     if (q.exec()) {
@@ -342,22 +383,24 @@ bool frmREVoidReceipt::recnumLeft() {
     txtControl->setText(text("Control"));
     txtBillNo->setText(billNo);
     txtAdjNo->setText(text("AdjNo"));
-    txtMap3->setText(text("Map3"));
-    txtMap4->setText(text("Map4"));
-    txtMap5->setText(text("Map5"));
+    if (tables.hasMap) {
+        txtMap3->setText(text("Map3"));
+        txtMap4->setText(text("Map4"));
+        txtMap5->setText(text("Map5"));
+    }
     txtName->setText(text("Name"));
     txtPayor->setText(text("Payor"));
     txtCDisbNum->setText(text("CDisbNum"));
     txtTDisbNum->setText(text("TDisbNum"));
     txtSDisbNum->setText(text("SDisbNum"));
-    QLineEdit* lineFields[TaxLineCount] = {txtCounty,      txtLibrary,     txtC1Face,
-                                           txtTwp,         txtSpecFace[0], txtSpecFace[1],
-                                           txtSpecFace[2], txtSchool,      txtSch1Face};
     Money totals[3];
-    for (int i = 0; i < TaxLineCount; ++i) {
-        const Money amount = ReceiptLineAmount(receipt, i);
-        lineFields[i]->setText(amount.format(pattern));
-        totals[int(BodyOfLine(i))] += amount;
+    for (std::size_t i = 0; i < m_kind.lines.size(); ++i) {
+        const VoidLine& line = m_kind.lines[i];
+        const Money amount = MoneyField(receipt.value(line.faceColumn)) +
+                             MoneyField(receipt.value(QLatin1Char('D') + line.faceColumn)) +
+                             MoneyField(receipt.value(QLatin1Char('P') + line.faceColumn));
+        m_lineFields[i]->setText(amount.format(pattern));
+        totals[int(line.body)] += amount;
     }
     txtCTotal->setText(totals[0].format(pattern));
     txtTTotal->setText(totals[1].format(pattern));
@@ -385,7 +428,7 @@ bool frmREVoidReceipt::recnumLeft() {
     return changed;
 }
 
-bool frmREVoidReceipt::vDateLeft() {
+bool VoidReceiptScreen::vDateLeft() {
     if (ParseTypedDate(txtVDate->text()))
         return true;
     MsgBox(QStringLiteral("Invalid Date Voided"), QString::fromLatin1(VoidTitle), MsgButtons::Ok,
@@ -395,7 +438,7 @@ bool frmREVoidReceipt::vDateLeft() {
     return false;
 }
 
-void frmREVoidReceipt::accept() {
+void VoidReceiptScreen::accept() {
     if (m_shownRecnum.isEmpty())
         return;
     m_inLeave = true;
@@ -417,7 +460,7 @@ void frmREVoidReceipt::accept() {
     request.voidDate = *voided;
     request.reason = txtReason->text();
     const VoidResult result =
-        VoidRealEstateReceipt(session().DbConnection, request, Clock::today(), m_taxYear);
+        VoidReceipt(session().DbConnection, *m_kind.tables, request, Clock::today(), m_taxYear);
     m_inLeave = false;
     if (!result.ok) {
         MsgBox(QStringLiteral("The receipt could not be voided: ") + result.error,
@@ -430,7 +473,7 @@ void frmREVoidReceipt::accept() {
     clearScreen();
 }
 
-void frmREVoidReceipt::clearScreen() {
+void VoidReceiptScreen::clearScreen() {
     m_clearing = true;
     for (QLineEdit* field : findChildren<QLineEdit*>())
         field->clear();

@@ -1,0 +1,146 @@
+// The per capita payment desk's figures on a full-size demo database: a person's bill number
+// left on frmPCReceivePayment until the bill is shown, and Accept until the payment is
+// committed (no printing). Medians of --bills bills; the last line reads
+// "RESULT pc_show_ms=<median> pc_accept_ms=<median>".
+//
+//   bench_pc_desk [--parcels N] [--persons N] [--bills N]
+// Run with QT_QPA_PLATFORM=offscreen when there is no display.
+
+#include "bench_support.h"
+#include "core/messages.h"
+#include "core/session.h"
+#include "demo/demo_database.h"
+#include "desk/percapita/pc_receive_payment.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+namespace {
+
+// Answers every question Yes and every box OK; counts what was asked.
+class YesToEverything final : public MessageService {
+public:
+    int boxes = 0;
+    QStringList unexpected;
+    MsgAnswer message(const QString& title, const QString& text, MsgButtons buttons,
+                      MsgIcon) override {
+        ++boxes;
+        if (text != QLatin1String("Payment Received") &&
+            !text.startsWith(QLatin1String("Are you sure")) &&
+            !text.startsWith(QLatin1String("Do you want")))
+            unexpected << title + QStringLiteral(": ") + text;
+        return buttons == MsgButtons::Ok ? MsgAnswer::Ok : MsgAnswer::Yes;
+    }
+    std::optional<QString> input(const QString&, const QString&, const QString&) override {
+        return QStringLiteral("0");
+    }
+    std::optional<QString> openFileName(const QString&, const QString&, const QString&) override {
+        return std::nullopt;
+    }
+    std::optional<QString> saveFileName(const QString&, const QString&, const QString&) override {
+        return std::nullopt;
+    }
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    DemoOptions options;
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int bills = Argument(args, "--bills", 200);
+
+    QTemporaryDir dir;
+    const QString path = dir.filePath("KestLevyDsk2013.sqlite");
+    QString error;
+    if (!CreateDemoDatabase(path, options, &error)) {
+        std::fprintf(stderr, "demo database failed: %s\n", qPrintable(error));
+        return 1;
+    }
+    if (!OpenSessionDatabase(path, &error)) {
+        std::fprintf(stderr, "cannot open the demo database: %s\n", qPrintable(error));
+        return 1;
+    }
+    {
+        QSqlQuery q(session().DbConnection);
+        if (q.exec("SELECT TaxYear FROM Millfile WHERE District || Ward = '000'") && q.next())
+            session().TaxYear = q.value(0).toString().left(4);
+    }
+
+    // Bills with nothing paid, spread over the whole file.
+    QStringList billNos;
+    {
+        QSqlQuery q(session().DbConnection);
+        q.exec("SELECT BillNo FROM PCMaster WHERE trim(CPayFlag) = '' AND trim(TPayFlag) = '' "
+               "AND trim(SPayFlag) = '' AND AdjFlag <> 'A' AND CAddrFlag <> 'A' "
+               "AND CPerCapita + COccupation + TPerCapita + TOccupation + SPerCapita + SOccupation "
+               "> 0 "
+               "ORDER BY BillNo");
+        QStringList all;
+        while (q.next())
+            all << q.value(0).toString();
+        const qsizetype step = std::max<qsizetype>(1, all.size() / std::max(1, bills));
+        for (qsizetype i = 0; i < all.size() && billNos.size() < bills; i += step)
+            billNos << all.at(i);
+    }
+    if (billNos.isEmpty()) {
+        std::fprintf(stderr, "no unpaid per capita bills in the demo database\n");
+        return 1;
+    }
+
+    auto* answers = new YesToEverything;
+    installMessageService(std::unique_ptr<MessageService>(answers));
+    auto screen = std::make_unique<frmPCReceivePayment>();
+    screen->show();
+    app.processEvents();
+
+    std::vector<double> shown;
+    std::vector<double> accepted;
+    for (const QString& billNo : billNos) {
+        QElapsedTimer t;
+        t.start();
+        screen->enterBillNo(billNo.trimmed());
+        shown.push_back(t.nsecsElapsed() / 1e6);
+        if (screen->txtName->text().isEmpty()) {
+            std::fprintf(stderr, "bill %s was not shown\n", qPrintable(billNo));
+            return 1;
+        }
+
+        screen->txtPayor->setText(QStringLiteral("BENCH PAYOR"));
+        screen->txtChecknum->setText(QStringLiteral("1000"));
+        screen->chkPrintReceipt->setChecked(false);
+        t.restart();
+        screen->cmdAccept->click();
+        accepted.push_back(t.nsecsElapsed() / 1e6);
+        app.processEvents();
+    }
+
+    QSqlQuery q(session().DbConnection);
+    q.exec("SELECT count(*) FROM PCReceipt WHERE Payor = 'BENCH PAYOR'");
+    const int written = q.next() ? q.value(0).toInt() : 0;
+    std::printf("per capita payment desk on %d persons, %lld bills:\n", options.persons,
+                static_cast<long long>(billNos.size()));
+    std::printf("  bill number left -> bill shown:   median %.2f ms, worst %.2f ms\n",
+                Median(shown), Worst(shown));
+    std::printf("  accept -> payment committed:      median %.2f ms, worst %.2f ms\n",
+                Median(accepted), Worst(accepted));
+    std::printf("  receipts written: %d\n", written);
+    for (const QString& box : answers->unexpected)
+        std::printf("  unexpected box: %s\n", qPrintable(box));
+    screen.reset();
+    CloseSessionDatabase();
+    std::printf("RESULT pc_show_ms=%.2f pc_accept_ms=%.2f\n", Median(shown), Median(accepted));
+    return written == billNos.size() ? 0 : 1;
+}

@@ -1,0 +1,407 @@
+// The per capita money rules by period and the per capita write functions on temporary
+// databases: what a payment writes and in which order, the void's negated copy and its refund
+// check in TCRefund, refund rows, and nothing written when a write fails.
+#include "desk/percapita/pc_receipt.h"
+#include "desk/percapita/pc_receipt_writes.h"
+#include "support/test_support.h"
+
+#include "core/tax_database.h"
+
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTest>
+
+namespace {
+
+Money M(const char* text) {
+    return Money::parse(QString::fromLatin1(text)).value();
+}
+
+QDate D(const char* iso) {
+    return QDate::fromString(QString::fromLatin1(iso), Qt::ISODate);
+}
+
+QString rows(const QSqlDatabase& db, const QString& sql) {
+    QSqlQuery q(db);
+    if (!q.exec(sql))
+        return QStringLiteral("ERROR ") + sql;
+    QStringList out;
+    while (q.next()) {
+        QStringList cells;
+        for (int i = 0; i < q.record().count(); ++i)
+            cells << (q.value(i).isNull() ? QStringLiteral("<null>") : q.value(i).toString());
+        out << cells.join(u'|');
+    }
+    return out.join(u';');
+}
+
+// Every write to the tables a payment or void touches lands in a log, in order.
+void logWrites(TempTaxDatabase& t) {
+    t.exec("CREATE TABLE WriteLog (n INTEGER PRIMARY KEY, what TEXT)");
+    const char* triggers[][2] = {
+        {"UPDATE", "PCMaster"},  {"UPDATE", "PCReceiptNum"},  {"INSERT", "PCReceipt"},
+        {"UPDATE", "PCReceipt"}, {"INSERT", "PCVoidReceipt"}, {"DELETE", "TCRefund"},
+        {"DELETE", "PCRefund"},  {"UPDATE", "TCMaster"},      {"UPDATE", "TCReceiptNum"},
+    };
+    int n = 0;
+    for (const auto& tr : triggers)
+        t.exec(QStringLiteral("CREATE TRIGGER log%1 AFTER %2 ON %3 BEGIN INSERT INTO WriteLog "
+                              "(what) VALUES ('%2 %3'); END")
+                   .arg(++n)
+                   .arg(QLatin1String(tr[0]), QLatin1String(tr[1])));
+}
+
+// A person's bill: county 5.00 (4.90 / 5.50) and occupation 2.00 (1.96 / 2.20), borough 10.00
+// (9.80 / 11.00) and 4.00 (3.92 / 4.40), school 5.00 (4.90 / 5.50), no school occupation.
+void insertBill(TempTaxDatabase& t) {
+    QVERIFY(t.exec(
+        "INSERT INTO PCMaster (District, Ward, Control, BillNo, Name, LName, FName, Addr2, City, "
+        "State, ZipCode, DCPerCapita, CPerCapita, PCPerCapita, DCOccupation, COccupation, "
+        "PCOccupation, DTPerCapita, TPerCapita, PTPerCapita, DTOccupation, TOccupation, "
+        "PTOccupation, DSPerCapita, SPerCapita, PSPerCapita, DSOccupation, SOccupation, "
+        "PSOccupation, AdjFlag, CPayFlag, TPayFlag, SPayFlag, CAddrFlag) VALUES ('12', '3', "
+        "'000101', '    1', 'MARY A O''BRIEN', 'O''BRIEN', 'MARY', '12 MAIN ST', 'MAPLE', 'PA', "
+        "'19000', 49000, 50000, 55000, 19600, 20000, 22000, 98000, 100000, 110000, 39200, 40000, "
+        "44000, 49000, 50000, 55000, 0, 0, 0, ' ', ' ', ' ', ' ', ' ')"));
+}
+
+BillNow readBill(TempTaxDatabase& t) {
+    return ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("    1"));
+}
+
+PaymentPeriods periods(const char* letters) {
+    return {QChar(letters[0]), QChar(letters[1]), QChar(letters[2])};
+}
+
+PaymentSelection ticks(bool county, bool twp, bool school) {
+    PaymentSelection s;
+    s.county = county;
+    s.twp = twp;
+    s.school = school;
+    return s;
+}
+
+PerCapitaPosting posting(TempTaxDatabase& t, const PaymentSelection& s, const char* letters) {
+    const BillNow bill = readBill(t);
+    const PaymentPeriods p = periods(letters);
+    PerCapitaPosting out =
+        BuildPerCapitaPosting(bill, s, p, PerCapitaAmountsForPeriods(bill.bill, p));
+    out.receipt.rdate = D("2013-04-15");
+    out.receipt.payor = QStringLiteral("PAT O'NEIL");
+    out.receipt.checknum = QStringLiteral("CASH");
+    return out;
+}
+
+} // namespace
+
+class TestPCReceiptWrites : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void amountsByPeriod_data();
+    void amountsByPeriod();
+    void offeredAndDue();
+    void buildTakesTickedBodies();
+    void postWritesInOrder();
+    void postRefusedWritesNothing();
+    void voidNegatesAndChecksTCRefund();
+    void voidKeepsDistributedRefunds();
+    void voidRefusedWritesNothing();
+    void refundRows();
+    void receiptPage();
+};
+
+void TestPCReceiptWrites::amountsByPeriod_data() {
+    QTest::addColumn<QString>("letters");
+    QTest::addColumn<QString>("county");
+    QTest::addColumn<QString>("twp");
+    QTest::addColumn<QString>("school");
+    QTest::addColumn<QString>("countyPerCapitaDiff");
+    AddRow("all at discount", QString("DDD"), QString("6.86"), QString("13.72"), QString("4.90"),
+           QString("-0.10"));
+    AddRow("all at face", QString("FFF"), QString("7.00"), QString("14.00"), QString("5.00"),
+           QString("0.00"));
+    AddRow("all at penalty", QString("PPP"), QString("7.70"), QString("15.40"), QString("5.50"),
+           QString("0.50"));
+    // Each body at its own period.
+    AddRow("mixed", QString("PFD"), QString("7.70"), QString("14.00"), QString("4.90"),
+           QString("0.50"));
+}
+
+void TestPCReceiptWrites::amountsByPeriod() {
+    QFETCH(QString, letters);
+    QFETCH(QString, county);
+    QFETCH(QString, twp);
+    QFETCH(QString, school);
+    QFETCH(QString, countyPerCapitaDiff);
+    TempTaxDatabase t;
+    insertBill(t);
+    const QByteArray l = letters.toLatin1();
+    const PerCapitaAmounts a = PerCapitaAmountsForPeriods(readBill(t).bill, periods(l.constData()));
+    QCOMPARE(a.bodyTotal(TaxBody::County).toPlain(), county);
+    QCOMPARE(a.bodyTotal(TaxBody::Twp).toPlain(), twp);
+    QCOMPARE(a.bodyTotal(TaxBody::School).toPlain(), school);
+    QCOMPARE(a.total(), a.bodyTotal(TaxBody::County) + a.bodyTotal(TaxBody::Twp) +
+                            a.bodyTotal(TaxBody::School));
+    // The receipt's differences: discount minus face at D, penalty minus face at P.
+    const LineTake& c = a.line[LineCPerCapita];
+    QCOMPARE(c.face, M("5.00"));
+    QCOMPARE((c.discountDiff + c.penaltyDiff).toPlain(), countyPerCapitaDiff);
+    QVERIFY(c.discountDiff <= Money() && c.penaltyDiff >= Money());
+}
+
+void TestPCReceiptWrites::offeredAndDue() {
+    TempTaxDatabase t;
+    insertBill(t);
+    const PerCapitaAmounts a = PerCapitaAmountsForPeriods(readBill(t).bill, periods("DFP"));
+    const PaymentSelection all = ticks(true, true, true);
+    QCOMPARE(PerCapitaTotalDue(all, a), M("26.36"));
+    QCOMPARE(PerCapitaAmountOffered(all, u" ", u" ", u" ", a), M("26.36"));
+    // A body already paid offers nothing, but its ticked total still counts as due.
+    QCOMPARE(PerCapitaAmountOffered(all, u"D", u" ", u" ", a), M("19.50"));
+    QCOMPARE(PerCapitaTotalDue(ticks(false, true, false), a), M("14.00"));
+    QCOMPARE(PerCapitaAmountOffered(ticks(false, false, false), u" ", u" ", u" ", a), Money());
+    // A body whose two faces add up to zero is closed.
+    QCOMPARE(PerCapitaBodyFace(readBill(t).bill, TaxBody::School), M("5.00"));
+    t.exec("UPDATE PCMaster SET SPerCapita = 0");
+    QVERIFY(PerCapitaBodyFace(readBill(t).bill, TaxBody::School).isZero());
+}
+
+void TestPCReceiptWrites::buildTakesTickedBodies() {
+    TempTaxDatabase t;
+    insertBill(t);
+    const PerCapitaPosting p = posting(t, ticks(true, false, true), "DFP");
+    const PerCapitaReceipt& r = p.receipt;
+    QCOMPARE(r.line[LineCPerCapita], (AmountTriple{M("-0.10"), M("5.00"), Money()}));
+    QCOMPARE(r.line[LineCOccupation], (AmountTriple{M("-0.04"), M("2.00"), Money()}));
+    QCOMPARE(r.line[LineTPerCapita], AmountTriple());
+    QCOMPARE(r.line[LineSPerCapita], (AmountTriple{Money(), M("5.00"), M("0.50")}));
+    QCOMPARE(r.linesTotal(), M("12.36"));
+    QCOMPARE(r.cPayFlag, QStringLiteral("D"));
+    QCOMPARE(r.tPayFlag, QStringLiteral(" "));
+    QCOMPARE(r.sPayFlag, QStringLiteral("P"));
+    QCOMPARE(p.master[0], std::optional<QString>("D"));
+    QVERIFY(!p.master[1]);
+    QCOMPARE(p.master[2], std::optional<QString>("P"));
+    QCOMPARE(r.name, QStringLiteral("MARY A O'BRIEN"));
+}
+
+void TestPCReceiptWrites::postWritesInOrder() {
+    TempTaxDatabase t;
+    insertBill(t);
+    t.exec("UPDATE PCReceiptNum SET ReceiptNum = 7");
+    logWrites(t);
+    PerCapitaPosting p = posting(t, ticks(true, true, false), "DDD");
+    p.receipt.overage = M("0.25");
+    const PostingResult r = PostPerCapitaPayment(t.db(), p, D("2013-04-16"));
+    QVERIFY2(r.ok, qPrintable(r.error));
+    // The receipt number is today's date (not the date credited) and the counter.
+    QCOMPARE(r.recnum, QStringLiteral("201304160007"));
+    QCOMPARE(rows(t.db(), "SELECT what FROM WriteLog ORDER BY n"),
+             QStringLiteral("UPDATE PCMaster;UPDATE PCReceiptNum;INSERT PCReceipt"));
+    QCOMPARE(rows(t.db(), "SELECT CPayFlag, TPayFlag, SPayFlag FROM PCMaster"),
+             QStringLiteral("D|D| "));
+    QCOMPARE(rows(t.db(), "SELECT ReceiptNum FROM PCReceiptNum"), QStringLiteral("8"));
+    QCOMPARE(rows(t.db(), "SELECT ReceiptNum FROM TCReceiptNum"), QStringLiteral("1"));
+    QCOMPARE(rows(t.db(),
+                  "SELECT Recnum, Control, BillNo, AdjNo, Name, RDate, Payor, Checknum, "
+                  "CPayFlag, TPayFlag, SPayFlag, CDisbNum, TDisbNum, SDisbNum, Overage, Refund, "
+                  "VDate FROM PCReceipt"),
+             QStringLiteral("201304160007|000101|    1|0|MARY A O'BRIEN|2013-04-15|PAT O'NEIL|"
+                            "CASH|D|D| |      |      |      |2500|0|<null>"));
+    QCOMPARE(rows(t.db(), "SELECT CPerCapita, DCPerCapita, PCPerCapita, TOccupation, DTOccupation, "
+                          "SPerCapita, DSPerCapita FROM PCReceipt"),
+             QStringLiteral("50000|-1000|0|40000|-800|0|0"));
+}
+
+void TestPCReceiptWrites::postRefusedWritesNothing() {
+    TempTaxDatabase t;
+    insertBill(t);
+    QVERIFY(t.exec("CREATE TRIGGER refuse BEFORE INSERT ON PCReceipt BEGIN "
+                   "SELECT RAISE(ABORT, 'disk full'); END"));
+    const PostingResult r =
+        PostPerCapitaPayment(t.db(), posting(t, ticks(true, true, true), "DDD"), D("2013-04-16"));
+    QVERIFY(!r.ok);
+    QVERIFY(r.error.contains(QStringLiteral("disk full")));
+    QVERIFY(r.recnum.isEmpty());
+    QCOMPARE(rows(t.db(), "SELECT CPayFlag || TPayFlag || SPayFlag FROM PCMaster"),
+             QStringLiteral("   "));
+    QCOMPARE(rows(t.db(), "SELECT ReceiptNum FROM PCReceiptNum"), QStringLiteral("1"));
+}
+
+void TestPCReceiptWrites::voidNegatesAndChecksTCRefund() {
+    TempTaxDatabase t;
+    insertBill(t);
+    PerCapitaPosting p = posting(t, ticks(true, false, true), "DFP");
+    p.receipt.refund = M("3.00");
+    const PostingResult posted = PostPerCapitaPayment(t.db(), p, D("2013-04-16"));
+    QVERIFY(posted.ok);
+    t.exec("UPDATE PCReceipt SET CDisbNum = '201301'");
+    // A per capita refund of the receipt, and a real-estate refund of the same number.
+    QVERIFY(AddPerCapitaRefund(t.db(), {"000101",
+                                        "    1",
+                                        0,
+                                        posted.recnum,
+                                        1,
+                                        {},
+                                        {},
+                                        {},
+                                        "PAT",
+                                        {},
+                                        {},
+                                        {},
+                                        {},
+                                        {},
+                                        {},
+                                        "OVERPAID",
+                                        M("3.00"),
+                                        "201300",
+                                        D("2013-04-16")}));
+    QVERIFY(t.exec(QStringLiteral("INSERT INTO TCRefund (RecNum, RecNumID, Refund, DisbNum) "
+                                  "VALUES ('%1', 1, 70000, '201300')")
+                       .arg(posted.recnum)));
+    logWrites(t);
+    const VoidResult v = VoidPerCapitaReceipt(
+        t.db(), {posted.recnum, D("2013-04-17"), QStringLiteral("MARY'S ERROR")}, D("2013-04-18"),
+        QStringLiteral("2013"));
+    QVERIFY2(v.ok, qPrintable(v.error));
+    QVERIFY(v.refundsRemoved);
+    QCOMPARE(rows(t.db(), "SELECT what FROM WriteLog ORDER BY n"),
+             QStringLiteral("UPDATE PCMaster;INSERT PCVoidReceipt;UPDATE PCReceipt;"
+                            "DELETE TCRefund"));
+    QCOMPARE(rows(t.db(), "SELECT CPayFlag || TPayFlag || SPayFlag FROM PCMaster"),
+             QStringLiteral("   "));
+    QCOMPARE(rows(t.db(), "SELECT VDate FROM PCReceipt"), QStringLiteral("2013-04-18"));
+    // Every money column negated, the receipt's keys kept as RCDisbNum.., its own blank.
+    QCOMPARE(rows(t.db(),
+                  "SELECT CPerCapita, DCPerCapita, SPerCapita, PSPerCapita, Refund, Overage, "
+                  "RCDisbNum, RTDisbNum, CDisbNum, VDate, Reason, SysDate, Name, Payor "
+                  "FROM PCVoidReceipt"),
+             QStringLiteral("-50000|1000|-50000|-5000|-30000|0|201301|      |      |2013-04-17|"
+                            "MARY'S ERROR|2013-04-18|MARY A O'BRIEN|PAT O'NEIL"));
+    // The per capita refund stays; the real-estate one of the same number went.
+    QCOMPARE(rows(t.db(), "SELECT count(*) FROM PCRefund"), QStringLiteral("1"));
+    QCOMPARE(rows(t.db(), "SELECT count(*) FROM TCRefund"), QStringLiteral("0"));
+}
+
+void TestPCReceiptWrites::voidKeepsDistributedRefunds() {
+    TempTaxDatabase t;
+    insertBill(t);
+    const PostingResult posted =
+        PostPerCapitaPayment(t.db(), posting(t, ticks(false, true, false), "FFF"), D("2013-04-16"));
+    QVERIFY(posted.ok);
+    QVERIFY(t.exec(QStringLiteral("INSERT INTO TCRefund (RecNum, RecNumID, Refund, DisbNum) "
+                                  "VALUES ('%1', 1, 10000, '201300'), ('%1', 2, 20000, '201302')")
+                       .arg(posted.recnum)));
+    const VoidResult v = VoidPerCapitaReceipt(t.db(), {posted.recnum, D("2013-04-17"), "X"},
+                                              D("2013-04-18"), QStringLiteral("2013"));
+    QVERIFY(v.ok);
+    QVERIFY(!v.refundsRemoved);
+    QCOMPARE(rows(t.db(), "SELECT count(*) FROM TCRefund"), QStringLiteral("2"));
+    QCOMPARE(rows(t.db(), "SELECT TPayFlag FROM PCMaster"), QStringLiteral(" "));
+}
+
+void TestPCReceiptWrites::voidRefusedWritesNothing() {
+    TempTaxDatabase t;
+    insertBill(t);
+    const PostingResult posted =
+        PostPerCapitaPayment(t.db(), posting(t, ticks(true, true, true), "DDD"), D("2013-04-16"));
+    QVERIFY(posted.ok);
+    // A number not on file, and a receipt voided before.
+    QVERIFY(!VoidPerCapitaReceipt(t.db(), {"201304169999", D("2013-04-17"), "X"}, D("2013-04-18"),
+                                  "2013")
+                 .ok);
+    QVERIFY(
+        VoidPerCapitaReceipt(t.db(), {posted.recnum, D("2013-04-17"), "X"}, D("2013-04-18"), "2013")
+            .ok);
+    t.exec("UPDATE PCMaster SET CPayFlag = 'D'");
+    const VoidResult again = VoidPerCapitaReceipt(t.db(), {posted.recnum, D("2013-04-17"), "X"},
+                                                  D("2013-04-19"), "2013");
+    QVERIFY(!again.ok);
+    QCOMPARE(rows(t.db(), "SELECT count(*) FROM PCVoidReceipt"), QStringLiteral("1"));
+    QCOMPARE(rows(t.db(), "SELECT CPayFlag FROM PCMaster"), QStringLiteral("D"));
+    // A failing copy takes the flags back with it.
+    TempTaxDatabase u;
+    insertBill(u);
+    const PostingResult other =
+        PostPerCapitaPayment(u.db(), posting(u, ticks(true, true, true), "DDD"), D("2013-04-16"));
+    QVERIFY(u.exec("CREATE TRIGGER refuse BEFORE INSERT ON PCVoidReceipt BEGIN "
+                   "SELECT RAISE(ABORT, 'disk full'); END"));
+    QVERIFY(
+        !VoidPerCapitaReceipt(u.db(), {other.recnum, D("2013-04-17"), "X"}, D("2013-04-18"), "2013")
+             .ok);
+    QCOMPARE(rows(u.db(), "SELECT CPayFlag || TPayFlag || SPayFlag FROM PCMaster"),
+             QStringLiteral("DDD"));
+    QCOMPARE(rows(u.db(), "SELECT count(*) FROM PCReceipt WHERE VDate IS NULL"),
+             QStringLiteral("1"));
+}
+
+void TestPCReceiptWrites::refundRows() {
+    TempTaxDatabase t;
+    RefundRecord f{"000101",   "    1",      2,        "201304160001", 1,
+                   "M3",       "M4",         "M5",     "O'NEIL",       "PO BOX 5",
+                   {},         "HARRISBURG", "PA",     "17101",        {},
+                   "OVERPAID", M("4.00"),    "201300", D("2013-04-16")};
+    QVERIFY(AddPerCapitaRefund(t.db(), f));
+    f.recNumId = 2;
+    f.refund = M("6.00");
+    QVERIFY(AddPerCapitaRefund(t.db(), f));
+    QCOMPARE(rows(t.db(),
+                  "SELECT Control, BillNo, AdjNo, RecNum, RecNumID, Name, Addr1, City, State, "
+                  "ZipCode, Desc1, Refund, DisbNum, RDate FROM PCRefund ORDER BY RecNumID"),
+             QStringLiteral("000101|    1|2|201304160001|1|O'NEIL|PO BOX 5|HARRISBURG|PA|17101|"
+                            "OVERPAID|40000|201300|2013-04-16;"
+                            "000101|    1|2|201304160001|2|O'NEIL|PO BOX 5|HARRISBURG|PA|17101|"
+                            "OVERPAID|60000|201300|2013-04-16"));
+    QCOMPARE(rows(t.db(), "SELECT count(*) FROM TCRefund"), QStringLiteral("0"));
+    // The real-estate refund keeps its map.
+    QVERIFY(AddRealEstateRefund(t.db(), f));
+    QCOMPARE(rows(t.db(), "SELECT Map3, Map5, RecNumID FROM TCRefund"), QStringLiteral("M3|M5|2"));
+}
+
+void TestPCReceiptWrites::receiptPage() {
+    TempTaxDatabase t;
+    insertBill(t);
+    t.exec("INSERT INTO tbl_District (District, Ward) VALUES ('12', '3')");
+    t.exec("INSERT INTO tbl_Twpboro (District, Ward, TwpBoro, BTFlag) VALUES ('12', '3', "
+           "'MAPLE CITY', 'C')");
+    t.exec("INSERT INTO Millfile (District, Ward, TaxYear, SPC, SMO) VALUES ('00', '0', '2013', "
+           "5, 1)");
+    t.exec("INSERT INTO Millfile (District, Ward, TaxYear, TPC, TMO, SPC, SMO) VALUES ('12', "
+           "'3', '2013', 10, 2, 5, 0)");
+    const PostingResult posted =
+        PostPerCapitaPayment(t.db(), posting(t, ticks(false, true, true), "DPF"), D("2013-04-16"));
+    QVERIFY(posted.ok);
+    ReceiptOffice office;
+    QVERIFY(LoadPCReceipt(t.db(), posted.recnum, &office));
+    QString error;
+    QVERIFY(!LoadPCReceipt(t.db(), QStringLiteral("201304169999"), &office, &error) &&
+            error == QStringLiteral("Receipt Number Not On File"));
+    QVERIFY(LoadPCReceipt(t.db(), posted.recnum, &office));
+    ReceiptScreenText fields;
+    fields.name = QStringLiteral("MARY A O'BRIEN");
+    fields.control = QStringLiteral("000101");
+    const ReceiptPage page = PCReceiptPage(office, fields, true);
+    QCOMPARE(page.barcodePayload, QStringLiteral("41") + posted.recnum);
+    QCOMPARE(page.tableTitle, QStringLiteral("PER CAPITA TAX PAYMENT - TAX YEAR 2013"));
+    QCOMPARE(page.parcel.size(), std::size_t(2));
+    QCOMPARE(page.parcel[0].text, QStringLiteral("Control #: 12-3-000101"));
+    // The city's two lines at penalty and the school's per capita at face; the school levies
+    // no occupation tax, so it has no row; the county was not paid.
+    QCOMPARE(page.rows.size(), std::size_t(3));
+    QCOMPARE(page.rows[0].description, QStringLiteral("CITY"));
+    QCOMPARE(page.rows[0].mills, QStringLiteral("10.00"));
+    QCOMPARE(page.rows[0].penalty, QStringLiteral("$1.00"));
+    QCOMPARE(page.rows[0].payment, QStringLiteral("$11.00"));
+    QCOMPARE(page.rows[1].mills, QStringLiteral("2.00"));
+    QCOMPARE(page.rows[2].description, QStringLiteral("SCHOOL"));
+    QCOMPARE(page.rows[2].discount, QString());
+    QCOMPARE(page.total.payment, QStringLiteral("$20.40"));
+    QVERIFY(page.duplicate);
+    QCOMPARE(page.sentences.front().join(QString()),
+             QStringLiteral("Your payment was credited on 04/15/13. (City paid at Penalty. "
+                            "School paid at Face. )"));
+}
+
+QTEST_GUILESS_MAIN(TestPCReceiptWrites)
+#include "test_pc_receipt_writes.moc"
