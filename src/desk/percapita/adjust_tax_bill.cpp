@@ -304,7 +304,7 @@ void frmPCAdjustTaxBill::buildScreen() {
         connect(box, &QCheckBox::clicked, this, [this] {
             enableAmountFields();
             if (m_action == Exonerate) {
-                PerCapitaAmounts zeroed = m_beforeExoneration;
+                PerCapitaBillAmounts zeroed = m_beforeExoneration;
                 const BodyTicks t = ticked();
                 for (int line = 0; line < PerCapitaLineCount; ++line)
                     if (t[std::size_t(BodyOfPerCapitaLine(line))])
@@ -386,7 +386,7 @@ void frmPCAdjustTaxBill::clearScreen() {
     m_billNo.clear();
     m_flags = BillPayFlags();
     m_nextAdjNo = 1;
-    m_held = PerCapitaAmounts();
+    m_held = PerCapitaBillAmounts();
     for (QLineEdit* field : findChildren<QLineEdit*>()) {
         if (qobject_cast<QComboBox*>(field->parentWidget()))
             continue;
@@ -529,7 +529,7 @@ void frmPCAdjustTaxBill::showImage(const QSqlRecord& image) {
     txtOccuDesc->setText(text("OccuDesc"));
     txtOccuValue->setText(text("OccuValue").trimmed());
     txtBirthdate->setText(text("Birthdate").trimmed());
-    m_held = PerCapitaAmountsFromRecord(image);
+    m_held = PerCapitaBillAmountsFromRecord(image);
     showAmounts();
 }
 
@@ -617,7 +617,7 @@ void frmPCAdjustTaxBill::startAddition() {
         txtBillNo->setText(m_billNo);
     }
     m_flags = BillPayFlags();
-    m_held = PerCapitaAmounts();
+    m_held = PerCapitaBillAmounts();
     txtOccuValue->setText(QStringLiteral("0"));
     cboAction->setEnabled(false);
     txtBillNo->setEnabled(false);
@@ -714,8 +714,8 @@ bool frmPCAdjustTaxBill::faceLeft(QLineEdit* field) {
     return true;
 }
 
-PerCapitaAmounts frmPCAdjustTaxBill::amountsOnScreen() const {
-    PerCapitaAmounts a = m_held;
+PerCapitaBillAmounts frmPCAdjustTaxBill::amountsOnScreen() const {
+    PerCapitaBillAmounts a = m_held;
     const auto faces = faceFields();
     for (int line = 0; line < PerCapitaLineCount; ++line)
         if (const std::optional<Money> face = amountOf(faces[std::size_t(line)]))
@@ -739,7 +739,7 @@ void frmPCAdjustTaxBill::showAmounts() {
 }
 
 void frmPCAdjustTaxBill::showTotals() {
-    const PerCapitaAmounts a = amountsOnScreen();
+    const PerCapitaBillAmounts a = amountsOnScreen();
     txtCTotal->setText(moneyText(a.bodyFace(0)));
     txtTTotal->setText(moneyText(a.bodyFace(1)));
     txtSTotal->setText(moneyText(a.bodyFace(2)));

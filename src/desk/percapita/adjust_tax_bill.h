@@ -119,7 +119,7 @@ private:
     bool occuValueLeft();
     bool faceLeft(QLineEdit* field);
     void computeFromRates();
-    PerCapitaAmounts amountsOnScreen() const;
+    PerCapitaBillAmounts amountsOnScreen() const;
     void showAmounts();
     void showTotals();
 
@@ -139,8 +139,8 @@ private:
     QString m_billNo;
     BillPayFlags m_flags;
     int m_nextAdjNo = 1;
-    PerCapitaAmounts m_held; // every line with its discount and penalty
-    PerCapitaAmounts m_beforeExoneration;
+    PerCapitaBillAmounts m_held; // every line with its discount and penalty
+    PerCapitaBillAmounts m_beforeExoneration;
     bool m_inLeave = false;
     bool m_clearing = false;
 };

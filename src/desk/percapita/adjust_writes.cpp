@@ -7,9 +7,6 @@
 
 namespace {
 
-const char* const LineNames[PerCapitaLineCount] = {"CPerCapita",  "COccupation", "TPerCapita",
-                                                   "TOccupation", "SPerCapita",  "SOccupation"};
-
 Money rounded(double value) {
     return Money::fromRounded(RoundTo(value, 2));
 }
@@ -53,10 +50,6 @@ void addImage(RowValues& row, const PerCapitaBillImage& b) {
 
 } // namespace
 
-QString PerCapitaFaceColumn(int line) {
-    return QString::fromLatin1(LineNames[line]);
-}
-
 QString PerCapitaDiscountColumn(int line) {
     return QLatin1Char('D') + PerCapitaFaceColumn(line);
 }
@@ -65,8 +58,8 @@ QString PerCapitaPenaltyColumn(int line) {
     return QLatin1Char('P') + PerCapitaFaceColumn(line);
 }
 
-PerCapitaAmounts PerCapitaAmountsFromRecord(const QSqlRecord& bill) {
-    PerCapitaAmounts a;
+PerCapitaBillAmounts PerCapitaBillAmountsFromRecord(const QSqlRecord& bill) {
+    PerCapitaBillAmounts a;
     for (int line = 0; line < PerCapitaLineCount; ++line)
         a.line[std::size_t(line)] = {MoneyField(bill.value(PerCapitaDiscountColumn(line))),
                                      MoneyField(bill.value(PerCapitaFaceColumn(line))),
@@ -89,9 +82,10 @@ PerCapitaRates PerCapitaRatesFromMillfile(const QSqlRecord& countyRow,
     return r;
 }
 
-PerCapitaAmounts ComputePerCapitaAmounts(const PerCapitaAmounts& before, qint64 occupationValue,
-                                         const BodyTicks& ticked, const PerCapitaRates& rates) {
-    PerCapitaAmounts a = before;
+PerCapitaBillAmounts ComputePerCapitaAmounts(const PerCapitaBillAmounts& before,
+                                             qint64 occupationValue, const BodyTicks& ticked,
+                                             const PerCapitaRates& rates) {
+    PerCapitaBillAmounts a = before;
     for (int b = 0; b < 3; ++b) {
         if (!ticked[std::size_t(b)])
             continue;
@@ -106,7 +100,7 @@ PerCapitaAmounts ComputePerCapitaAmounts(const PerCapitaAmounts& before, qint64 
     return a;
 }
 
-void RecomputePerCapitaDiscountPenalty(PerCapitaAmounts& amounts, const PerCapitaRates& rates) {
+void RecomputePerCapitaDiscountPenalty(PerCapitaBillAmounts& amounts, const PerCapitaRates& rates) {
     for (int line = 0; line < PerCapitaLineCount; ++line) {
         const PerCapitaBodyRates& r = rates.body[std::size_t(BodyOfPerCapitaLine(line))];
         AmountTriple& t = amounts.line[std::size_t(line)];

@@ -15,36 +15,20 @@
 
 class QSqlRecord;
 
-// The six lines of a per capita bill in column order: per capita and occupation of the county,
-// of the township, borough or city, and of the school.
-enum PerCapitaLine {
-    LineCPerCapita,
-    LineCOccupation,
-    LineTPerCapita,
-    LineTOccupation,
-    LineSPerCapita,
-    LineSOccupation,
-    PerCapitaLineCount
-};
-// The body of a line: 0 county, 1 township, 2 school.
-inline int BodyOfPerCapitaLine(int line) {
-    return line / 2;
-}
-// "CPerCapita", "DCPerCapita", "PCPerCapita", ...
-QString PerCapitaFaceColumn(int line);
+// The discount and penalty columns of a line (its face column is PerCapitaFaceColumn).
 QString PerCapitaDiscountColumn(int line);
 QString PerCapitaPenaltyColumn(int line);
 
-struct PerCapitaAmounts {
+struct PerCapitaBillAmounts {
     std::array<AmountTriple, PerCapitaLineCount> line{};
 
     Money bodyFace(int body) const {
         return line[std::size_t(body * 2)].face + line[std::size_t(body * 2 + 1)].face;
     }
     Money totalFace() const { return bodyFace(0) + bodyFace(1) + bodyFace(2); }
-    bool operator==(const PerCapitaAmounts&) const = default;
+    bool operator==(const PerCapitaBillAmounts&) const = default;
 };
-PerCapitaAmounts PerCapitaAmountsFromRecord(const QSqlRecord& bill);
+PerCapitaBillAmounts PerCapitaBillAmountsFromRecord(const QSqlRecord& bill);
 
 // The rates of one body's two lines.
 struct PerCapitaBodyRates {
@@ -72,10 +56,11 @@ PerCapitaRates PerCapitaRatesFromMillfile(const QSqlRecord& countyRow,
 // The faces of the ticked bodies from their rates and the occupation value (whole dollars), with
 // their discount and penalty: per capita the flat rate; occupation RoundTo(mill / 1000 * value)
 // or the flat rate. Bodies not ticked keep what `before` holds.
-PerCapitaAmounts ComputePerCapitaAmounts(const PerCapitaAmounts& before, qint64 occupationValue,
-                                         const BodyTicks& ticked, const PerCapitaRates& rates);
+PerCapitaBillAmounts ComputePerCapitaAmounts(const PerCapitaBillAmounts& before,
+                                             qint64 occupationValue, const BodyTicks& ticked,
+                                             const PerCapitaRates& rates);
 // Every line's discount and penalty again from its face, whatever the ticks.
-void RecomputePerCapitaDiscountPenalty(PerCapitaAmounts& amounts, const PerCapitaRates& rates);
+void RecomputePerCapitaDiscountPenalty(PerCapitaBillAmounts& amounts, const PerCapitaRates& rates);
 
 // A whole per capita bill image, as PCMaster and PCAdjust hold it.
 struct PerCapitaBillImage {
@@ -89,7 +74,7 @@ struct PerCapitaBillImage {
     QString city, state, zipCode, zipCode2;
     QString occuCode, occuDesc, occuValue;
     QString birthdate; // "mm/dd/yyyy", or empty when none is known
-    PerCapitaAmounts amounts;
+    PerCapitaBillAmounts amounts;
 };
 
 // Adding a bill: PCBillNum moves past the number taken, the PCMaster row with every flag blank,

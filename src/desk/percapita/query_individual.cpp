@@ -351,7 +351,7 @@ bool frmPCQueryIndividual::showBill(int position) {
 void frmPCQueryIndividual::showAmounts() {
     if (m_position < 0)
         return;
-    const PerCapitaAmounts amounts = PerCapitaAmountsFromRecord(m_source);
+    const PerCapitaBillAmounts amounts = PerCapitaBillAmountsFromRecord(m_source);
     Money totals[3];
     for (int line = 0; line < PerCapitaLineCount; ++line) {
         const AmountTriple& t = amounts.line[std::size_t(line)];
@@ -359,7 +359,7 @@ void frmPCQueryIndividual::showAmounts() {
                              : optPenalty->isChecked() ? t.penalty
                                                        : t.face;
         txtLine[std::size_t(line)]->setText(amountText(amount));
-        totals[BodyOfPerCapitaLine(line)] += amount;
+        totals[std::size_t(BodyOfPerCapitaLine(line))] += amount;
     }
     txtCTotal->setText(amountText(totals[0]));
     txtTTotal->setText(amountText(totals[1]));

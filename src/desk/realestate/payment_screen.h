@@ -33,7 +33,7 @@ public:
     void enterBillNo(const QString& billNo);
     // A query screen hands a bill over: the screen is cleared and the bill loaded at once; the
     // bill number stays locked while the query's flag is raised.
-    void openFromQuery(const QString& billNo);
+    Q_INVOKABLE void openFromQuery(const QString& billNo);
 
     // The three bodies: frame, box, period, total.
     QGroupBox* fraCounty = nullptr;

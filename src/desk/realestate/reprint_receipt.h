@@ -78,7 +78,7 @@ public:
     QPushButton* cmdExit = nullptr;
 
     // A query screen hands a receipt over: it is shown at once, as if typed and left.
-    void openFromQuery(const QString& recnum);
+    Q_INVOKABLE void openFromQuery(const QString& recnum);
 
     // The receipt shown, or empty.
     QString shownRecnum() const { return m_recnum; }

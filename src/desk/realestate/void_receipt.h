@@ -43,7 +43,7 @@ public:
     // Puts a receipt number in and runs the field's leave action, as the query screen does.
     void enterRecnum(const QString& recnum);
     // A query screen hands a receipt over: the screen is cleared and the receipt shown at once.
-    void openFromQuery(const QString& recnum);
+    Q_INVOKABLE void openFromQuery(const QString& recnum);
 
     QLineEdit* txtRecnum = nullptr;
     QLineEdit* txtVDate = nullptr;

@@ -136,7 +136,7 @@ void TestPerCapitaCorrections::amountsFromRates() {
         record(t.db(), "SELECT * FROM Millfile WHERE District = '12'"), district, schoolName);
     QVERIFY(rates.body[0].levies());
     QVERIFY(!rates.body[1].levies());
-    const PerCapitaAmounts a = ComputePerCapitaAmounts({}, 12345, {true, true, true}, rates);
+    const PerCapitaBillAmounts a = ComputePerCapitaAmounts({}, 12345, {true, true, true}, rates);
     auto triple = [&](int line) {
         const AmountTriple& x = a.line[std::size_t(line)];
         return x.discount.toPlain() + u'|' + x.face.toPlain() + u'|' + x.penalty.toPlain();
@@ -151,10 +151,10 @@ void TestPerCapitaCorrections::untickedBodyKeepsItsAmounts() {
     PerCapitaRates rates;
     rates.body[0] = {5, 10, false, 2, 10};
     rates.body[2] = {5, 0, false, 2, 10};
-    PerCapitaAmounts before;
+    PerCapitaBillAmounts before;
     before.line[LineSPerCapita] = {Money::fromDollars(1), Money::fromDollars(2),
                                    Money::fromDollars(3)};
-    const PerCapitaAmounts a = ComputePerCapitaAmounts(before, 0, {true, false, false}, rates);
+    const PerCapitaBillAmounts a = ComputePerCapitaAmounts(before, 0, {true, false, false}, rates);
     QCOMPARE(a.line[LineSPerCapita], before.line[LineSPerCapita]);
     QCOMPARE(a.line[LineCOccupation].face, Money::fromDollars(10));
     QCOMPARE(a.totalFace(), Money::fromDollars(17));
@@ -166,7 +166,7 @@ void TestPerCapitaCorrections::recomputeFromFaces() {
     PerCapitaRates rates;
     rates.body[0] = {0, 0, false, 2, 10};
     rates.body[1] = {0, 0, false, 1.5, 5};
-    PerCapitaAmounts a;
+    PerCapitaBillAmounts a;
     a.line[LineCOccupation].face = Money::fromCents(1234);
     a.line[LineTPerCapita].face = Money::fromCents(1001);
     RecomputePerCapitaDiscountPenalty(a, rates);
