@@ -12,6 +12,7 @@
 #include "desk/realestate/receive_payment.h"
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
+#include "desk/yearend/left_for_collection.h"
 #include "distribution/distribute_receipts.h"
 #include "distribution/distribution_file_screens.h"
 #include "distribution/distribution_report_forms.h"
@@ -21,6 +22,7 @@
 #include "utilities/backup_data.h"
 #include "utilities/email_data_file.h"
 #include "utilities/import_duplicate.h"
+#include "utilities/verify_data.h"
 
 #include <QHash>
 
@@ -37,6 +39,13 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuREReportsPrintSchoolTaxBills", entry<frmSchoolRETaxBillFen>("frmSchoolRETaxBillFen")},
         {"mnuREReportsPrintTaxBills", entry<frmREPrintTaxBills>("frmREPrintTaxBills")},
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
+        {"mnuREReportsPrintLeftForCollectionReport",
+         entry<frmREPrintLeftForCollectionReport>("frmREPrintLeftForCollectionReport")},
+        {"mnuREReportsPrintLeftForCollectionReportStLt",
+         entry<frmREPrintLeftForCollectionReportStLt>("frmREPrintLeftForCollectionReportStLt")},
+        {"mnuPCReportsPrintLeftForCollectionReport",
+         entry<frmPCPrintLeftForCollectionReport>("frmPCPrintLeftForCollectionReport")},
+        {"mnuUtilitiesVerifyData", entry<frmVerifyData>("frmVerifyData")},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
         {"mnuREPaymentsAdjustTaxBill", entry<frmREAdjustTaxBill>("frmREAdjustTaxBill")},
