@@ -13,6 +13,7 @@
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
 #include "desk/yearend/left_for_collection.h"
+#include "desk/yearend/returns.h"
 #include "distribution/distribute_receipts.h"
 #include "distribution/distribution_file_screens.h"
 #include "distribution/distribution_report_forms.h"
@@ -45,6 +46,9 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmREPrintLeftForCollectionReportStLt>("frmREPrintLeftForCollectionReportStLt")},
         {"mnuPCReportsPrintLeftForCollectionReport",
          entry<frmPCPrintLeftForCollectionReport>("frmPCPrintLeftForCollectionReport")},
+        {"mnuREReportsPrintReturnsProof", entry<frmREPrintReturnsProof>("frmREPrintReturnsProof")},
+        {"mnuPCReportsPrintReturnsProof", entry<frmPCPrintReturnsProof>("frmPCPrintReturnsProof")},
+        {"mnuUtilitiesCreateReturnsFile", entry<frmRECreateReturnsFile>("frmRECreateReturnsFile")},
         {"mnuUtilitiesVerifyData", entry<frmVerifyData>("frmVerifyData")},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},

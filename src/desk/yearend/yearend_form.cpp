@@ -25,11 +25,25 @@ PrintResult PrintStreamed(const ReportDefinition& definition, QSqlDatabase db,
     job.attach(surface);
     const ReportLookups lookups = ReportLookups::read(db);
     ReportPage page(surface, definition, lookups, ReportMode::Print);
-    if (definition.body && definition.body(page))
-        page.ensureHeader();
+    if (definition.body)
+        definition.body(page);
     surface.NewPage();
     surface.EndDoc();
     return job.finish();
+}
+
+std::optional<Recording> DrawForPreview(const ReportDefinition& definition, QSqlDatabase db) {
+    ReportSurface surface;
+    SetUpReportSurface(surface, definition.preview);
+    const ReportLookups lookups = ReportLookups::read(db);
+    ReportPage page(surface, definition, lookups, ReportMode::Preview);
+    if (definition.body && !definition.body(page))
+        return std::nullopt;
+    surface.NewPage();
+    surface.EndDoc();
+    Recording recording = surface.takeRecording();
+    recording.jobName = definition.caption;
+    return recording;
 }
 
 YearEndReportForm::YearEndReportForm(const char* screenName, const QString& title, bool perCapita,
@@ -125,8 +139,7 @@ void YearEndReportForm::cmdPrintPreview_Click() {
     QSqlDatabase db = session().DbConnection;
     const std::unique_ptr<YearEndReport> report =
         makeReport([this](const QSqlRecord& bill) { showProgress(bill); });
-    const std::optional<Recording> pages =
-        DrawReport(report->definition(), ReportMode::Preview, db);
+    const std::optional<Recording> pages = DrawForPreview(report->definition(), db);
     if (faulted(*report) || !pages)
         return;
     ShowPrintPreview(*pages, report->definition().caption, this, [this] { cmdPrint_Click(); });

@@ -14,6 +14,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QLineEdit;
 class QPushButton;
@@ -35,9 +36,13 @@ protected:
 };
 
 // Draws the report as one job straight to the device, or into the PDF file when pdfPath is
-// given. No job when the body draws nothing.
+// given. No job when the body draws nothing. The body draws its own page headings (the
+// frame's, through ReportPage, or its own).
 PrintResult PrintStreamed(const ReportDefinition& definition, QSqlDatabase db,
                           const QString& deviceName, const QString& pdfPath = QString());
+
+// The same drawing kept whole for the preview window; nothing when the body found nothing.
+std::optional<Recording> DrawForPreview(const ReportDefinition& definition, QSqlDatabase db);
 
 class YearEndReportForm : public QWidget {
     Q_OBJECT
