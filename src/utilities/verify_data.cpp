@@ -585,7 +585,8 @@ void frmVerifyData::cmdVerify_Click() {
         return;
     }
 
-    // Compaction wants the file to itself.
+    // Compaction wants the file to itself: this screen lets go of the connection too.
+    db = QSqlDatabase();
     if (ScreenHost* host = screenHost())
         host->closeScreensExcept({QStringLiteral("frmLevyDeskMain"), QStringLiteral("frmARS"),
                                   QStringLiteral("frmVerifyData")});
