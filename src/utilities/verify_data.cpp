@@ -93,8 +93,18 @@ public:
     bool run() {
         const Duplicate re = realEstate();
         const Duplicate pc = perCapita();
-        return bills(re) && bills(pc) && receiptsAgainstVoids(re) && receiptsAgainstVoids(pc) &&
-               adjustments(re) && adjustments(pc) && distributions(re) && distributions(pc);
+        // The bill passes only mend and never ask: their repairs go in together.
+        QString error;
+        const bool mended = InOneTransaction(m_db, &error, [&] { return bills(re) && bills(pc); });
+        if (!mended) {
+            if (m_out.error.isEmpty())
+                m_out.error = error;
+            m_out.printed.clear();
+            m_out.repairs = 0;
+            return false;
+        }
+        return receiptsAgainstVoids(re) && receiptsAgainstVoids(pc) && adjustments(re) &&
+               adjustments(pc) && distributions(re) && distributions(pc);
     }
 
 private:
@@ -114,7 +124,7 @@ private:
         return q.exec() || fail(q);
     }
 
-    // One repair statement: a statement alone is all or nothing.
+    // One repair statement: all or nothing by itself, or inside the passes' transaction.
     bool repair(const QString& sql, const QString& billNo) {
         QSqlQuery q(m_db);
         if (!q.prepare(sql))
@@ -463,11 +473,15 @@ bool CleanNulls(QSqlDatabase db, QString* error) {
                 tables << name;
         }
     }
+    // One statement a table: each column with a Null gets its empty value, and only the rows
+    // holding a Null are written.
     QStringList statements;
     for (const QString& table : tables) {
         QSqlQuery q(db);
         if (!q.exec(QStringLiteral("PRAGMA table_info(\"%1\")").arg(table)))
             return QueryFailed(db, q, error);
+        QStringList sets;
+        QStringList nulls;
         while (q.next()) {
             const QString column = q.value(1).toString();
             const QString type = q.value(2).toString().toUpper();
@@ -483,9 +497,13 @@ bool CleanNulls(QSqlDatabase db, QString* error) {
                 value = QStringLiteral("0");
             else
                 continue; // dates stay as they are
-            statements << QStringLiteral("UPDATE \"%1\" SET \"%2\" = %3 WHERE \"%2\" IS NULL")
-                              .arg(table, column, value);
+            sets << QStringLiteral("\"%1\" = coalesce(\"%1\", %2)").arg(column, value);
+            nulls << QStringLiteral("\"%1\" IS NULL").arg(column);
         }
+        if (!sets.isEmpty())
+            statements << QStringLiteral("UPDATE \"%1\" SET %2 WHERE %3")
+                              .arg(table, sets.join(QStringLiteral(", ")),
+                                   nulls.join(QStringLiteral(" OR ")));
     }
     return InOneTransaction(db, error, [&] {
         QSqlQuery q(db);

@@ -33,8 +33,9 @@ struct VerifyWalk {
 
 // The eight passes, in their order: real-estate and per capita bills (markers without detail
 // rows are cleared), receipts against voids, adjustment histories (rows without a marker are
-// deleted), receipts against distributions. Each repair is one statement of its own, so a run
-// cut off anywhere leaves every bill whole. `bodyWord` is the municipality's kind
+// deleted), receipts against distributions. The repairs of the two bill passes are one
+// transaction; each later repair is one statement, so a run cut off anywhere leaves every bill
+// whole, and no box is shown while a transaction is open. `bodyWord` is the municipality's kind
 // ("Township", "Borough", "City").
 VerifyWalk VerifyDataWalk(QSqlDatabase db, const QString& bodyWord, const VerifyEvents& events);
 

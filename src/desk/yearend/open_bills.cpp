@@ -4,6 +4,7 @@
 #include "core/tax_database.h"
 #include "rates/millage_common.h"
 
+#include <QHash>
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -25,12 +26,30 @@ double rate(const QSqlRecord& row, const char* column) {
     return v.isNull() ? 0.0 : v.toDouble();
 }
 
+// The field's index in the record: every bill of a walk has the master's layout, so the index
+// found for a column name is tried first.
+int fieldIndex(const QSqlRecord& bill, const char* column) {
+    static QHash<const char*, int> known;
+    const QLatin1String name(column);
+    const auto found = known.constFind(column);
+    if (found != known.cend() && *found >= 0 && *found < bill.count() &&
+        bill.fieldName(*found).compare(name, Qt::CaseInsensitive) == 0)
+        return *found;
+    const int index = bill.indexOf(name);
+    known.insert(column, index);
+    return index;
+}
+
+QVariant valueOf(const QSqlRecord& bill, const char* column) {
+    return bill.value(fieldIndex(bill, column));
+}
+
 QString flagOf(const QSqlRecord& bill, const char* column) {
-    return TextField(bill.value(QLatin1String(column))).trimmed();
+    return TextField(valueOf(bill, column)).trimmed();
 }
 
 Money moneyOf(const QSqlRecord& bill, const char* column) {
-    return MoneyField(bill.value(QLatin1String(column)));
+    return MoneyField(valueOf(bill, column));
 }
 
 template <std::size_t N> Money sum(const std::array<Money, N>& amounts) {
