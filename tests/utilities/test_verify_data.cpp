@@ -1,5 +1,10 @@
 #include "core/tax_database.h"
 #include "demo/demo_database.h"
+#include "desk/realestate/address_change.h"
+#include "desk/realestate/payment_rules.h"
+#include "desk/realestate/receipt_writes.h"
+#include "distribution/distribution_tables.h"
+#include "distribution/distribution_writes.h"
 #include "utilities/duplicate_transfer.h"
 #include "utilities/verify_data.h"
 
@@ -315,6 +320,96 @@ private Q_SLOTS:
         QString error;
         QVERIFY2(CompactDatabaseFile(copy, &error), qPrintable(error));
         QVERIFY(TaxDatabase::isValidTaxDatabase(copy));
+    }
+
+    // New Nulls are kept out by the program's own writes: every column a payment, a void, an
+    // address change and a distribution write gets a value.
+    void programWritesLeaveNoNulls() {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("year.sqlite"));
+        DemoOptions options;
+        options.parcels = 120;
+        options.persons = 60;
+        QVERIFY(CreateDemoDatabase(path, options));
+        {
+            QSqlDatabase db = TaxDatabase::open(path, QStringLiteral("verify-year"));
+            QVERIFY(CleanNulls(db));
+            QCOMPARE(NullColumns(db), QStringList());
+            const QDate day(2013, 10, 15);
+            const QStringList bills = Column(
+                db, "SELECT BillNo FROM TCMaster WHERE CPayFlag = ' ' AND TPayFlag = ' ' AND "
+                    "SPayFlag = ' ' AND AdjFlag = ' ' AND CAddrFlag = ' ' ORDER BY BillNo "
+                    "LIMIT 4");
+            QCOMPARE(bills.size(), 4);
+            QStringList recnums;
+            for (const QString& billNo : bills) {
+                const BillNow bill = ReadBillAsItStands(db, Duplicate::RealEstate, billNo);
+                QVERIFY(bill.found());
+                PaymentChoice choice;
+                choice.selection.county = choice.selection.twp = choice.selection.school = true;
+                choice.periods = {QChar(u'P'), QChar(u'P'), QChar(u'F')};
+                const PeriodAmounts shown =
+                    AmountsForPeriods(BillLinesFromRecord(bill.bill), choice.periods);
+                const InstallmentView installments = InstallmentsForDate(
+                    InstallmentsFromRecord(bill.bill),
+                    {QStringLiteral(" "), QStringLiteral(" "), QStringLiteral(" ")},
+                    {QDate(2013, 8, 31), QDate(2013, 10, 31), QDate(2013, 12, 31)}, day);
+                RealEstatePosting posting =
+                    BuildRealEstatePosting(bill, choice, shown, installments);
+                posting.receipt.rdate = day;
+                posting.receipt.payor = QStringLiteral("PAYOR");
+                posting.receipt.checknum = QStringLiteral("CASH");
+                const PostingResult posted = PostRealEstatePayment(db, posting, day);
+                QVERIFY2(posted.ok, qPrintable(posted.error));
+                recnums << posted.recnum;
+            }
+            const VoidResult voided =
+                VoidRealEstateReceipt(db, {recnums.first(), day, QStringLiteral("WRONG BILL")}, day,
+                                      QStringLiteral("2013"));
+            QVERIFY2(voided.ok, qPrintable(voided.error));
+
+            AddressChangeRecord change;
+            const QSqlRecord master =
+                ReadBillAsItStands(db, Duplicate::RealEstate, bills.last()).bill;
+            change.control = TextField(master.value("Control"));
+            change.billNo = bills.last();
+            change.addrId = 1;
+            change.name = QStringLiteral("NEW OWNER");
+            change.addr1 = QStringLiteral("1 NEW RD");
+            change.city = QStringLiteral("MAPLE");
+            change.state = QStringLiteral("PA");
+            change.zipCode = QStringLiteral("19000");
+            change.reason = QStringLiteral("SOLD");
+            change.aDate = day;
+            QString error;
+            QVERIFY2(RecordAddressChange(db, change, &error), qPrintable(error));
+
+            const QStringList office = Column(db, "SELECT District, Ward FROM tbl_District");
+            DistributionRun run;
+            run.taxYear = QStringLiteral("2013");
+            run.district = office.value(0).section(u'|', 0, 0);
+            run.ward = office.value(0).section(u'|', 1, 1);
+            const QStringList numbers = Column(
+                db, "SELECT CTS, max(DisbNum) FROM tbl_DisbDates WHERE DisbType = 'RE' GROUP BY "
+                    "CTS");
+            auto next = [&numbers](const char* cts) {
+                for (const QString& row : numbers)
+                    if (row.startsWith(QLatin1String(cts)))
+                        return row.section(u'|', 1, 1).toInt() + 1;
+                return 1;
+            };
+            run.bodies = {{TaxingBody::County, next("C"), day},
+                          {TaxingBody::Twp, next("T"), day},
+                          {TaxingBody::School, next("S"), day}};
+            std::vector<BodyOutcome> outcomes;
+            QVERIFY2(DistributeReceipts(db, RealEstateTables(), run, &outcomes, &error),
+                     qPrintable(error));
+            QVERIFY(!outcomes.empty() && outcomes.front().receipts > 0);
+
+            const QStringList nulls = NullColumns(db);
+            QVERIFY2(nulls.isEmpty(), qPrintable(nulls.join(u' ')));
+        }
+        TaxDatabase::close(QStringLiteral("verify-year"));
     }
 
     void printedListBreaksPages() {

@@ -85,7 +85,10 @@ bool RecordAddressChange(QSqlDatabase db, const AddressChangeRecord& change, QSt
                  change.state, change.zipCode, change.zipCode2, DateValue(change.aDate),
                  change.reason, change.reportable ? QStringLiteral("1") : QStringLiteral("0"),
                  change.usps ? QStringLiteral("1") : QStringLiteral("0")})
-            q.addBindValue(v);
+            // A text left unset is written as an empty text, never as Null.
+            q.addBindValue(v.typeId() == QMetaType::QString && v.toString().isNull()
+                               ? QVariant(QString::fromLatin1(""))
+                               : v);
         if (!q.exec())
             return QueryFailed(db, q, error);
         return true;

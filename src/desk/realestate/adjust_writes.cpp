@@ -10,6 +10,13 @@
 
 namespace {
 
+// A text left unset is written as an empty text, never as Null.
+QVariant notNull(const QVariant& value) {
+    if (value.typeId() == QMetaType::QString && value.toString().isNull())
+        return QVariant(QString::fromLatin1(""));
+    return value;
+}
+
 const QString Blank = QStringLiteral(" ");
 
 // The columns of an insert with their values, in the order they are listed.
@@ -32,7 +39,7 @@ public:
                       .arg(table, m_columns.join(QStringLiteral(", ")),
                            marks.join(QStringLiteral(", "))));
         for (const QVariant& value : m_values)
-            q.addBindValue(value);
+            q.addBindValue(notNull(value));
         return q.exec() || QueryFailed(db, q, error);
     }
 
@@ -95,7 +102,7 @@ bool exec(QSqlDatabase db, const QString& sql, const QVariantList& values, QStri
     QSqlQuery q(db);
     q.prepare(sql);
     for (const QVariant& value : values)
-        q.addBindValue(value);
+        q.addBindValue(notNull(value));
     return q.exec() || QueryFailed(db, q, error);
 }
 

@@ -17,6 +17,13 @@ bool isBlank(QStringView flag) {
     return flag.trimmed().isEmpty();
 }
 
+// A text left unset is written as an empty text, never as Null.
+QVariant notNull(const QVariant& value) {
+    if (value.typeId() == QMetaType::QString && value.toString().isNull())
+        return QVariant(QString::fromLatin1(""));
+    return value;
+}
+
 // A statement with its values bound in order. False, with the database's reason, on failure.
 bool run(QSqlQuery& q, const QString& sql, const QVariantList& values, QString* error) {
     if (!q.prepare(sql)) {
@@ -24,7 +31,7 @@ bool run(QSqlQuery& q, const QString& sql, const QVariantList& values, QString* 
         return false;
     }
     for (const QVariant& v : values)
-        q.addBindValue(v);
+        q.addBindValue(notNull(v));
     if (!q.exec()) {
         *error = q.lastError().text();
         return false;
