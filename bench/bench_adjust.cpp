@@ -5,6 +5,7 @@
 //   bench_adjust [--parcels N] [--persons N] [--bills N]
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
+#include "bench_support.h"
 #include "core/messages.h"
 #include "core/session.h"
 #include "core/tax_database.h"
@@ -24,20 +25,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-double worst(const std::vector<double>& v) {
-    return v.empty() ? 0 : *std::max_element(v.begin(), v.end());
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
 
 // Answers every box OK and counts the boxes that step through a bill's history.
 class CountingBoxes final : public MessageService {
@@ -105,9 +92,9 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     DemoOptions options;
-    options.parcels = argument(args, "--parcels", 50000);
-    options.persons = argument(args, "--persons", 50000);
-    const int bills = argument(args, "--bills", 100);
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int bills = Argument(args, "--bills", 100);
 
     QTemporaryDir dir;
     const QString path = dir.filePath("KestLevyDsk2013.sqlite");
@@ -170,12 +157,12 @@ int main(int argc, char** argv) {
     std::printf("adjustment screen on %d parcels, %lld bills with 5 adjustments each:\n",
                 options.parcels, static_cast<long long>(billNos.size()));
     std::printf("  action chosen -> last image shown: median %.2f ms, worst %.2f ms\n",
-                median(loaded), worst(loaded));
+                Median(loaded), Worst(loaded));
     std::printf("  history boxes: %d (6 a bill)\n", boxes->history);
     for (const QString& box : boxes->unexpected)
         std::printf("  unexpected box: %s\n", qPrintable(box));
     screen.reset();
     CloseSessionDatabase();
-    std::printf("RESULT adjust_load_ms=%.2f\n", median(loaded));
+    std::printf("RESULT adjust_load_ms=%.2f\n", Median(loaded));
     return boxes->history == 6 * billNos.size() ? 0 : 1;
 }

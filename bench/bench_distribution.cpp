@@ -6,6 +6,7 @@
 // database of N parcels and persons is made first (the set-up is not timed). Each run works on
 // a fresh copy of the prepared database; the figures are medians.
 
+#include "bench_support.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "demo/demo_database.h"
@@ -28,16 +29,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
 
 bool exec(QSqlDatabase db, const QString& sql) {
     QSqlQuery q(db);
@@ -77,9 +68,9 @@ bool prepare(QSqlDatabase db, int receipts) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
-    const int parcels = argument(args, "--parcels", 50000);
-    const int receipts = argument(args, "--receipts", 50000);
-    const int runs = std::max(1, argument(args, "--runs", 3));
+    const int parcels = Argument(args, "--parcels", 50000);
+    const int receipts = Argument(args, "--receipts", 50000);
+    const int runs = std::max(1, Argument(args, "--runs", 3));
 
     QTemporaryDir dir;
     QString source = dir.filePath("prepared.sqlite");
@@ -170,10 +161,10 @@ int main(int argc, char** argv) {
         TaxDatabase::close("bench");
     }
     std::printf("distribution of one body: %d rows, median %.3f s (budget < 2 s)\n", rows,
-                median(distributeSeconds));
+                Median(distributeSeconds));
     std::printf("county report to PDF: %d pages, median %.1f pages/s\n", pages,
-                median(pagesPerSecond));
-    std::printf("RESULT distribute_s=%.3f report_pages_per_s=%.1f\n", median(distributeSeconds),
-                median(pagesPerSecond));
+                Median(pagesPerSecond));
+    std::printf("RESULT distribute_s=%.3f report_pages_per_s=%.1f\n", Median(distributeSeconds),
+                Median(pagesPerSecond));
     return 0;
 }

@@ -3,6 +3,7 @@
 //
 //   bench_duplicate [--parcels N] [--persons N] [--runs N]
 
+#include "bench_support.h"
 #include "core/tax_database.h"
 #include "demo/demo_database.h"
 #include "utilities/duplicate_transfer.h"
@@ -17,27 +18,13 @@
 #include <cstdio>
 #include <vector>
 
-namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
-
-} // namespace
-
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
     DemoOptions options;
-    options.parcels = argument(args, "--parcels", 50000);
-    options.persons = argument(args, "--persons", 50000);
-    const int runs = std::max(1, argument(args, "--runs", 5));
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int runs = std::max(1, Argument(args, "--runs", 5));
 
     QTemporaryDir dir;
     const QString source = dir.filePath("KestLevyDsk2013.sqlite");
@@ -82,8 +69,8 @@ int main(int argc, char** argv) {
         QFile::remove(target);
     }
     std::printf("%d parcels + %d persons, %lld rows: export median %.2f s, import median %.2f s\n",
-                options.parcels, options.persons, static_cast<long long>(rows), median(exports),
-                median(imports));
-    std::printf("RESULT import_s=%.2f export_s=%.2f\n", median(imports), median(exports));
+                options.parcels, options.persons, static_cast<long long>(rows), Median(exports),
+                Median(imports));
+    std::printf("RESULT import_s=%.2f export_s=%.2f\n", Median(imports), Median(exports));
     return 0;
 }

@@ -4,6 +4,7 @@
 //   bench_payment_desk [--parcels N] [--persons N] [--bills N]
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
+#include "bench_support.h"
 #include "core/messages.h"
 #include "core/session.h"
 #include "demo/demo_database.h"
@@ -23,20 +24,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-double worst(const std::vector<double>& v) {
-    return v.empty() ? 0 : *std::max_element(v.begin(), v.end());
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
 
 // Answers every question Yes and every box OK; counts what was asked.
 class YesToEverything final : public MessageService {
@@ -69,9 +56,9 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     DemoOptions options;
-    options.parcels = argument(args, "--parcels", 50000);
-    options.persons = argument(args, "--persons", 50000);
-    const int bills = argument(args, "--bills", 200);
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int bills = Argument(args, "--bills", 200);
 
     QTemporaryDir dir;
     const QString path = dir.filePath("KestLevyDsk2013.sqlite");
@@ -142,9 +129,9 @@ int main(int argc, char** argv) {
     std::printf("payment desk on %d parcels, %lld bills:\n", options.parcels,
                 static_cast<long long>(billNos.size()));
     std::printf("  bill number left -> bill shown:   median %.2f ms, worst %.2f ms\n",
-                median(shown), worst(shown));
+                Median(shown), Worst(shown));
     std::printf("  accept -> payment committed:      median %.2f ms, worst %.2f ms\n",
-                median(accepted), worst(accepted));
+                Median(accepted), Worst(accepted));
     std::printf("  receipts written: %d\n", written);
     for (const QString& box : answers->unexpected)
         std::printf("  unexpected box: %s\n", qPrintable(box));

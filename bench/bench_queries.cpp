@@ -7,6 +7,7 @@
 //   bench_queries [--parcels N] [--persons N] [--names N] [--database FILE]
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
+#include "bench_support.h"
 #include "core/messages.h"
 #include "core/query_grid.h"
 #include "core/session.h"
@@ -28,20 +29,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-double worst(const std::vector<double>& v) {
-    return v.empty() ? 0 : *std::max_element(v.begin(), v.end());
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
 
 // Any box is a failure of the run: a search shows none.
 class NoBoxes final : public MessageService {
@@ -68,9 +55,9 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     DemoOptions options;
-    options.parcels = argument(args, "--parcels", 50000);
-    options.persons = argument(args, "--persons", 50000);
-    const int names = argument(args, "--names", 50);
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int names = Argument(args, "--names", 50);
 
     QTemporaryDir dir;
     QString path = dir.filePath("KestLevyDsk2013.sqlite");
@@ -147,15 +134,15 @@ int main(int argc, char** argv) {
     std::printf("query screens on %d bills (%d rows in the master list):\n", listRows,
                 screen->masterList->rowCount());
     std::printf("  name search after a write -> row shown:   median %.2f ms, worst %.2f ms\n",
-                median(searches), worst(searches));
+                Median(searches), Worst(searches));
     std::printf("  name search repeated      -> row shown:   median %.2f ms, worst %.2f ms\n",
-                median(repeats), worst(repeats));
+                Median(repeats), Worst(repeats));
     std::printf("  names searched: %lld, not found on the row shown: %d\n",
                 static_cast<long long>(wanted.size()), misses);
     for (const QString& box : boxes->seen)
         std::printf("  unexpected box: %s\n", qPrintable(box));
     screen.reset();
     CloseSessionDatabase();
-    std::printf("RESULT query_ms=%.2f\n", median(searches));
+    std::printf("RESULT query_ms=%.2f\n", Median(searches));
     return misses == 0 && boxes->seen.isEmpty() ? 0 : 1;
 }

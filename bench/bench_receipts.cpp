@@ -9,6 +9,7 @@
 //   receipt batch    the receipts drawn and written as the pages of one PDF
 //   floor jobs/batch the same pages drawn straight onto a QPdfWriter, one file each or one file
 
+#include "bench_support.h"
 #include "core/clock.h"
 #include "core/session.h"
 #include "core/tax_database.h"
@@ -31,16 +32,6 @@
 #include <vector>
 
 namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
 
 bool exec(QSqlDatabase db, const QString& sql) {
     QSqlQuery q(db);
@@ -98,49 +89,8 @@ bool fillOffice(QSqlDatabase db, int receipts) {
     return true;
 }
 
-// The floor: the same count of texts (with their fonts and places), lines and boxes, and the
-// bars of one bar code, drawn straight onto a PDF writer at 1440 dots an inch.
-struct FloorPage {
-    std::vector<std::pair<QFont, std::pair<QPointF, QString>>> texts;
-    std::vector<QLineF> lines;
-    std::vector<QRectF> boxes;
-    QVector<QRectF> bars;
-};
-
-FloorPage floorOf(const RecordedPage& page) {
-    FloorPage f;
-    for (const PrintedItem& item : page.items) {
-        if (const auto* t = std::get_if<PrintedText>(&item))
-            f.texts.push_back({t->font.qfont(), {QPointF(t->x, t->baseline()), t->text}});
-        else if (const auto* l = std::get_if<PrintedLine>(&item))
-            f.lines.push_back(l->line);
-        else if (const auto* b = std::get_if<PrintedBox>(&item))
-            f.boxes.push_back(b->rect);
-        else if (const auto* c = std::get_if<PrintedBarcode>(&item))
-            f.bars = c->bars;
-    }
-    return f;
-}
-
-void drawFloorPage(QPainter& painter, const FloorPage& f) {
-    painter.save();
-    painter.translate(360, 360);
-    for (const auto& [font, text] : f.texts) {
-        painter.setFont(font);
-        painter.drawText(text.first, text.second);
-    }
-    QPen pen(Qt::black);
-    pen.setWidthF(12);
-    painter.setPen(pen);
-    for (const QLineF& l : f.lines)
-        painter.drawLine(l);
-    for (const QRectF& r : f.boxes)
-        painter.drawRect(r);
-    for (const QRectF& bar : f.bars)
-        painter.fillRect(bar, Qt::black);
-    painter.restore();
-}
-
+// The floor: the same texts (with their fonts and places), lines, boxes and bars drawn straight
+// onto a PDF writer at 1440 dots an inch.
 bool writeFloor(const QString& path, const FloorPage& page, int pages) {
     QPdfWriter writer(path);
     writer.setResolution(1440);
@@ -152,7 +102,7 @@ bool writeFloor(const QString& path, const FloorPage& page, int pages) {
     for (int i = 0; i < pages; ++i) {
         if (i > 0)
             writer.newPage();
-        drawFloorPage(painter, page);
+        DrawFloorPage(painter, page);
     }
     return painter.end();
 }
@@ -162,8 +112,8 @@ bool writeFloor(const QString& path, const FloorPage& page, int pages) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
-    const int receipts = std::max(1, argument(args, QStringLiteral("--receipts"), 200));
-    const int runs = std::max(1, argument(args, QStringLiteral("--runs"), 5));
+    const int receipts = std::max(1, Argument(args, QStringLiteral("--receipts"), 200));
+    const int runs = std::max(1, Argument(args, QStringLiteral("--runs"), 5));
 
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("KestLevyDsk2013.sqlite"));
@@ -185,10 +135,10 @@ int main(int argc, char** argv) {
     DrawREReceipt(sample, data, fields, false);
     sample.EndDoc();
     const RecordedPage& page = sample.recording().pages.at(0);
-    const FloorPage floor = floorOf(page);
+    const FloorPage floorPage = FloorOf(page);
     std::printf("a receipt page: %zu texts, %zu lines, %zu boxes, one bar code of %lld bars\n",
-                floor.texts.size(), floor.lines.size(), floor.boxes.size(),
-                static_cast<long long>(floor.bars.size()));
+                floorPage.texts.size(), floorPage.lines.size(), floorPage.boxes.size(),
+                static_cast<long long>(floorPage.bars.size()));
 
     std::vector<double> jobs, batch, floorJobs, floorBatch;
     for (int run = 0; run < runs; ++run) {
@@ -225,17 +175,17 @@ int main(int argc, char** argv) {
         // The floor, both ways.
         t.restart();
         for (int i = 0; i < receipts; ++i)
-            if (!writeFloor(dir.filePath(QStringLiteral("floor-%1.pdf").arg(i)), floor, 1))
+            if (!writeFloor(dir.filePath(QStringLiteral("floor-%1.pdf").arg(i)), floorPage, 1))
                 return 1;
         floorJobs.push_back(receipts / (t.nsecsElapsed() / 1e9));
         t.restart();
-        if (!writeFloor(dir.filePath(QStringLiteral("floor.pdf")), floor, receipts))
+        if (!writeFloor(dir.filePath(QStringLiteral("floor.pdf")), floorPage, receipts))
             return 1;
         floorBatch.push_back(receipts / (t.nsecsElapsed() / 1e9));
     }
 
-    const double j = median(jobs), b = median(batch), fj = median(floorJobs),
-                 fb = median(floorBatch);
+    const double j = Median(jobs), b = Median(batch), fj = Median(floorJobs),
+                 fb = Median(floorBatch);
     std::printf("%d receipts, median of %d runs\n", receipts, runs);
     std::printf("receipt jobs   %8.1f pages/s   floor %8.1f pages/s   ratio %.2f\n", j, fj, j / fj);
     std::printf("receipt batch  %8.1f pages/s   floor %8.1f pages/s   ratio %.2f\n", b, fb, b / fb);

@@ -5,6 +5,7 @@
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
 #include "app/main_window.h"
+#include "bench_support.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "demo/demo_database.h"
@@ -18,27 +19,13 @@
 #include <cstdio>
 #include <vector>
 
-namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
-
-} // namespace
-
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     DemoOptions options;
-    options.parcels = argument(args, "--parcels", 50000);
-    options.persons = argument(args, "--persons", 50000);
-    const int runs = argument(args, "--runs", 5);
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int runs = Argument(args, "--runs", 5);
 
     QTemporaryDir dir;
     const QString path = dir.filePath("KestLevyDsk2013.sqlite");
@@ -55,7 +42,7 @@ int main(int argc, char** argv) {
         generation.push_back(t.nsecsElapsed() / 1e6);
     }
     std::printf("demo database %d parcels + %d persons: median %.0f ms\n", options.parcels,
-                options.persons, median(generation));
+                options.persons, Median(generation));
 
     std::vector<double> startup;
     for (int i = 0; i < runs; ++i) {
@@ -73,7 +60,7 @@ int main(int argc, char** argv) {
         window->close();
         delete window;
     }
-    std::printf("start to main window shown: median %.1f ms (budget 1000 ms)\n", median(startup));
+    std::printf("start to main window shown: median %.1f ms (budget 1000 ms)\n", Median(startup));
 
     // Bills with both chains, and plain ones, read on a connection of their own.
     QSqlDatabase db = TaxDatabase::open(path, "bench");
@@ -103,7 +90,7 @@ int main(int argc, char** argv) {
                 if (!now.found())
                     std::fprintf(stderr, "bill %s not read\n", qPrintable(bill));
             }
-        return median(us);
+        return Median(us);
     };
     std::printf("read a bill with its chains (%lld bills): median %.0f us\n",
                 qlonglong(chained.size()), measure(chained));

@@ -14,6 +14,7 @@
 //   drawn          the same run with its pages thrown away: the drawing alone
 //   peak           the resident set's high-water mark after the bill runs (VmHWM)
 
+#include "bench_support.h"
 #include "bills/re_tax_bill.h"
 #include "core/clock.h"
 #include "core/session.h"
@@ -35,89 +36,17 @@
 #include <cstdio>
 #include <vector>
 
-namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-QString textArgument(const QStringList& args, const QString& name) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1) : QString();
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const QString v = textArgument(args, name);
-    return v.isEmpty() ? fallback : v.toInt();
-}
-
-// The resident set's high-water mark in MB.
-double peakMegabytes() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
-    return 0;
-}
-
-// A plain page: every text with its font and place, the lines, the box outlines, the bars.
-struct FloorPage {
-    std::vector<std::pair<QFont, std::pair<QPointF, QString>>> texts;
-    std::vector<QLineF> lines;
-    std::vector<QRectF> boxes;
-    std::vector<QRectF> bars;
-};
-
-FloorPage floorOf(const RecordedPage& page) {
-    FloorPage f;
-    for (const PrintedItem& item : page.items) {
-        if (const auto* t = std::get_if<PrintedText>(&item))
-            f.texts.push_back({t->font.qfont(), {QPointF(t->x, t->baseline()), t->text}});
-        else if (const auto* l = std::get_if<PrintedLine>(&item))
-            f.lines.push_back(l->line);
-        else if (const auto* b = std::get_if<PrintedBox>(&item))
-            f.boxes.push_back(b->rect);
-        else if (const auto* c = std::get_if<PrintedBarcode>(&item))
-            f.bars.insert(f.bars.end(), c->bars.begin(), c->bars.end());
-    }
-    return f;
-}
-
-void drawFloorPage(QPainter& painter, const FloorPage& f) {
-    painter.save();
-    painter.translate(360, 360);
-    for (const auto& [font, text] : f.texts) {
-        painter.setFont(font);
-        painter.drawText(text.first, text.second);
-    }
-    QPen pen(Qt::black);
-    pen.setWidthF(12);
-    painter.setPen(pen);
-    for (const QLineF& l : f.lines)
-        painter.drawLine(l);
-    for (const QRectF& r : f.boxes)
-        painter.drawRect(r);
-    for (const QRectF& bar : f.bars)
-        painter.fillRect(bar, Qt::black);
-    painter.restore();
-}
-
-} // namespace
-
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
-    const int runs = std::max(1, argument(args, QStringLiteral("--runs"), 3));
-    const int floorBills = std::max(1, argument(args, QStringLiteral("--floor-bills"), 2000));
+    const int runs = std::max(1, Argument(args, QStringLiteral("--runs"), 3));
+    const int floorBills = std::max(1, Argument(args, QStringLiteral("--floor-bills"), 2000));
     QTemporaryDir dir;
-    QString path = textArgument(args, QStringLiteral("--database"));
+    QString path = TextArgument(args, QStringLiteral("--database"));
     QString error;
     if (path.isEmpty()) {
         DemoOptions options;
-        options.parcels = std::max(1, argument(args, QStringLiteral("--parcels"), 50000));
+        options.parcels = std::max(1, Argument(args, QStringLiteral("--parcels"), 50000));
         options.persons = 10;
         path = dir.filePath(QStringLiteral("KestLevyDsk2013.sqlite"));
         std::printf("making a demo of %d parcels\n", options.parcels);
@@ -173,7 +102,7 @@ int main(int argc, char** argv) {
                     bills, job.pages(), seconds, bills / seconds, pdfBytes / 1048576.0);
         std::fflush(stdout);
     }
-    const double peak = peakMegabytes();
+    const double peak = PeakMegabytes();
 
     // The same run drawn with its pages thrown away: what drawing costs without the PDF.
     std::vector<double> drawRates;
@@ -187,7 +116,7 @@ int main(int argc, char** argv) {
         surface.EndDoc();
         drawRates.push_back(result.printed / (t.nsecsElapsed() / 1e9));
     }
-    std::printf("drawn without output: %.0f bills/s\n", median(drawRates));
+    std::printf("drawn without output: %.0f bills/s\n", Median(drawRates));
     std::fflush(stdout);
 
     // The floor: the first bills' pages, recorded once, drawn plainly onto one PDF writer.
@@ -200,7 +129,7 @@ int main(int argc, char** argv) {
         const REBillRunResult result = RunRETaxBills(db, office, some, recorded);
         recorded.EndDoc();
         for (const RecordedPage& page : recorded.recording().pages)
-            pages.push_back(floorOf(page));
+            pages.push_back(FloorOf(page));
         if (result.printed <= 0)
             return 1;
         const int floorCount = result.printed;
@@ -218,13 +147,13 @@ int main(int argc, char** argv) {
             for (std::size_t i = 0; i < pages.size(); ++i) {
                 if (i > 0)
                     writer.newPage();
-                drawFloorPage(painter, pages[i]);
+                DrawFloorPage(painter, pages[i]);
             }
             painter.end();
             floorRates.push_back(floorCount / (t.nsecsElapsed() / 1e9));
         }
-        const double b = median(rates);
-        const double f = median(floorRates);
+        const double b = Median(rates);
+        const double f = Median(floorRates);
         std::printf("%d bills of the early frame, median of %d runs\n", bills, runs);
         std::printf("bills  %8.1f bills/s   floor %8.1f bills/s (%d bills)   ratio %.2f   peak "
                     "%.0f MB\n",

@@ -1,6 +1,8 @@
 #include "app/screen_catalog.h"
 
 #include "bills/pc_print_3up_labels.h"
+#include "bills/pc_print_tax_bills.h"
+#include "bills/print_second_notices.h"
 #include "bills/re_print_3up_labels.h"
 #include "bills/re_print_tax_bills.h"
 #include "bills/school_re_tax_bill_fen.h"
@@ -12,9 +14,15 @@
 #include "desk/realestate/receive_payment.h"
 #include "desk/realestate/reprint_receipt.h"
 #include "desk/realestate/void_receipt.h"
+#include "desk/reports/act169_report.h"
+#include "desk/reports/act1_reports.h"
+#include "desk/reports/change_reports.h"
+#include "desk/reports/receipt_report.h"
+#include "desk/reports/summary_report.h"
 #include "desk/yearend/left_for_collection.h"
 #include "desk/yearend/returns.h"
 #include "distribution/distribute_receipts.h"
+#include "distribution/distribute_refunds.h"
 #include "distribution/distribution_file_screens.h"
 #include "distribution/distribution_report_forms.h"
 #include "distribution/transfer_distribution_email.h"
@@ -23,6 +31,7 @@
 #include "utilities/backup_data.h"
 #include "utilities/email_data_file.h"
 #include "utilities/import_duplicate.h"
+#include "utilities/late_billing_routines.h"
 #include "utilities/verify_data.h"
 
 #include <QHash>
@@ -39,6 +48,11 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCReportsPrintMailingLabels", entry<frmPCPrint3UpLabels>("frmPCPrint3UpLabels")},
         {"mnuREReportsPrintSchoolTaxBills", entry<frmSchoolRETaxBillFen>("frmSchoolRETaxBillFen")},
         {"mnuREReportsPrintTaxBills", entry<frmREPrintTaxBills>("frmREPrintTaxBills")},
+        {"mnuPCReportsPrintTaxBills", entry<frmPCPrintTaxBills>("frmPCPrintTaxBills")},
+        {"mnuREReportsPrintSecondNotices",
+         entry<frmREPrintSecondNotices>("frmREPrintSecondNotices")},
+        {"mnuPCReportsPrintSecondNotices",
+         entry<frmPCPrintSecondNotices>("frmPCPrintSecondNotices")},
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
         {"mnuREReportsPrintLeftForCollectionReport",
          entry<frmREPrintLeftForCollectionReport>("frmREPrintLeftForCollectionReport")},
@@ -70,6 +84,14 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuUtilitiesEditSpecialTaxes", entry<frmEditSpecialTaxes>("frmEditSpecialTaxes")},
         {"mnuREDistributionDistributeReceipts",
          entry<frmREDistributeReceipts>("frmREDistributeReceipts")},
+        {"mnuPCDistributionDistributeReceipts",
+         entry<frmPCDistributeReceipts>("frmPCDistributeReceipts")},
+        {"mnuREDistributionRefunds", entry<frmREDistributeRefunds>("frmREDistributeRefunds")},
+        {"mnuPCDistributionRefunds", entry<frmPCDistributeRefunds>("frmPCDistributeRefunds")},
+        {"mnuREDistributionPrintRefunds",
+         entry<frmREPrintDistributionRefunds>("frmREPrintDistributionRefunds")},
+        {"mnuPCDistributionPrintRefunds",
+         entry<frmPCPrintDistributionRefunds>("frmPCPrintDistributionRefunds")},
         {"mnuREDistributionCreateDistributionFile",
          entry<frmRECreateDistributionFile>("frmRECreateDistributionFile")},
         {"mnuPCDistributionCreateDistributionFile",
@@ -90,6 +112,8 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmPCPrintDistributionTwp>("frmPCPrintDistributionTwp")},
         {"mnuPCDistributionPrintSchool",
          entry<frmPCPrintDistributionSchool>("frmPCPrintDistributionSchool")},
+        {"mnuUtilitiesLateBillingRoutine",
+         {"frmLateBillingRoutines", false, &frmLateBillingRoutines::open}},
         {"mnuUilitiesEditSpecialTaxpayers",
          {"frmEditSpecialTaxpayers", false, &frmEditSpecialTaxpayers::open}},
         {"mnuUtilitiesZipAndEmail", entry<frmEmailDataFile>("frmEmailDataFile")},
@@ -98,6 +122,36 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmRETransferDistributionEMail>("frmRETransferDistributionEMail")},
         {"mnuPCDistributionTransferEmail",
          entry<frmPCTransferDistributionEMail>("frmPCTransferDistributionEMail")},
+        // The office's reports.
+        {"mnuREReportsPrintReceiptsRecnum",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuREReportsPrintReceiptsBill",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuREReportsPrintReceiptsDate",
+         entry<frmREPrintReceiptReport>("frmREPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsRecnum",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsBill",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuPCReportsPrintReceiptsDate",
+         entry<frmPCPrintReceiptReport>("frmPCPrintReceiptReport")},
+        {"mnuAct169Report", entry<frmAct169Report>("frmAct169Report")},
+        {"mnuREReportsPrintIneligibleAct1",
+         entry<frmREPrintIneligibleAct1>("frmREPrintIneligibleAct1")},
+        {"mnuREReportsPrintAct1ZeroAmounts",
+         entry<frmREPrintAct1ZeroAmounts>("frmREPrintAct1ZeroAmounts")},
+        {"mnuREReportsPrintAdjustments",
+         entry<frmREPrintAdjustmentReport>("frmREPrintAdjustmentReport")},
+        {"mnuPCReportsPrintAdjustments",
+         entry<frmPCPrintAdjustmentReport>("frmPCPrintAdjustmentReport")},
+        {"mnuREReportsPrintAddressChanges",
+         entry<frmREPrintAddressReport>("frmREPrintAddressReport")},
+        {"mnuPCReportsPrintAddressChanges",
+         entry<frmPCPrintAddressReport>("frmPCPrintAddressReport")},
+        {"mnuREReportsPrintSummaryReport",
+         entry<frmREPrintSummaryReport>("frmREPrintSummaryReport")},
+        {"mnuPCReportsPrintSummaryReport",
+         entry<frmPCPrintSummaryReport>("frmPCPrintSummaryReport")},
     };
     return screens;
 }

@@ -4,6 +4,7 @@
 // back panel, the installment coupons, the late billing test, and the run itself, which walks
 // the duplicate in the chosen order and draws bill after bill onto one surface.
 
+#include "bills/bill_sheet.h"
 #include "core/money.h"
 #include "core/tax_database.h"
 
@@ -16,17 +17,6 @@
 #include <functional>
 
 class ReportSurface;
-
-// The two mailings of a year: county and municipal bills early, school bills late.
-enum class BillingFrame { Early, Late };
-
-// The bodies a bill of this frame shows: those whose Millfile flag names the frame.
-struct BilledBodies {
-    bool county = false;
-    bool twp = false;
-    bool school = false;
-    bool any() const { return county || twp || school; }
-};
 
 // Everything a run reads once.
 struct REBillOffice {
@@ -75,9 +65,9 @@ QString REBillPayload(BillingFrame frame, const QDate& today, const QString& dis
 void DrawRETaxBill(ReportSurface& surface, const REBillOffice& office, const REBillLook& look,
                    const QSqlRecord& bill, int sequence);
 
-// The late billing test: true when the bill is to be mailed again because it was added after
-// billing or its address changed since it was billed. `bill` is the bill as it stands.
-bool PassesLateBillingTest(QSqlDatabase db, const QSqlRecord& bill);
+// The mailing page with its back panel, under this headline ("*** OFFICIAL ... ***").
+void DrawREMailingPage(ReportSurface& surface, const REBillOffice& office, const REBillLook& look,
+                       const QSqlRecord& bill, int sequence, const QString& headline);
 
 // The query of a run by its choices.
 QString REBillQuery(bool samples, bool zipOrder, bool ascending);
@@ -91,29 +81,10 @@ struct REBillRun {
     bool lateBillingRun = false;
 };
 
-struct REBillRunResult {
-    enum class Stop {
-        Finished,
-        NoRows,          // the query found no bill
-        StartNotFound,   // the start bill is not among them
-        NoBodies,        // no body bills in the frame
-        IncompleteChain, // a bill's adjustment or address chain is broken (bill in `bill`)
-        Cancelled,
-        Error,
-    };
-    Stop stop = Stop::Finished;
-    int printed = 0;
-    BillNow bill; // the bill the run stopped on
-    QString error;
-};
-
-// Called before each bill is drawn, with the bill as it stands; false cancels the run there.
-using REBillProgress = std::function<bool(const QSqlRecord& bill, int printed)>;
+using REBillRunResult = BillRunResult;
+using REBillProgress = BillProgress;
 
 // Walks the bills of the run and draws them on the surface (which may stream its pages). The
 // surface is neither set up nor ended here: the caller does both.
 REBillRunResult RunRETaxBills(QSqlDatabase db, const REBillOffice& office, const REBillRun& run,
                               ReportSurface& surface, const REBillProgress& progress = {});
-
-// The surface set-up of a bill run: portrait letter, ARIAL bold, transparent text.
-void SetUpBillSurface(ReportSurface& surface);

@@ -2,70 +2,83 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <algorithm>
+#include <cstring>
 
 CsvReader::CsvReader(QByteArray data) : m_data(std::move(data)) {
     if (m_data.startsWith("\xEF\xBB\xBF"))
         m_pos = 3;
 }
 
-std::optional<std::vector<CsvField>> CsvReader::next() {
+bool CsvReader::next(std::vector<CsvBytes>& fields) {
     const qsizetype n = m_data.size();
     if (m_pos >= n)
-        return std::nullopt;
+        return false;
     m_recordLine = m_line;
-    std::vector<CsvField> fields;
-    QByteArray bytes;
-    bool quoted = false;
-    auto endField = [&] {
-        fields.push_back({QString::fromUtf8(bytes), quoted});
-        bytes.clear();
-        quoted = false;
-    };
     const char* d = m_data.constData();
-    while (m_pos < n) {
-        const char c = d[m_pos];
-        if (c == '"' && bytes.isEmpty() && !quoted) {
+    std::size_t count = 0;
+    for (;;) {
+        if (count == fields.size())
+            fields.emplace_back();
+        CsvBytes& field = fields[count++];
+        field.bytes.clear();
+        field.quoted = false;
+        if (m_pos < n && d[m_pos] == '"') {
             // A quoted field: up to the closing quote, a doubled quote standing for one.
-            quoted = true;
+            field.quoted = true;
             ++m_pos;
             bool closed = false;
             while (m_pos < n) {
-                const char q = d[m_pos++];
-                if (q == '"') {
-                    if (m_pos < n && d[m_pos] == '"') {
-                        bytes.append('"');
-                        ++m_pos;
-                        continue;
-                    }
-                    closed = true;
+                const char* from = d + m_pos;
+                const char* quote = static_cast<const char*>(std::memchr(from, '"', n - m_pos));
+                const char* stop = quote ? quote : d + n;
+                m_line += int(std::count(from, stop, '\n'));
+                field.bytes.append(from, std::size_t(stop - from));
+                m_pos = stop - d;
+                if (!quote)
                     break;
+                ++m_pos;
+                if (m_pos < n && d[m_pos] == '"') {
+                    field.bytes.push_back('"');
+                    ++m_pos;
+                    continue;
                 }
-                if (q == '\n')
-                    ++m_line;
-                bytes.append(q);
+                closed = true;
+                break;
             }
             if (!closed)
                 m_unterminated = true;
-            continue;
         }
-        if (c == ',') {
-            endField();
+        // Bare bytes up to the next comma or line end (after a closing quote, what follows it).
+        const qsizetype begin = m_pos;
+        while (m_pos < n && d[m_pos] != ',' && d[m_pos] != '\n')
+            ++m_pos;
+        qsizetype last = m_pos;
+        if (last > begin && d[last - 1] == '\r' && (m_pos == n || d[m_pos] == '\n'))
+            --last;
+        field.bytes.append(d + begin, std::size_t(last - begin));
+        if (m_pos < n && d[m_pos] == ',') {
             ++m_pos;
             continue;
         }
-        if (c == '\r' && m_pos + 1 < n && d[m_pos + 1] == '\n') {
-            ++m_pos;
-            continue;
-        }
-        if (c == '\n') {
+        if (m_pos < n) { // the line end
             ++m_pos;
             ++m_line;
-            break;
         }
-        bytes.append(c);
-        ++m_pos;
+        break;
     }
-    endField();
+    fields.resize(count);
+    return true;
+}
+
+std::optional<std::vector<CsvField>> CsvReader::next() {
+    std::vector<CsvBytes> raw;
+    if (!next(raw))
+        return std::nullopt;
+    std::vector<CsvField> fields;
+    fields.reserve(raw.size());
+    for (const CsvBytes& f : raw)
+        fields.push_back({f.text(), f.quoted});
     return fields;
 }
 

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 struct CsvField {
@@ -17,6 +19,16 @@ struct CsvField {
     bool isNull() const { return !quoted && text.isEmpty(); }
 };
 
+// One field as its bytes (UTF-8), for readers that go through many rows: the reader reuses
+// the storage from record to record.
+struct CsvBytes {
+    std::string bytes;
+    bool quoted = false;
+    bool isNull() const { return !quoted && bytes.empty(); }
+    std::string_view view() const { return bytes; }
+    QString text() const { return QString::fromUtf8(bytes.data(), qsizetype(bytes.size())); }
+};
+
 // Reads records one by one from the whole file's bytes (UTF-8; a BOM is skipped). Line breaks
 // may be LF or CR LF, also inside quotes.
 class CsvReader {
@@ -24,6 +36,9 @@ public:
     explicit CsvReader(QByteArray data);
     // The next record, or nothing at the end. A record's fields keep their order.
     std::optional<std::vector<CsvField>> next();
+    // The same without making texts: fields is refilled with the next record's fields. False
+    // at the end.
+    bool next(std::vector<CsvBytes>& fields);
     // The line on which the record last read began (1 = the first line).
     int line() const { return m_recordLine; }
     // Set when a quoted field never closed; the record is the rest of the file.

@@ -9,6 +9,7 @@
 #include "core/tax_database.h"
 #include "distribution/distribution_file.h"
 #include "distribution/distribution_numbers.h"
+#include "distribution/screen_parts.h"
 #include "rates/millage_common.h"
 
 #include <QCheckBox>
@@ -32,17 +33,29 @@ double rate(const QVariant& value) {
 
 } // namespace
 
-frmREDistributeReceipts::frmREDistributeReceipts(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("frmREDistributeReceipts"));
+DistributeReceiptsScreen::DistributeReceiptsScreen(const DistributionTables& tables,
+                                                   BodiesWithRates shown, const QString& name,
+                                                   QWidget* parent)
+    : QWidget(parent), m_tables(tables) {
+    setObjectName(name);
     setWindowTitle(QString::fromLatin1(DistributeTitle));
     buildScreen();
-    load();
+    load(shown);
     session().LastScreenName = objectName();
 }
 
-frmREDistributeReceipts::Frame& frmREDistributeReceipts::buildFrame(Frame& f, const QString& title,
-                                                                    const QString& checkCaption,
-                                                                    const QString& letter) {
+frmREDistributeReceipts::frmREDistributeReceipts(QWidget* parent)
+    : DistributeReceiptsScreen(RealEstateTables(), &RealEstateBodiesWithRates,
+                               QStringLiteral("frmREDistributeReceipts"), parent) {}
+
+frmPCDistributeReceipts::frmPCDistributeReceipts(QWidget* parent)
+    : DistributeReceiptsScreen(PerCapitaTables(), &PerCapitaBodiesWithRates,
+                               QStringLiteral("frmPCDistributeReceipts"), parent) {}
+
+DistributeReceiptsScreen::Frame& DistributeReceiptsScreen::buildFrame(Frame& f,
+                                                                      const QString& title,
+                                                                      const QString& checkCaption,
+                                                                      const QString& letter) {
     f.frame = new QGroupBox(title, this);
     f.frame->setObjectName(QStringLiteral("fra") + (letter == u"C"   ? QStringLiteral("County")
                                                     : letter == u"T" ? QStringLiteral("Twp")
@@ -75,7 +88,7 @@ frmREDistributeReceipts::Frame& frmREDistributeReceipts::buildFrame(Frame& f, co
     return f;
 }
 
-void frmREDistributeReceipts::buildScreen() {
+void DistributeReceiptsScreen::buildScreen() {
     m_frames[0].body = TaxingBody::County;
     m_frames[0].word = QStringLiteral("County");
     m_frames[1].body = TaxingBody::Twp;
@@ -135,13 +148,8 @@ void frmREDistributeReceipts::buildScreen() {
     connect(cmdCancel, &QPushButton::clicked, this, [this] { CloseScreen(this); });
 }
 
-void frmREDistributeReceipts::load() {
-    QSqlDatabase db = session().DbConnection;
-    const OfficeDistrict office = ReadOfficeDistrict(db);
-    m_district = office.district;
-    m_ward = office.ward;
-    m_taxYear = session().TaxYear.isEmpty() ? ReadCountyTaxYear(db).left(4) : session().TaxYear;
-
+std::array<bool, 3> RealEstateBodiesWithRates(QSqlDatabase db, const QString& district,
+                                              const QString& ward) {
     QSqlQuery q(db);
     double countySmr = 0, countyS1mr = 0, lmr = 0, tmr = 0, smr = 0;
     QString s1TaxName;
@@ -152,7 +160,7 @@ void frmREDistributeReceipts::load() {
     }
     q.prepare(QStringLiteral("SELECT LMR, TMR, SMR, S1TaxName FROM Millfile WHERE District || "
                              "Ward = ?"));
-    q.addBindValue(m_district + m_ward);
+    q.addBindValue(district + ward);
     if (q.exec() && q.next()) {
         lmr = rate(q.value(0));
         tmr = rate(q.value(1));
@@ -162,45 +170,70 @@ void frmREDistributeReceipts::load() {
     bool special = false;
     q.prepare(QStringLiteral("SELECT Mill FROM Spectax WHERE District = ? AND Ward = ? ORDER BY "
                              "TaxKey"));
-    q.addBindValue(m_district);
-    q.addBindValue(m_ward);
+    q.addBindValue(district);
+    q.addBindValue(ward);
     if (q.exec())
         for (int i = 0; i < 3 && q.next(); ++i)
             special = special || rate(q.value(0)) != 0;
+    return {countySmr != 0 || countyS1mr != 0 || lmr != 0, special || tmr != 0,
+            smr != 0 || !s1TaxName.isEmpty()};
+}
 
-    showFrame(m_frames[0], countySmr != 0 || countyS1mr != 0 || lmr != 0);
-    showFrame(m_frames[1], special || tmr != 0);
-    showFrame(m_frames[2], smr != 0 || !s1TaxName.isEmpty());
-    for (Frame& f : m_frames) {
+std::array<bool, 3> PerCapitaBodiesWithRates(QSqlDatabase db, const QString& district,
+                                             const QString& ward) {
+    // Per capita and occupation rates: SPC and SMO of the county row for the County, TPC and
+    // TMO of the collector's own row for the municipality, SPC and SMO of it for the school.
+    auto rates = [&db](const QString& districtWard, const char* perCapita, const char* occupation) {
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("SELECT %1, %2 FROM Millfile WHERE District || Ward = ?")
+                      .arg(QLatin1String(perCapita), QLatin1String(occupation)));
+        q.addBindValue(districtWard);
+        return q.exec() && q.next() && (rate(q.value(0)) != 0 || rate(q.value(1)) != 0);
+    };
+    return {rates(QStringLiteral("000"), "SPC", "SMO"), rates(district + ward, "TPC", "TMO"),
+            rates(district + ward, "SPC", "SMO")};
+}
+
+void DistributeReceiptsScreen::load(BodiesWithRates shown) {
+    QSqlDatabase db = session().DbConnection;
+    const OfficeDistrict office = ReadOfficeDistrict(db);
+    m_district = office.district;
+    m_ward = office.ward;
+    m_taxYear = SessionTaxYear(db);
+
+    const std::array<bool, 3> withRates = shown(db, m_district, m_ward);
+    for (std::size_t i = 0; i < m_frames.size(); ++i) {
+        Frame& f = m_frames[i];
+        showFrame(f, withRates[i]);
         fillFrame(f);
         f.check->setChecked(false);
         setFrameEnabled(f, false);
     }
 }
 
-void frmREDistributeReceipts::showFrame(Frame& f, bool shown) {
+void DistributeReceiptsScreen::showFrame(Frame& f, bool shown) {
     f.frame->setVisible(shown);
     f.frame->setEnabled(shown);
     f.check->setVisible(shown);
     f.check->setEnabled(shown);
 }
 
-void frmREDistributeReceipts::fillFrame(Frame& f) {
-    const DistributionBody& body = RealEstateTables().body(f.body);
+void DistributeReceiptsScreen::fillFrame(Frame& f) {
+    const DistributionBody& body = m_tables.body(f.body);
     const LastDistribution last =
-        ReadLastDistribution(session().DbConnection, RealEstateTables().disbType, body.cts);
+        ReadLastDistribution(session().DbConnection, m_tables.disbType, body.cts);
     f.prevDate->setText(last.exists() ? FormatDate(last.date) : QString());
     f.prevNum->setText(last.exists() ? TwoDigits(last.number) : QString());
     f.date->setText(FormatDate(Clock::today()));
     f.number->setText(TwoDigits(last.number + 1));
 }
 
-void frmREDistributeReceipts::setFrameEnabled(Frame& f, bool on) {
+void DistributeReceiptsScreen::setFrameEnabled(Frame& f, bool on) {
     for (QLineEdit* field : {f.prevDate, f.prevNum, f.date, f.number})
         field->setEnabled(on);
 }
 
-bool frmREDistributeReceipts::validate(Frame& f, BodyDistribution* request) {
+bool DistributeReceiptsScreen::validate(Frame& f, BodyDistribution* request) {
     auto refuse = [](QLineEdit* field, const QString& text, const char* title) {
         MsgBox(text, QString::fromLatin1(title), MsgButtons::Ok, MsgIcon::Exclamation);
         field->setFocus(Qt::OtherFocusReason);
@@ -241,7 +274,7 @@ bool frmREDistributeReceipts::validate(Frame& f, BodyDistribution* request) {
     return true;
 }
 
-void frmREDistributeReceipts::distribute() {
+void DistributeReceiptsScreen::distribute() {
     DistributionRun run;
     run.taxYear = m_taxYear;
     run.district = m_district;
@@ -258,8 +291,7 @@ void frmREDistributeReceipts::distribute() {
     std::vector<BodyOutcome> outcomes;
     if (!run.bodies.empty()) {
         QString error;
-        if (!DistributeReceipts(session().DbConnection, RealEstateTables(), run, &outcomes,
-                                &error)) {
+        if (!DistributeReceipts(session().DbConnection, m_tables, run, &outcomes, &error)) {
             MsgBox(QStringLiteral("The distribution could not be saved, and nothing of it was "
                                   "written: ") +
                        error,
@@ -271,8 +303,7 @@ void frmREDistributeReceipts::distribute() {
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         if (!outcomes[i].nothingToDistribute())
             continue;
-        MsgBox(QStringLiteral("There are no ") +
-                   RealEstateTables().body(outcomes[i].body).upperWord +
+        MsgBox(QStringLiteral("There are no ") + m_tables.body(outcomes[i].body).upperWord +
                    QStringLiteral(" receipts available to be distributed up to ") +
                    FormatDate(run.bodies[i].cutOff) +
                    QStringLiteral(". You may have already distributed these receipts in a prior "
@@ -280,8 +311,8 @@ void frmREDistributeReceipts::distribute() {
                                   "distribute."),
                QString::fromLatin1(NoReceiptsTitle), MsgButtons::Ok, MsgIcon::Information);
     }
-    for (const FileFailure& failure : WriteDistributionFiles(
-             session().programFolder(), RealEstateTables(), m_district, outcomes))
+    for (const FileFailure& failure :
+         WriteDistributionFiles(session().programFolder(), m_tables, m_district, outcomes))
         MsgBox(QStringLiteral("The distribution is saved, but its file ") + failure.path +
                    QStringLiteral(" could not be written: ") + failure.error +
                    QStringLiteral(". Make it again with Recreate Distribution File."),

@@ -1,8 +1,9 @@
 #pragma once
-// frmREDistributeReceipts: pays over to the County, the township (borough, city) and the
-// school district what was collected up to a day. Each body ticked gets its number; the
-// receipts and voids up to the day are stamped with the body's key, their shares go into the
-// distribution tables and the body's file is written.
+// frmREDistributeReceipts and frmPCDistributeReceipts: pay over to the County, the township
+// (borough, city) and the school district what was collected up to a day. Each body ticked
+// gets its number; the receipts and voids up to the day are stamped with the body's key, their
+// shares go into the distribution tables and the body's file is written. The two duplicates
+// share the screen; they differ in their tables and in the rates that show a body's frame.
 
 #include "distribution/distribution_writes.h"
 
@@ -15,11 +16,17 @@ class QGroupBox;
 class QLineEdit;
 class QPushButton;
 
-class frmREDistributeReceipts : public QWidget {
+// Which bodies have something to be paid over, County, Twp, School, by the rates of Millfile.
+using BodiesWithRates = std::array<bool, 3> (*)(QSqlDatabase db, const QString& district,
+                                                const QString& ward);
+std::array<bool, 3> RealEstateBodiesWithRates(QSqlDatabase db, const QString& district,
+                                              const QString& ward);
+std::array<bool, 3> PerCapitaBodiesWithRates(QSqlDatabase db, const QString& district,
+                                             const QString& ward);
+
+class DistributeReceiptsScreen : public QWidget {
     Q_OBJECT
 public:
-    explicit frmREDistributeReceipts(QWidget* parent = nullptr);
-
     QGroupBox* fraCounty = nullptr;
     QGroupBox* fraTwp = nullptr;
     QGroupBox* fraSchool = nullptr;
@@ -43,6 +50,10 @@ public:
     QPushButton* cmdDistribute = nullptr;
     QPushButton* cmdCancel = nullptr;
 
+protected:
+    DistributeReceiptsScreen(const DistributionTables& tables, BodiesWithRates shown,
+                             const QString& name, QWidget* parent);
+
 private:
     // One frame's controls and words.
     struct Frame {
@@ -59,17 +70,30 @@ private:
     void buildScreen();
     Frame& buildFrame(Frame& f, const QString& title, const QString& checkCaption,
                       const QString& letter);
-    void load();
+    void load(BodiesWithRates shown);
     void showFrame(Frame& f, bool shown);
     void fillFrame(Frame& f);
     void setFrameEnabled(Frame& f, bool on);
     bool validate(Frame& f, BodyDistribution* request);
     void distribute();
 
+    const DistributionTables& m_tables;
     std::array<Frame, 3> m_frames;
     QString m_taxYear;
     QString m_district;
     QString m_ward;
+};
+
+class frmREDistributeReceipts : public DistributeReceiptsScreen {
+    Q_OBJECT
+public:
+    explicit frmREDistributeReceipts(QWidget* parent = nullptr);
+};
+
+class frmPCDistributeReceipts : public DistributeReceiptsScreen {
+    Q_OBJECT
+public:
+    explicit frmPCDistributeReceipts(QWidget* parent = nullptr);
 };
 
 // Texts of the screen.

@@ -22,58 +22,81 @@ QString DistributionFilePath(const QString& programFolder, const DistributionTab
 
 namespace {
 
-// SQL of a quoted text field: the value between double quotes, as it stands.
-QString quotedSql(const QString& expression) {
-    return QStringLiteral("'\"' || %1 || '\"'").arg(expression);
+// An amount in "######.00" from ten-thousandths: rounded half away from zero to cents, a minus
+// only when the cents are not zero, no digit before the point under one dollar.
+void appendAmount(QString& line, qint64 units) {
+    const qint64 cents = units >= 0 ? (units + 50) / 100 : -((50 - units) / 100);
+    const qint64 whole = cents < 0 ? -cents : cents;
+    if (cents < 0)
+        line += QLatin1Char('-');
+    if (whole >= 100)
+        line += QString::number(whole / 100);
+    line += QLatin1Char('.');
+    line += QLatin1Char(char('0' + whole % 100 / 10));
+    line += QLatin1Char(char('0' + whole % 10));
 }
 
-// SQL of an amount in "######.00" from ten-thousandths: rounded half away from zero to cents,
-// a minus only when the cents are not zero, no digit before the point under one dollar.
-QString amountSql(const QString& units) {
-    const QString cents = QStringLiteral("(CASE WHEN %1 >= 0 THEN (%1 + 50) / 100 ELSE -((50 - "
-                                         "%1) / 100) END)")
-                              .arg(units);
-    return QStringLiteral("(CASE WHEN %1 < 0 THEN '-' ELSE '' END || CASE WHEN abs(%1) >= 100 "
-                          "THEN abs(%1) / 100 ELSE '' END || '.' || printf('%02d', abs(%1) % "
-                          "100))")
-        .arg(cents);
+void appendQuoted(QString& line, const QString& text) {
+    line += QLatin1Char('"');
+    line += text;
+    line += QLatin1Char('"');
 }
 
 } // namespace
 
-QString DistributionLineSql(const DistributionTables& tables, TaxingBody body,
-                            const QString& district, const QString& ward) {
+QString DistributionLineColumns(const DistributionTables& tables, TaxingBody body) {
     const DistributionBody& b = tables.body(body);
-    // District and ward are the office's own two short codes: quotes in them are doubled.
-    auto literal = [](QString text) {
-        return QLatin1Char('\'') + text.replace(u'\'', QStringLiteral("''")) + QLatin1Char('\'');
-    };
-    QStringList fields{quotedSql(literal(district)), quotedSql(literal(ward)),
-                       quotedSql(QStringLiteral("coalesce(Control, '')")),
-                       quotedSql(QStringLiteral("coalesce(BillNo, '')")),
-                       // AdjNo is a number in the table and a text in the file.
-                       quotedSql(QStringLiteral("CAST(coalesce(AdjNo, 0) AS INTEGER)")),
-                       quotedSql(QStringLiteral("coalesce(Recnum, '')")),
-                       quotedSql(QStringLiteral("coalesce(Name, '')"))};
+    QStringList columns{
+        QStringLiteral("coalesce(Control, '')"), QStringLiteral("coalesce(BillNo, '')"),
+        // AdjNo is a number in the table and a text in the file.
+        QStringLiteral("CAST(coalesce(AdjNo, 0) AS INTEGER)"),
+        QStringLiteral("coalesce(Recnum, '')"), QStringLiteral("coalesce(Name, '')")};
     if (tables.hasMap)
         for (const char* map : {"Map3", "Map4", "Map5"})
-            fields << quotedSql(QStringLiteral("coalesce(%1, '')").arg(QLatin1String(map)));
-    for (const QString& face : b.lines) {
-        fields << amountSql(QStringLiteral("coalesce(%1, 0)").arg(face));
-        fields << amountSql(QStringLiteral("(coalesce(%1, 0) + coalesce(%2, 0))")
-                                .arg(DiscountColumn(face), PenaltyColumn(face)));
-    }
+            columns << QStringLiteral("coalesce(%1, '')").arg(QLatin1String(map));
+    for (const QString& face : b.lines)
+        columns << QStringLiteral("coalesce(%1, 0)").arg(face)
+                << QStringLiteral("coalesce(%1, 0) + coalesce(%2, 0)")
+                       .arg(DiscountColumn(face), PenaltyColumn(face));
     for (const QString& flag : b.flags)
-        fields << quotedSql(
-            QStringLiteral("CASE WHEN coalesce(%1, '') = '' THEN ' ' ELSE %1 END").arg(flag));
-    fields << quotedSql(QStringLiteral("coalesce(%1, '')").arg(b.keyColumn));
-    return fields.join(QStringLiteral(" || ',' || "));
+        columns << QStringLiteral("coalesce(%1, '')").arg(flag);
+    columns << QStringLiteral("coalesce(%1, '')").arg(b.keyColumn);
+    return columns.join(QStringLiteral(", "));
 }
 
-QStringList DistributionLinesOf(QSqlQuery& query) {
+QStringList DistributionLinesOf(QSqlQuery& query, const DistributionTables& tables, TaxingBody body,
+                                const QString& district, const QString& ward) {
+    const DistributionBody& b = tables.body(body);
+    const int texts = tables.hasMap ? 8 : 5;
+    const int amounts = int(b.lines.size()) * 2;
+    const int flags = int(b.flags.size());
+    QString start;
+    appendQuoted(start, district);
+    start += QLatin1Char(',');
+    appendQuoted(start, ward);
     QStringList lines;
-    while (query.next())
-        lines << query.value(0).toString();
+    while (query.next()) {
+        QString line = start;
+        line.reserve(160);
+        int column = 0;
+        for (; column < texts; ++column) {
+            line += QLatin1Char(',');
+            appendQuoted(line, query.value(column).toString());
+        }
+        for (int i = 0; i < amounts; ++i, ++column) {
+            line += QLatin1Char(',');
+            appendAmount(line, query.value(column).toLongLong());
+        }
+        for (int i = 0; i < flags; ++i, ++column) {
+            // A blank flag goes out as one blank.
+            const QString flag = query.value(column).toString();
+            line += QLatin1Char(',');
+            appendQuoted(line, flag.isEmpty() ? QStringLiteral(" ") : flag);
+        }
+        line += QLatin1Char(',');
+        appendQuoted(line, query.value(column).toString());
+        lines << line;
+    }
     return lines;
 }
 
@@ -107,13 +130,13 @@ QStringList DistributionRowsAsLines(QSqlDatabase db, const DistributionTables& t
     for (const QString& table : {tables.distribution, tables.voidDistribution}) {
         // The key column of the other bodies is blank in a row: the key alone selects.
         q.prepare(QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? ORDER BY BillNo, AdjNo, Recnum")
-                      .arg(DistributionLineSql(tables, body, district, ward), table, keyColumn));
+                      .arg(DistributionLineColumns(tables, body), table, keyColumn));
         q.addBindValue(key);
         if (!q.exec()) {
             QueryFailed(db, q, error);
             return {};
         }
-        lines << DistributionLinesOf(q);
+        lines << DistributionLinesOf(q, tables, body, district, ward);
     }
     return lines;
 }

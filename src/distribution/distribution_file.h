@@ -22,12 +22,11 @@ QString DistributionFileName(const DistributionTables& tables, TaxingBody body,
 QString DistributionFilePath(const QString& programFolder, const DistributionTables& tables,
                              TaxingBody body, const QString& district, const QString& key);
 
-// The line of a distribution row as one SQL expression over its table's columns (SQLite builds
-// the lines of 50,000 rows far faster than they can be read column by column), and the lines of
-// a query that selects it first.
-QString DistributionLineSql(const DistributionTables& tables, TaxingBody body,
-                            const QString& district, const QString& ward);
-QStringList DistributionLinesOf(QSqlQuery& query);
+// The columns a distribution row's line is made of, as an SQL select list, and the lines of a
+// query that selects them first (in that order) and nothing before them.
+QString DistributionLineColumns(const DistributionTables& tables, TaxingBody body);
+QStringList DistributionLinesOf(QSqlQuery& query, const DistributionTables& tables, TaxingBody body,
+                                const QString& district, const QString& ward);
 
 // Writes the lines, each ended by LF, replacing any older file; the folder is made when
 // missing. False with the reason in *error.

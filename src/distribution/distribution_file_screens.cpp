@@ -25,19 +25,6 @@ const char* const NumberTitle = "Enter Distribution Number";
 const char* const CreateTitle = "Create Distribution File";
 const char* const DesktopTitle = "Transfer Distribution To Desktop";
 
-// "County", "Twp/Boro/City", "School": the body in the transfer messages.
-QString transferWord(TaxingBody body) {
-    switch (body) {
-    case TaxingBody::County:
-        return QStringLiteral("County");
-    case TaxingBody::Twp:
-        return QStringLiteral("Twp/Boro/City");
-    case TaxingBody::School:
-        break;
-    }
-    return QStringLiteral("School");
-}
-
 bool refuse(QLineEdit* field, const QString& text, const QString& title) {
     MsgBox(text, title, MsgButtons::Ok, MsgIcon::Exclamation);
     field->setFocus(Qt::OtherFocusReason);
@@ -46,7 +33,7 @@ bool refuse(QLineEdit* field, const QString& text, const QString& title) {
 
 // A number given and numeric, rewritten in "00"; the message of the first check that fails.
 std::optional<int> checkedNumber(TaxingBody body, QLineEdit* field) {
-    const QString word = transferWord(body);
+    const QString word = TaxingBodyName(body);
     if (field->text().trimmed().isEmpty()) {
         refuse(field, word + QStringLiteral(" Distribution Number Must Be Specified"),
                QString::fromLatin1(NumberTitle));
@@ -82,7 +69,7 @@ CheckTransferFiles(const DistributionTables& tables, const std::vector<TransferC
         file.path = DistributionFilePath(programFolder, tables, choice.body, district, file.key);
         if (!QFile::exists(file.path)) {
             refuse(choice.number,
-                   transferWord(choice.body) + QStringLiteral(" Distribution File #") +
+                   TaxingBodyName(choice.body) + QStringLiteral(" Distribution File #") +
                        file.number + QStringLiteral(" has not yet been created."),
                    screenTitle);
             return std::nullopt;
@@ -95,7 +82,7 @@ CheckTransferFiles(const DistributionTables& tables, const std::vector<TransferC
 QString TransferDistributionText(const DistributionTables& tables, TaxingBody body,
                                  const QString& number) {
     const QString kind = tables.disbType == u"PC" ? QStringLiteral(" P/C") : QStringLiteral(" R/E");
-    return transferWord(body) + kind + QStringLiteral(" Distribution # ") + number;
+    return TaxingBodyName(body) + kind + QStringLiteral(" Distribution # ") + number;
 }
 
 DistributionFileScreen::DistributionFileScreen(const DistributionTables& tables, Kind kind,

@@ -115,17 +115,15 @@ DistributionReportSpec DistributionReportFor(QSqlDatabase db, const Distribution
     };
 
     QString word;
+    QString pcLabel; // the body in the per capita totals labels: "County P/C", "Twp Occ"
     switch (body) {
     case TaxingBody::County:
         word = QStringLiteral("County");
         spec.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE COUNTY:");
         spec.discountRate = rateOf(county, pc ? "PCSD" : "SD");
         spec.penaltyRate = rateOf(county, pc ? "PCSP" : "SP");
-        if (pc) {
-            spec.lineCaptions = {QStringLiteral("Per Capita"), QStringLiteral("Occupation")};
-            spec.lineLabels = {label16(QStringLiteral("County P/C")),
-                               label16(QStringLiteral("County Occ"))};
-        } else {
+        pcLabel = word;
+        if (!pc) {
             spec.lineCaptions = {QStringLiteral("County"), QStringLiteral("Library"),
                                  specialNames(QStringLiteral("00"), QStringLiteral("0"), 1,
                                               QStringLiteral("Spec. %1"))
@@ -140,14 +138,10 @@ DistributionReportSpec DistributionReportFor(QSqlDatabase db, const Distribution
         spec.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE MUNCIPALITY:");
         spec.discountRate = rateOf(own, pc ? "PCTD" : "TD");
         spec.penaltyRate = rateOf(own, pc ? "PCTP" : "TP");
-        if (pc) {
-            spec.lineCaptions = {QStringLiteral("Per Capita"), QStringLiteral("Occupation")};
-            const QString shortWord = word == u"Township"  ? QStringLiteral("Twp")
-                                      : word == u"Borough" ? QStringLiteral("Boro")
-                                                           : word;
-            spec.lineLabels = {label16(shortWord + QStringLiteral(" P/C")),
-                               label16(shortWord + QStringLiteral(" Occ"))};
-        } else {
+        pcLabel = word == u"Township"  ? QStringLiteral("Twp")
+                  : word == u"Borough" ? QStringLiteral("Boro")
+                                       : word;
+        if (!pc) {
             spec.lineCaptions =
                 QStringList{word.left(8)} +
                 specialNames(lookups.district, lookups.ward, 3, QStringLiteral("Spec. #%1"));
@@ -160,11 +154,8 @@ DistributionReportSpec DistributionReportFor(QSqlDatabase db, const Distribution
         spec.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE SCHOOL DISTRICT:");
         spec.discountRate = rateOf(own, pc ? "PCSD" : "SD");
         spec.penaltyRate = rateOf(own, pc ? "PCSP" : "SP");
-        if (pc) {
-            spec.lineCaptions = {QStringLiteral("Per Capita"), QStringLiteral("Occupation")};
-            spec.lineLabels = {label16(QStringLiteral("School P/C")),
-                               label16(QStringLiteral("School Occ"))};
-        } else {
+        pcLabel = word;
+        if (!pc) {
             QString special = TextField(own.value(QStringLiteral("S1TaxName"))).trimmed();
             if (special.isEmpty())
                 special = QStringLiteral("Sch. Spec.");
@@ -173,6 +164,11 @@ DistributionReportSpec DistributionReportFor(QSqlDatabase db, const Distribution
             spec.school = true;
         }
         break;
+    }
+    if (pc) {
+        spec.lineCaptions = {QStringLiteral("Per Capita"), QStringLiteral("Occupation")};
+        spec.lineLabels = {label16(pcLabel + QStringLiteral(" P/C")),
+                           label16(pcLabel + QStringLiteral(" Occ"))};
     }
     spec.totalLabel = label16(QStringLiteral("Total ") + word);
 
@@ -194,10 +190,8 @@ DistributionReportSpec DistributionReportFor(QSqlDatabase db, const Distribution
         spec.receiptsTitle = QStringLiteral("Tax Collector Distribution Report - ") + word;
         spec.voidsTitle = QStringLiteral("Tax Collector Voided Distribution Report - ") + word;
     }
-    const QString bodyName = body == TaxingBody::County ? QStringLiteral("County")
-                             : body == TaxingBody::Twp  ? QStringLiteral("Twp/Boro/City")
-                                                        : QStringLiteral("School");
-    spec.caption = QStringLiteral("Print ") + kind + bodyName + QStringLiteral(" Distribution");
+    spec.caption =
+        QStringLiteral("Print ") + kind + TaxingBodyName(body) + QStringLiteral(" Distribution");
     return spec;
 }
 

@@ -9,6 +9,7 @@
 #include "distribution/distribution_file.h"
 #include "distribution/distribution_numbers.h"
 #include "distribution/distribution_report.h"
+#include "distribution/screen_parts.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -49,20 +50,12 @@ void DistributionReportForm::buildScreen() {
     chkCalculated =
         new QCheckBox(QStringLiteral("Sunnary totals are calculated (not actual)"), this);
     chkCalculated->setObjectName(QStringLiteral("chkCalculated"));
-    cmdPrint = NamedButton(this, QStringLiteral("cmdPrint"), QStringLiteral("&Print"));
-    cmdPrintPreview =
-        NamedButton(this, QStringLiteral("cmdPrintPreview"), QStringLiteral("Print Pre&view"));
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+    QHBoxLayout* buttons = ReportButtons(this, &cmdPrint, &cmdPrintPreview, &cmdExit);
     txtRecnum = ShownField(this, QStringLiteral("txtRecnum"), 12);
     txtVoid = ShownField(this, QStringLiteral("txtVoid"), 1);
     txtControl = ShownField(this, QStringLiteral("txtControl"), 6);
-    txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
-    txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
-    txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
+    QHBoxLayout* map = MapFields(this, m_tables.hasMap, &txtMap3, &txtMap4, &txtMap5);
     txtName = ShownField(this, QStringLiteral("txtName"), 50);
-    if (!m_tables.hasMap)
-        for (QLineEdit* map : {txtMap3, txtMap4, txtMap5})
-            map->hide();
 
     auto* form = new QGridLayout;
     form->addWidget(new QLabel(QStringLiteral("Last Distribution #:"), this), 0, 0);
@@ -79,18 +72,9 @@ void DistributionReportForm::buildScreen() {
     progress->addWidget(txtVoid, 0, 2);
     progress->addWidget(new QLabel(QStringLiteral("Control #:"), this), 1, 0);
     progress->addWidget(txtControl, 1, 1);
-    auto* map = new QHBoxLayout;
-    map->addWidget(txtMap3);
-    map->addWidget(txtMap4);
-    map->addWidget(txtMap5);
     progress->addLayout(map, 1, 2);
     progress->addWidget(new QLabel(QStringLiteral("Name:"), this), 2, 0);
     progress->addWidget(txtName, 2, 1, 1, 2);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdPrint);
-    buttons->addWidget(cmdPrintPreview);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addLayout(progress);
@@ -103,7 +87,7 @@ void DistributionReportForm::buildScreen() {
 
 void DistributionReportForm::load() {
     QSqlDatabase db = session().DbConnection;
-    m_taxYear = session().TaxYear.isEmpty() ? ReadCountyTaxYear(db).left(4) : session().TaxYear;
+    m_taxYear = SessionTaxYear(db);
     const LastDistribution last =
         ReadLastDistribution(db, m_tables.disbType, m_tables.body(m_body).cts);
     m_lastNumber = last.number;
@@ -168,30 +152,15 @@ void DistributionReportForm::run(bool print) {
     options.summaryOnly = chkSummaryOnly->isChecked();
     options.calculated = chkCalculated->isChecked();
     options.progress = [this](const QSqlRecord& row, bool voided) {
-        txtRecnum->setText(TextField(row.value(QStringLiteral("Recnum"))));
+        ShowColumns(row, {{txtRecnum, "Recnum"}, {txtControl, "Control"}, {txtName, "Name"}});
         txtVoid->setText(voided ? QStringLiteral("V") : QString());
-        txtControl->setText(TextField(row.value(QStringLiteral("Control"))));
-        if (m_tables.hasMap) {
-            txtMap3->setText(TextField(row.value(QStringLiteral("Map3"))));
-            txtMap4->setText(TextField(row.value(QStringLiteral("Map4"))));
-            txtMap5->setText(TextField(row.value(QStringLiteral("Map5"))));
-        }
-        txtName->setText(TextField(row.value(QStringLiteral("Name"))));
+        if (m_tables.hasMap)
+            ShowColumns(row, {{txtMap3, "Map3"}, {txtMap4, "Map4"}, {txtMap5, "Map5"}});
     };
     DistributionReport report(db, DistributionReportFor(db, m_tables, m_body), std::move(options));
-    if (print) {
-        if (PrintReport(report.definition(), db))
-            CloseScreen(this);
-        return;
-    }
-    QPointer<DistributionReportForm> self(this);
-    PreviewReport(
-        report.definition(), this,
-        [self] {
-            if (self)
-                self->cmdPrint_Click();
-        },
-        db);
+    // A distribution report printed to the end closes its form.
+    if (PrintOrPreview(report.definition(), this, print, db))
+        CloseScreen(this);
 }
 
 void DistributionReportForm::cmdPrint_Click() {

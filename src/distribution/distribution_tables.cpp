@@ -35,6 +35,7 @@ const DistributionTables& RealEstateTables() {
         QStringLiteral("TCVoidReceipt"),
         QStringLiteral("TCDistribution"),
         QStringLiteral("TCVoidDistribution"),
+        QStringLiteral("TCRefund"),
         true,
         {county({"County", "Library", "C1Face"}), twp({"Twp", "S1Face", "S2Face", "S3Face"}),
          school(
@@ -50,8 +51,21 @@ const DistributionTables& PerCapitaTables() {
         QStringLiteral("PCVoidReceipt"),
         QStringLiteral("PCDistribution"),
         QStringLiteral("PCVoidDistribution"),
+        QStringLiteral("PCRefund"),
         false,
         {county({"CPerCapita", "COccupation"}), twp({"TPerCapita", "TOccupation"}),
          school({"SPerCapita", "SOccupation"}, {"SPayFlag"}, {})}};
     return tables;
+}
+
+QString TaxingBodyName(TaxingBody body) {
+    switch (body) {
+    case TaxingBody::County:
+        return QStringLiteral("County");
+    case TaxingBody::Twp:
+        return QStringLiteral("Twp/Boro/City");
+    case TaxingBody::School:
+        break;
+    }
+    return QStringLiteral("School");
 }

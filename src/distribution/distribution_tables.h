@@ -31,6 +31,7 @@ struct DistributionTables {
     QString voidReceipts;
     QString distribution;
     QString voidDistribution;
+    QString refunds; // the refunds owed back, distributed in a sequence of their own
     bool hasMap = false;
     std::vector<DistributionBody> bodies; // County, Twp, School
 
@@ -39,6 +40,9 @@ struct DistributionTables {
 
 const DistributionTables& RealEstateTables();
 const DistributionTables& PerCapitaTables();
+
+// "County", "Twp/Boro/City", "School": the body as messages and captions name it.
+QString TaxingBodyName(TaxingBody body);
 
 // The discount and penalty columns of a tax line.
 inline QString DiscountColumn(const QString& face) {

@@ -100,11 +100,11 @@ bool linesSince(QSqlDatabase db, const DistributionTables& tables, const Distrib
     QSqlQuery q(db);
     q.setForwardOnly(true);
     q.prepare(QStringLiteral("SELECT %1 FROM %2 WHERE rowid > ? ORDER BY rowid")
-                  .arg(DistributionLineSql(tables, body, run.district, run.ward), table));
+                  .arg(DistributionLineColumns(tables, body), table));
     q.addBindValue(after);
     if (!q.exec())
         return QueryFailed(db, q, error);
-    *lines << DistributionLinesOf(q);
+    *lines << DistributionLinesOf(q, tables, body, run.district, run.ward);
     return true;
 }
 

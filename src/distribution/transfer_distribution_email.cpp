@@ -27,19 +27,6 @@ namespace {
 const char* const TransferTitle = "Transfer Distribution By EMail";
 const char* const NumberTitle = "Enter Distribution Number";
 
-// The body as the transfer's messages name it.
-QString messageWord(TaxingBody body) {
-    switch (body) {
-    case TaxingBody::County:
-        return QStringLiteral("County");
-    case TaxingBody::Twp:
-        return QStringLiteral("Twp/Boro/City");
-    case TaxingBody::School:
-        return QStringLiteral("School");
-    }
-    return QString();
-}
-
 } // namespace
 
 std::optional<QString> DistributionNumberText(const QString& typed) {
@@ -52,7 +39,7 @@ std::optional<QString> DistributionNumberText(const QString& typed) {
 
 QString DistributionMailText(TaxingBody body, const QString& number, const QString& district,
                              const QString& ward) {
-    return messageWord(body) + QStringLiteral(" R/E Distribution # ") + number +
+    return TaxingBodyName(body) + QStringLiteral(" R/E Distribution # ") + number +
            QStringLiteral(" - District ") + district + u'-' + ward;
 }
 
@@ -148,7 +135,7 @@ void TransferDistributionEMailScreen::cmdTransfer_Click() {
     for (const Choice& c : choices) {
         if (!c.box->isChecked())
             continue;
-        const QString word = messageWord(c.body);
+        const QString word = TaxingBodyName(c.body);
         auto refuse = [&](const QString& text, const QString& boxTitle) {
             MsgBox(text, boxTitle, MsgButtons::Ok, MsgIcon::Exclamation);
             c.field->setFocus();
@@ -189,7 +176,7 @@ void TransferDistributionEMailScreen::cmdTransfer_Click() {
             MsgBox(sent.error, title, MsgButtons::Ok, MsgIcon::Critical);
             return;
         }
-        MsgBox(messageWord(item.body) + QStringLiteral(" R/E Distribution # ") + item.number +
+        MsgBox(TaxingBodyName(item.body) + QStringLiteral(" R/E Distribution # ") + item.number +
                    QStringLiteral(" has been E-Mailed"),
                title);
     }

@@ -9,14 +9,17 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QLocale>
-#include <QRegularExpression>
 #include <QSaveFile>
 #include <QSet>
 #include <QSqlDriver>
-#include <QSqlQuery>
 #include <QUuid>
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <string_view>
 
 #include <sqlite3.h>
 
@@ -35,100 +38,225 @@ bool IsFlagColumn(const QString& column) {
     return lower.endsWith(QLatin1String("flag")) || others.contains(lower);
 }
 
+// The form a text column keeps, worked out once per column rather than once per value.
+struct TextRule {
+    enum Kind { Free, Flag, BillNo, Control, District, Ward, RecNum, DisbNum, TaxYear, MapPart };
+    Kind kind = Free;
+    int width = 0; // of a map part
+};
+
+TextRule RuleOf(const QString& column) {
+    const QString lower = column.toLower();
+    if (IsFlagColumn(column))
+        return {TextRule::Flag};
+    if (lower == u"billno")
+        return {TextRule::BillNo};
+    if (lower == u"control")
+        return {TextRule::Control};
+    if (lower == u"district")
+        return {TextRule::District};
+    if (lower == u"ward")
+        return {TextRule::Ward};
+    if (lower == u"recnum")
+        return {TextRule::RecNum};
+    if (lower.endsWith(QLatin1String("disbnum")))
+        return {TextRule::DisbNum};
+    if (lower == u"taxyear")
+        return {TextRule::TaxYear};
+    if (lower == u"map3")
+        return {TextRule::MapPart, 8};
+    if (lower == u"map4")
+        return {TextRule::MapPart, 6};
+    if (lower == u"map5")
+        return {TextRule::MapPart, 9};
+    return {};
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool AllDigits(std::string_view s) {
+    return !s.empty() && std::all_of(s.begin(), s.end(), IsDigit);
+}
+
+// Characters, not bytes, of a UTF-8 text.
+int CharacterCount(std::string_view s) {
+    return int(std::count_if(s.begin(), s.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
 // Checks a text value against the form its column keeps, and brings an unset flag, map part or
 // distribution key to its stored form. The reason when the value does not fit.
-QString CheckText(const QString& column, QString& value) {
-    static const QRegularExpression billNo(QStringLiteral("^( *[0-9]+|[A-Z][0-9]{4})$"));
-    static const QRegularExpression digits(QStringLiteral("^[0-9]+$"));
-    static const QRegularExpression disbNum(QStringLiteral("^( {6}|[0-9]{6})$"));
-    const QString lower = column.toLower();
-    if (IsFlagColumn(column)) {
-        if (value.isEmpty())
-            value = QStringLiteral(" ");
-        return value.size() == 1 ? QString() : QStringLiteral("a flag holds one character");
-    }
-    if (lower == u"billno") {
-        if (value.size() != 5 || !billNo.match(value).hasMatch())
+QString CheckText(const TextRule& rule, std::string& value) {
+    switch (rule.kind) {
+    case TextRule::Free:
+        return {};
+    case TextRule::Flag:
+        if (value.empty())
+            value = " ";
+        return CharacterCount(value) == 1 ? QString()
+                                          : QStringLiteral("a flag holds one character");
+    case TextRule::BillNo: {
+        // Right-aligned digits, or a letter and four digits.
+        const std::size_t digitsFrom = value.find_first_not_of(' ');
+        const bool padded = digitsFrom != std::string::npos &&
+                            AllDigits(std::string_view(value).substr(digitsFrom));
+        const bool lettered = value.size() == 5 && value[0] >= 'A' && value[0] <= 'Z' &&
+                              AllDigits(std::string_view(value).substr(1));
+        if (value.size() != 5 || !(padded || lettered))
             return QStringLiteral("a bill number is 5 characters, right-aligned digits or A and "
                                   "four digits");
         return {};
     }
-    if (lower == u"control") {
-        if (value.trimmed().isEmpty() || value.size() > 6)
+    case TextRule::Control:
+        if (value.find_first_not_of(" \t") == std::string::npos || CharacterCount(value) > 6)
             return QStringLiteral("a control number is 1 to 6 characters");
         return {};
-    }
-    if (lower == u"district") {
-        if (value.size() != 2 || !digits.match(value).hasMatch())
+    case TextRule::District:
+        if (value.size() != 2 || !AllDigits(value))
             return QStringLiteral("a district is two digits");
         return {};
-    }
-    if (lower == u"ward") {
-        if (value.size() != 1)
+    case TextRule::Ward:
+        if (CharacterCount(value) != 1)
             return QStringLiteral("a ward is one character");
         return {};
-    }
-    if (lower == u"recnum") {
-        if (value.size() != 12 || !digits.match(value).hasMatch())
+    case TextRule::RecNum:
+        if (value.size() != 12 || !AllDigits(value))
             return QStringLiteral("a receipt number is 12 digits");
         return {};
-    }
-    if (lower.endsWith(QLatin1String("disbnum"))) {
-        if (value.isEmpty())
-            value = QStringLiteral("      ");
-        if (!disbNum.match(value).hasMatch())
+    case TextRule::DisbNum:
+        if (value.empty())
+            value = "      ";
+        if (value != "      " && !(value.size() == 6 && AllDigits(value)))
             return QStringLiteral("a distribution key is six digits or six blanks");
         return {};
-    }
-    if (lower == u"taxyear") {
-        if (value.size() != 4 || !digits.match(value).hasMatch())
+    case TextRule::TaxYear:
+        if (value.size() != 4 || !AllDigits(value))
             return QStringLiteral("a tax year is four digits");
         return {};
-    }
-    static const QHash<QString, int> mapWidths{{"map3", 8}, {"map4", 6}, {"map5", 9}};
-    if (const auto width = mapWidths.find(lower); width != mapWidths.end()) {
-        if (value.isEmpty())
-            value = QStringLiteral(" ");
-        if (value.size() > width.value())
+    case TextRule::MapPart:
+        if (value.empty())
+            value = " ";
+        if (CharacterCount(value) > rule.width)
             return QStringLiteral("this part of the map number holds at most %1 characters")
-                .arg(width.value());
+                .arg(rule.width);
         return {};
     }
     return {};
+}
+
+std::string_view Trimmed(std::string_view s) {
+    const auto space = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!s.empty() && space(s.front()))
+        s.remove_prefix(1);
+    while (!s.empty() && space(s.back()))
+        s.remove_suffix(1);
+    return s;
 }
 
 // Money as a plain decimal with at most four places: "1234.5", "-3", "0.1250".
-std::optional<qint64> ParseMoneyUnits(const QString& text) {
-    static const QRegularExpression form(QStringLiteral("^(-?)([0-9]*)(?:\\.([0-9]{0,4}))?$"));
-    const QRegularExpressionMatch m = form.match(text.trimmed());
-    if (!m.hasMatch() || (m.captured(2).isEmpty() && m.captured(3).isEmpty()))
+std::optional<qint64> ParseMoneyUnits(std::string_view text) {
+    std::string_view t = Trimmed(text);
+    const bool negative = !t.empty() && t.front() == '-';
+    if (negative)
+        t.remove_prefix(1);
+    const std::size_t point = t.find('.');
+    const std::string_view whole = t.substr(0, point);
+    const std::string_view places =
+        point == std::string_view::npos ? std::string_view() : t.substr(point + 1);
+    if ((!whole.empty() && !AllDigits(whole)) || (!places.empty() && !AllDigits(places)) ||
+        places.size() > 4 || whole.size() > 14 || (whole.empty() && places.empty()))
         return std::nullopt;
-    if (m.captured(2).size() > 14)
-        return std::nullopt;
-    const qint64 whole = m.captured(2).isEmpty() ? 0 : m.captured(2).toLongLong();
-    const QString places = m.captured(3).leftJustified(4, QLatin1Char('0'));
-    const qint64 units = whole * Money::UnitsPerDollar + places.toLongLong();
-    return m.captured(1).isEmpty() ? units : -units;
+    qint64 units = 0;
+    for (const char c : whole)
+        units = units * 10 + (c - '0');
+    qint64 fraction = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        fraction = fraction * 10 + (i < places.size() ? places[i] - '0' : 0);
+    units = units * Money::UnitsPerDollar + fraction;
+    return negative ? -units : units;
 }
 
-// "MM/DD/YY HH:MM:SS" as mdb-export writes a date; four-digit years and ISO dates are taken
-// too. Two-digit years run from 1930 to 2029, as the desktop database engine reads them.
-QDate ParseCsvDate(const QString& text) {
-    static const QRegularExpression us(
-        QStringLiteral("^([0-9]{1,2})/([0-9]{1,2})/([0-9]{2}|[0-9]{4})"
-                       "(?: +[0-9]{1,2}:[0-9]{2}(?::[0-9]{2})?(?: ?[AaPp][Mm])?)?$"));
-    static const QRegularExpression iso(
-        QStringLiteral("^([0-9]{4})-([0-9]{2})-([0-9]{2})(?:[ T][0-9:.]+)?$"));
-    const QString t = text.trimmed();
-    if (const QRegularExpressionMatch m = us.match(t); m.hasMatch()) {
-        int year = m.captured(3).toInt();
-        if (m.captured(3).size() == 2)
+// Reads a run of 1 to maxDigits digits at the front of s.
+std::optional<int> LeadingNumber(std::string_view& s, std::size_t minDigits,
+                                 std::size_t maxDigits) {
+    std::size_t n = 0;
+    int value = 0;
+    while (n < s.size() && n < maxDigits && IsDigit(s[n]))
+        value = value * 10 + (s[n++] - '0');
+    if (n < minDigits || (n < s.size() && IsDigit(s[n])))
+        return std::nullopt;
+    s.remove_prefix(n);
+    return value;
+}
+
+// "MM/DD/YY HH:MM:SS" as mdb-export writes a date; four-digit years, a time with or without
+// seconds and AM/PM, and ISO dates are taken too. Two-digit years run from 1930 to 2029, as the
+// desktop database engine reads them.
+QDate ParseCsvDate(std::string_view text) {
+    std::string_view t = Trimmed(text);
+    std::string_view rest = t;
+    const auto month = LeadingNumber(rest, 1, 2);
+    if (month && !rest.empty() && rest.front() == '/') {
+        rest.remove_prefix(1);
+        const auto day = LeadingNumber(rest, 1, 2);
+        if (!day || rest.empty() || rest.front() != '/')
+            return {};
+        rest.remove_prefix(1);
+        const std::size_t yearDigits =
+            std::find_if_not(rest.begin(), rest.end(), IsDigit) - rest.begin();
+        if (yearDigits != 2 && yearDigits != 4)
+            return {};
+        int year = *LeadingNumber(rest, yearDigits, yearDigits);
+        if (yearDigits == 2)
             year += year < 30 ? 2000 : 1900;
-        return QDate(year, m.captured(1).toInt(), m.captured(2).toInt());
+        if (!rest.empty()) {
+            // A time of day: H:MM, H:MM:SS, either with AM or PM.
+            if (rest.front() != ' ')
+                return {};
+            rest = Trimmed(rest);
+            if (!LeadingNumber(rest, 1, 2) || rest.empty() || rest.front() != ':')
+                return {};
+            rest.remove_prefix(1);
+            if (!LeadingNumber(rest, 2, 2))
+                return {};
+            if (!rest.empty() && rest.front() == ':') {
+                rest.remove_prefix(1);
+                if (!LeadingNumber(rest, 2, 2))
+                    return {};
+            }
+            if (!rest.empty() && rest.front() == ' ')
+                rest.remove_prefix(1);
+            if (!rest.empty()) {
+                const auto upper = [](char c) { return char(c & ~0x20); };
+                if (rest.size() != 2 || (upper(rest[0]) != 'A' && upper(rest[0]) != 'P') ||
+                    upper(rest[1]) != 'M')
+                    return {};
+            }
+        }
+        return QDate(year, *month, *day);
     }
-    if (const QRegularExpressionMatch m = iso.match(t); m.hasMatch())
-        return QDate(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
-    return {};
+    // ISO: YYYY-MM-DD, maybe with a time after a blank or a T.
+    rest = t;
+    const auto year = LeadingNumber(rest, 4, 4);
+    if (!year || rest.empty() || rest.front() != '-')
+        return {};
+    rest.remove_prefix(1);
+    const auto isoMonth = LeadingNumber(rest, 2, 2);
+    if (!isoMonth || rest.empty() || rest.front() != '-')
+        return {};
+    rest.remove_prefix(1);
+    const auto isoDay = LeadingNumber(rest, 2, 2);
+    if (!isoDay)
+        return {};
+    if (!rest.empty()) {
+        if (rest.front() != ' ' && rest.front() != 'T')
+            return {};
+        rest.remove_prefix(1);
+        if (rest.empty() || rest.find_first_not_of("0123456789:.") != std::string_view::npos)
+            return {};
+    }
+    return QDate(*year, *isoMonth, *isoDay);
 }
 
 // ---- One value bound for SQLite ---------------------------------------------------------------
@@ -137,79 +265,111 @@ struct Bound {
     enum Kind { Null, Integer, Real, Text } kind = Null;
     qint64 integer = 0;
     double real = 0;
-    QByteArray text;
+    std::string text;
+
+    void setNull() { kind = Null; }
+    void setInteger(qint64 n) {
+        kind = Integer;
+        integer = n;
+    }
+    void setReal(double r) {
+        kind = Real;
+        real = r;
+    }
 };
 
+// What the loader knows of a column before the first row.
+struct ColumnPlan {
+    QString name;
+    ColumnType type = ColumnType::Text;
+    TextRule rule;
+};
+
+QString Quoting(const CsvBytes& field) {
+    return QStringLiteral(" (\"") + field.text() + QStringLiteral("\")");
+}
+
 // The stored value of a field, or the reason it does not fit its column.
-QString Convert(const QString& column, ColumnType type, const CsvField& field, Bound* out) {
+QString Convert(const ColumnPlan& column, const CsvBytes& field, Bound* out) {
     const bool null = field.isNull();
-    switch (type) {
+    const std::string_view trimmed = Trimmed(field.view());
+    switch (column.type) {
     case ColumnType::Text: {
-        QString value = field.text;
-        const QString why = CheckText(column, value);
-        if (!why.isEmpty())
-            return why + QStringLiteral(" (\"") + field.text + QStringLiteral("\")");
-        *out = {Bound::Text, 0, 0, value.toUtf8()};
-        return {};
+        out->kind = Bound::Text;
+        out->text.assign(field.bytes);
+        const QString why = CheckText(column.rule, out->text);
+        return why.isEmpty() ? QString() : why + Quoting(field);
     }
     case ColumnType::Money: {
-        if (null || field.text.trimmed().isEmpty()) {
-            *out = {Bound::Integer, 0, 0, {}};
+        if (null || trimmed.empty()) {
+            out->setInteger(0);
             return {};
         }
-        const std::optional<qint64> units = ParseMoneyUnits(field.text);
+        const std::optional<qint64> units = ParseMoneyUnits(field.view());
         if (!units)
-            return QStringLiteral("not an amount with at most four decimals (\"%1\")")
-                .arg(field.text);
-        *out = {Bound::Integer, *units, 0, {}};
+            return QStringLiteral("not an amount with at most four decimals") + Quoting(field);
+        out->setInteger(*units);
         return {};
     }
     case ColumnType::Integer: {
-        if (null || field.text.trimmed().isEmpty()) {
-            *out = {Bound::Integer, 0, 0, {}};
+        if (null || trimmed.empty()) {
+            out->setInteger(0);
             return {};
         }
-        bool ok = false;
-        const qint64 n = field.text.trimmed().toLongLong(&ok);
-        if (!ok)
-            return QStringLiteral("not a whole number (\"%1\")").arg(field.text);
-        *out = {Bound::Integer, n, 0, {}};
+        std::string_view digits = trimmed;
+        if (digits.front() == '+')
+            digits.remove_prefix(1);
+        qint64 n = 0;
+        const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), n);
+        if (ec != std::errc() || end != digits.data() + digits.size())
+            return QStringLiteral("not a whole number") + Quoting(field);
+        out->setInteger(n);
         return {};
     }
     case ColumnType::Real: {
-        if (null || field.text.trimmed().isEmpty()) {
-            *out = {Bound::Real, 0, 0, {}};
+        if (null || trimmed.empty()) {
+            out->setReal(0);
             return {};
         }
-        bool ok = false;
-        const double r = QLocale::c().toDouble(field.text.trimmed(), &ok);
-        if (!ok || !std::isfinite(r))
-            return QStringLiteral("not a number (\"%1\")").arg(field.text);
-        *out = {Bound::Real, 0, r, {}};
+        std::string_view number = trimmed;
+        if (number.front() == '+')
+            number.remove_prefix(1);
+        double r = 0;
+        const auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), r);
+        if (ec != std::errc() || end != number.data() + number.size() || !std::isfinite(r))
+            return QStringLiteral("not a number") + Quoting(field);
+        out->setReal(r);
         return {};
     }
     case ColumnType::Date: {
-        if (null || field.text.trimmed().isEmpty()) {
-            *out = {};
+        if (null || trimmed.empty()) {
+            out->setNull();
             return {};
         }
-        const QDate d = ParseCsvDate(field.text);
+        const QDate d = ParseCsvDate(field.view());
         if (!d.isValid())
-            return QStringLiteral("not a date MM/DD/YY (\"%1\")").arg(field.text);
-        *out = {Bound::Text, 0, 0, d.toString(Qt::ISODate).toLatin1()};
+            return QStringLiteral("not a date MM/DD/YY") + Quoting(field);
+        char iso[16];
+        std::snprintf(iso, sizeof iso, "%04d-%02d-%02d", d.year(), d.month(), d.day());
+        out->kind = Bound::Text;
+        out->text.assign(iso);
         return {};
     }
     case ColumnType::Boolean: {
-        const QString t = field.text.trimmed().toLower();
-        if (null || t.isEmpty() || t == u"0" || t == u"false") {
-            *out = {Bound::Integer, 0, 0, {}};
+        const auto is = [&](std::string_view word) {
+            return trimmed.size() == word.size() &&
+                   std::equal(trimmed.begin(), trimmed.end(), word.begin(),
+                              [](char a, char b) { return (a | 0x20) == b; });
+        };
+        if (null || trimmed.empty() || trimmed == "0" || is("false")) {
+            out->setInteger(0);
             return {};
         }
-        if (t == u"1" || t == u"-1" || t == u"true") {
-            *out = {Bound::Integer, 1, 0, {}};
+        if (trimmed == "1" || trimmed == "-1" || is("true")) {
+            out->setInteger(1);
             return {};
         }
-        return QStringLiteral("not 0 or 1 (\"%1\")").arg(field.text);
+        return QStringLiteral("not 0 or 1") + Quoting(field);
     }
     }
     return {};
@@ -217,22 +377,20 @@ QString Convert(const QString& column, ColumnType type, const CsvField& field, B
 
 // A column the file does not bring: text empty (a flag, map part or key blank), numbers zero,
 // dates none.
-Bound Missing(const TaxDatabase::ColumnDef& column) {
+Bound Missing(const ColumnPlan& column) {
     Bound b;
     switch (column.type) {
-    case ColumnType::Text: {
-        QString value;
-        CheckText(column.name, value);
-        b = {Bound::Text, 0, 0, value.toUtf8()};
+    case ColumnType::Text:
+        b.kind = Bound::Text;
+        CheckText(column.rule, b.text);
         break;
-    }
     case ColumnType::Real:
-        b = {Bound::Real, 0, 0, {}};
+        b.setReal(0);
         break;
     case ColumnType::Date:
         break;
     default:
-        b = {Bound::Integer, 0, 0, {}};
+        b.setInteger(0);
         break;
     }
     return b;
@@ -279,7 +437,7 @@ public:
                 sqlite3_bind_double(m_statement, i + 1, v.real);
                 break;
             case Bound::Text:
-                sqlite3_bind_text(m_statement, i + 1, v.text.constData(), int(v.text.size()),
+                sqlite3_bind_text(m_statement, i + 1, v.text.data(), int(v.text.size()),
                                   SQLITE_STATIC);
                 break;
             }
@@ -424,13 +582,17 @@ private:
             return false;
         }
 
+        std::vector<ColumnPlan> plans;
+        for (const TaxDatabase::ColumnDef& c : table.columns)
+            plans.push_back(
+                {c.name, c.type, c.type == ColumnType::Text ? RuleOf(c.name) : TextRule()});
         std::vector<Bound> values(table.columns.size());
         std::vector<Bound> defaults;
-        for (const TaxDatabase::ColumnDef& c : table.columns)
+        for (const ColumnPlan& c : plans)
             defaults.push_back(Missing(c));
         int rowsSinceProgress = 0;
-        while (const std::optional<std::vector<CsvField>> record = reader.next()) {
-            const std::vector<CsvField>& fields = *record;
+        std::vector<CsvBytes> fields;
+        while (reader.next(fields)) {
             if (fields.size() == 1 && fields.front().isNull())
                 continue; // a blank line
             if (reader.unterminatedQuote()) {
@@ -449,20 +611,18 @@ private:
                 continue;
             }
             bool rowOk = true;
-            for (int c = 0; c < int(table.columns.size()); ++c) {
-                const int from = source[std::size_t(c)];
+            for (std::size_t c = 0; c < plans.size(); ++c) {
+                const int from = source[c];
                 if (from < 0) {
-                    values[std::size_t(c)] = defaults[std::size_t(c)];
+                    values[c] = defaults[c];
                     continue;
                 }
-                const TaxDatabase::ColumnDef& column = table.columns[std::size_t(c)];
-                const QString why = Convert(column.name, column.type, fields[std::size_t(from)],
-                                            &values[std::size_t(c)]);
+                const QString why = Convert(plans[c], fields[std::size_t(from)], &values[c]);
                 if (!why.isEmpty()) {
                     m_result.problems << QStringLiteral("%1 line %2, %3: %4")
                                              .arg(f.fileName)
                                              .arg(reader.line())
-                                             .arg(column.name, why);
+                                             .arg(plans[c].name, why);
                     rowOk = false;
                 }
             }
@@ -534,6 +694,9 @@ DuplicateImport ImportDuplicate(const QString& folder, const QString& databasePa
         if (!handle) {
             result.problems << QStringLiteral("The new database cannot be made: %1").arg(why);
         } else {
+            // The file is new and only renamed into place when whole: a large page cache keeps
+            // the indexes in memory while the rows go in.
+            sqlite3_exec(handle, "PRAGMA cache_size=-262144", nullptr, nullptr, nullptr);
             ok = db.transaction() && importer.load(handle) && result.problems.isEmpty() &&
                  db.commit();
             if (!ok)
@@ -558,92 +721,134 @@ DuplicateImport ImportDuplicate(const QString& folder, const QString& databasePa
 
 namespace {
 
-QString ExportMoney(qint64 units) {
-    QString digits =
-        QString::number(units < 0 ? -units : units).rightJustified(5, QLatin1Char('0'));
-    QString whole = digits.left(digits.size() - 4);
-    QString places = digits.right(4);
-    while (places.size() > 2 && places.endsWith(QLatin1Char('0')))
-        places.chop(1);
-    return (units < 0 ? QStringLiteral("-") : QString()) + whole + QLatin1Char('.') + places;
+void AppendMoney(std::string& out, qint64 units) {
+    // Whole dollars, a point and two to four places: 12.5 -> "12.50", 0.1234 -> "0.1234".
+    const bool negative = units < 0;
+    const quint64 magnitude = negative ? quint64(0) - quint64(units) : quint64(units);
+    char places[5];
+    std::snprintf(places, sizeof places, "%04llu",
+                  static_cast<unsigned long long>(magnitude % Money::UnitsPerDollar));
+    int keep = 4;
+    while (keep > 2 && places[keep - 1] == '0')
+        --keep;
+    char text[40];
+    const int n = std::snprintf(text, sizeof text, "%s%llu.%.*s", negative ? "-" : "",
+                                static_cast<unsigned long long>(magnitude / Money::UnitsPerDollar),
+                                keep, places);
+    out.append(text, std::size_t(n));
+}
+
+void AppendQuoted(std::string& out, const char* text, int size) {
+    out.push_back('"');
+    const char* end = text + size;
+    while (text < end) {
+        const char* quote =
+            static_cast<const char*>(std::memchr(text, '"', std::size_t(end - text)));
+        const char* stop = quote ? quote + 1 : end;
+        out.append(text, std::size_t(stop - text));
+        if (quote)
+            out.push_back('"'); // doubled
+        text = stop;
+    }
+    out.push_back('"');
+}
+
+// A stored date as mdb-export writes one, with a two-digit year where it reads back the same.
+void AppendDate(std::string& out, const QDate& d) {
+    if (!d.isValid())
+        return;
+    const bool shortYear = d.year() >= 1930 && d.year() <= 2029;
+    char text[32];
+    const int n = shortYear ? std::snprintf(text, sizeof text, "\"%02d/%02d/%02d 00:00:00\"",
+                                            d.month(), d.day(), d.year() % 100)
+                            : std::snprintf(text, sizeof text, "\"%02d/%02d/%04d 00:00:00\"",
+                                            d.month(), d.day(), d.year());
+    out.append(text, std::size_t(n));
+}
+
+QDate StoredDate(sqlite3_stmt* row, int column) {
+    const char* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    const int size = sqlite3_column_bytes(row, column);
+    return DateField(QString::fromUtf8(text, size));
 }
 
 } // namespace
 
 bool ExportDuplicate(QSqlDatabase db, const QString& folder, QString* error) {
-    if (!QDir().mkpath(folder)) {
+    const auto fail = [error](const QString& why) {
         if (error)
-            *error = QStringLiteral("The folder %1 cannot be made.").arg(folder);
+            *error = why;
         return false;
-    }
+    };
+    if (!QDir().mkpath(folder))
+        return fail(QStringLiteral("The folder %1 cannot be made.").arg(folder));
+    sqlite3* handle = db.isOpen() ? Handle(db) : nullptr;
+    if (!handle)
+        return fail(QStringLiteral("The tax database is not open."));
     for (const TaxDatabase::TableDef& table : TaxDatabase::schema()) {
         QStringList names;
         for (const TaxDatabase::ColumnDef& c : table.columns)
             names << c.name;
         QSaveFile file(QDir(folder).filePath(table.name + QStringLiteral(".csv")));
-        if (!file.open(QIODevice::WriteOnly)) {
-            if (error)
-                *error = file.fileName() + QStringLiteral(": ") + file.errorString();
-            return false;
-        }
+        if (!file.open(QIODevice::WriteOnly))
+            return fail(file.fileName() + QStringLiteral(": ") + file.errorString());
         file.write(CsvRecord(names).toUtf8());
-        QSqlQuery q(db);
-        q.setForwardOnly(true);
-        if (!q.exec(QStringLiteral("SELECT %1 FROM %2 ORDER BY rowid")
-                        .arg(names.join(QLatin1Char(',')), table.name))) {
-            QueryFailed(db, q, error);
-            return false;
+        sqlite3_stmt* row = nullptr;
+        const QByteArray sql = QStringLiteral("SELECT %1 FROM %2 ORDER BY rowid")
+                                   .arg(names.join(QLatin1Char(',')), table.name)
+                                   .toUtf8();
+        if (sqlite3_prepare_v2(handle, sql.constData(), -1, &row, nullptr) != SQLITE_OK) {
+            sqlite3_finalize(row);
+            return fail(QString::fromUtf8(sqlite3_errmsg(handle)));
         }
-        QByteArray out;
-        QStringList fields;
-        while (q.next()) {
-            fields.clear();
+        std::string out;
+        int rc = SQLITE_ROW;
+        while ((rc = sqlite3_step(row)) == SQLITE_ROW) {
             for (int c = 0; c < int(table.columns.size()); ++c) {
-                const QVariant v = q.value(c);
-                if (v.isNull()) {
-                    fields << QString();
+                if (c > 0)
+                    out.push_back(',');
+                if (sqlite3_column_type(row, c) == SQLITE_NULL)
                     continue;
-                }
                 switch (table.columns[std::size_t(c)].type) {
                 case ColumnType::Text:
-                    fields << CsvQuoted(v.toString());
+                    AppendQuoted(out, reinterpret_cast<const char*>(sqlite3_column_text(row, c)),
+                                 sqlite3_column_bytes(row, c));
                     break;
                 case ColumnType::Money:
-                    fields << ExportMoney(v.toLongLong());
+                    AppendMoney(out, sqlite3_column_int64(row, c));
                     break;
                 case ColumnType::Integer:
                 case ColumnType::Boolean:
-                    fields << QString::number(v.toLongLong());
+                    out += std::to_string(sqlite3_column_int64(row, c));
                     break;
-                case ColumnType::Real:
-                    fields << QString::number(v.toDouble(), 'g', QLocale::FloatingPointShortest);
-                    break;
-                case ColumnType::Date: {
-                    const QDate d = DateField(v);
-                    // Two-digit years as mdb-export writes them, where they read back the same.
-                    const bool shortYear = d.year() >= 1930 && d.year() <= 2029;
-                    fields << (d.isValid()
-                                   ? CsvQuoted(d.toString(shortYear
-                                                              ? QStringLiteral("MM/dd/yy")
-                                                              : QStringLiteral("MM/dd/yyyy")) +
-                                               QStringLiteral(" 00:00:00"))
-                                   : QString());
+                case ColumnType::Real: {
+                    // Whole numbers bare, others in the fewest digits that read back the same.
+                    const double value = sqlite3_column_double(row, c);
+                    char text[32];
+                    const auto [end, ec] =
+                        std::abs(value) < 1e15 && value == std::trunc(value)
+                            ? std::to_chars(text, text + sizeof text, qint64(value))
+                            : std::to_chars(text, text + sizeof text, value);
+                    out.append(text, ec == std::errc() ? std::size_t(end - text) : 0);
                     break;
                 }
+                case ColumnType::Date:
+                    AppendDate(out, StoredDate(row, c));
+                    break;
                 }
             }
-            out += CsvRecord(fields).toUtf8();
-            if (out.size() > (1 << 20)) {
-                file.write(out);
+            out.push_back('\n');
+            if (out.size() > (1u << 20)) {
+                file.write(out.data(), qint64(out.size()));
                 out.clear();
             }
         }
-        file.write(out);
-        if (!file.commit()) {
-            if (error)
-                *error = file.fileName() + QStringLiteral(": ") + file.errorString();
-            return false;
-        }
+        sqlite3_finalize(row);
+        if (rc != SQLITE_DONE)
+            return fail(QString::fromUtf8(sqlite3_errmsg(handle)));
+        file.write(out.data(), qint64(out.size()));
+        if (!file.commit())
+            return fail(file.fileName() + QStringLiteral(": ") + file.errorString());
     }
     return true;
 }

@@ -99,3 +99,66 @@ inline bool addBrokenChain(const TempTaxDatabase& db) {
                                   "Name = 'HALF DONE', AdjFlag = 'A' WHERE rowid = 5"));
 }
 } // namespace BillFixture
+
+namespace BillFixture {
+// Per capita on top of the office above: the county takes no per capita tax, the township a $5
+// per capita and a 1.5 mill occupation tax (2% discount, 10% penalty), the school a $5 per
+// capita. Five persons:
+//   "    1" DOE JANE, as delivered
+//   "    2" SMITH ROBERT (MR ROBERT J SMITH JR): adjusted (occupation 6.00) and moved
+//   "    3" township paid, school unpaid
+//   "    4" nothing to pay anywhere
+//   "A0001" added after billing
+inline bool fillPerCapita(const TempTaxDatabase& db) {
+    const char* const statements[] = {
+        "UPDATE Millfile SET SPC = 0, SMO = 0, PCSD = 1, PCSP = 10 WHERE District = '00'",
+        "UPDATE Millfile SET TPC = 5, TMO = 1.5, PCTD = 2, PCTP = 10, SPC = 5, SMO = 0, PCSD = "
+        "2, PCSP = 10 WHERE District = '12'",
+        "INSERT INTO tbl_Settings (Name, Value) VALUES ('AssessmentOfficePhone', "
+        "'(717) 555-0150')",
+        "INSERT INTO PCMaster (District, Ward, Control, BillNo, Name, Prefix, FName, MName, "
+        "LName, Suffix, Addr1, Addr2, City, State, ZipCode, ZipCode2, OccuCode, DCPerCapita, "
+        "CPerCapita, PCPerCapita, DCOccupation, COccupation, PCOccupation, DTPerCapita, "
+        "TPerCapita, PTPerCapita, DTOccupation, TOccupation, PTOccupation, DSPerCapita, "
+        "SPerCapita, PSPerCapita, DSOccupation, SOccupation, PSOccupation, AdjFlag, CPayFlag, "
+        "TPayFlag, SPayFlag, CAddrFlag, SecondNotice, TaxYear) VALUES ('12', '3', '000101', "
+        "'    1', 'DOE JANE', '', 'JANE', '', 'DOE', '', '5 OAK ST', '', 'MAPLE', 'PA', '19003', "
+        "'', 'TAX', 0, 0, 0, 0, 0, 0, 49000, 50000, 55000, 29400, 30000, 33000, 49000, 50000, "
+        "55000, 0, 0, 0, ' ', ' ', ' ', ' ', ' ', ' ', '2013')",
+        "INSERT INTO PCMaster SELECT * FROM PCMaster WHERE BillNo = '    1'",
+        "UPDATE PCMaster SET BillNo = '    2', Control = '000102', Name = 'SMITH ROBERT', Prefix "
+        "= 'MR', FName = 'ROBERT', MName = 'J', LName = 'SMITH', Suffix = 'JR', ZipCode = "
+        "'19002', AdjFlag = 'A', CAddrFlag = 'A' WHERE rowid = 2",
+        "INSERT INTO PCAdjust (Control, BillNo, AdjNo, Name, Prefix, FName, MName, LName, "
+        "Suffix, Addr1, Addr2, City, State, ZipCode, ZipCode2, OccuCode, DCPerCapita, "
+        "CPerCapita, PCPerCapita, DCOccupation, COccupation, PCOccupation, DTPerCapita, "
+        "TPerCapita, PTPerCapita, DTOccupation, TOccupation, PTOccupation, DSPerCapita, "
+        "SPerCapita, PSPerCapita, DSOccupation, SOccupation, PSOccupation, AdjDate, Reason, "
+        "AdjFlag) VALUES ('000102', '    2', 1, 'SMITH ROBERT', 'MR', 'ROBERT', 'J', 'SMITH', "
+        "'JR', '5 OAK ST', '', 'MAPLE', 'PA', '19002', '', 'TAX', 0, 0, 0, 0, 0, 0, 49000, "
+        "50000, 55000, 58800, 60000, 66000, 49000, 50000, 55000, 0, 0, 0, '2013-06-01', "
+        "'NEW OCCUPATION', 'A')",
+        "INSERT INTO PCAddress (Control, BillNo, AddrID, Name, Prefix, FName, MName, LName, "
+        "Suffix, Addr1, Addr2, City, State, ZipCode, ZipCode2, ADate, Reason) VALUES ('000102', "
+        "'    2', 1, 'SMITH ROBERT', 'MR', 'ROBERT', 'J', 'SMITH', 'JR', '77 HILL RD', 'UNIT B', "
+        "'OAKTON', 'PA', '19111', '2231', '2013-07-15', 'MOVED')",
+        "INSERT INTO PCLateBillAddress (BillNo, Name, Addr1, Addr2, City, State, ZipCode) VALUES "
+        "('    2', 'SMITH ROBERT', '5 OAK ST', '', 'MAPLE', 'PA', '19002')",
+        "INSERT INTO PCMaster SELECT * FROM PCMaster WHERE BillNo = '    1'",
+        "UPDATE PCMaster SET BillNo = '    3', Control = '000103', Name = 'BROWN PAID TWP', "
+        "ZipCode = '19004', TPayFlag = 'D' WHERE rowid = 3",
+        "INSERT INTO PCMaster SELECT * FROM PCMaster WHERE BillNo = '    1'",
+        "UPDATE PCMaster SET BillNo = '    4', Control = '000104', Name = 'ADAMS NOTHING DUE', "
+        "ZipCode = '19005', DTPerCapita = 0, TPerCapita = 0, PTPerCapita = 0, DTOccupation = 0, "
+        "TOccupation = 0, PTOccupation = 0, DSPerCapita = 0, SPerCapita = 0, PSPerCapita = 0 "
+        "WHERE rowid = 4",
+        "INSERT INTO PCMaster SELECT * FROM PCMaster WHERE BillNo = '    1'",
+        "UPDATE PCMaster SET BillNo = 'A0001', Control = '000901', Name = 'CARTER ADDED', "
+        "ZipCode = '18999' WHERE rowid = 5",
+    };
+    for (const char* sql : statements)
+        if (!db.exec(QString::fromLatin1(sql)))
+            return false;
+    return true;
+}
+} // namespace BillFixture

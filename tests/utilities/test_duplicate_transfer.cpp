@@ -62,6 +62,8 @@ private Q_SLOTS:
     void refusesABadValue_data();
     void refusesABadValue();
     void refusesAMissingColumnOrTableAndNeverOverwrites();
+    void readsTheFormsOfADateAndANumber_data();
+    void readsTheFormsOfADateAndANumber();
 
 private:
     QTemporaryDir m_dir;
@@ -253,6 +255,62 @@ void TestDuplicateTransfer::refusesAMissingColumnOrTableAndNeverOverwrites() {
     QFile kept(folder + "/existing.sqlite");
     QVERIFY(kept.open(QIODevice::ReadOnly));
     QCOMPARE(kept.readAll(), QByteArray("keep me"));
+}
+
+void TestDuplicateTransfer::readsTheFormsOfADateAndANumber_data() {
+    QTest::addColumn<QByteArray>("mailDate");
+    QTest::addColumn<QByteArray>("rate");
+    QTest::addColumn<QString>("stored"); // MailDate|SMR, or empty when refused
+
+    AddRow("mdb-export's form", QByteArray("\"07/01/13 00:00:00\""), QByteArray("18.52"),
+           QString("2013-07-01|18.52"));
+    AddRow("two-digit years 29 and 30", QByteArray("\"12/31/29\""), QByteArray("+4"),
+           QString("2029-12-31|4"));
+    AddRow("1930", QByteArray("1/2/30"), QByteArray("0.5"), QString("1930-01-02|0.5"));
+    AddRow("four-digit year, time with AM", QByteArray("\"7/1/2031 10:05 AM\""), QByteArray("1e1"),
+           QString("2031-07-01|10"));
+    AddRow("ISO with a time", QByteArray("2013-03-01T00:00:00"), QByteArray(" 7 "),
+           QString("2013-03-01|7"));
+    AddRow("no February 30", QByteArray("02/30/13"), QByteArray("1"), QString());
+    AddRow("month 13", QByteArray("13/01/13"), QByteArray("1"), QString());
+    AddRow("three-digit year", QByteArray("01/01/013"), QByteArray("1"), QString());
+    AddRow("words after the time", QByteArray("\"07/01/13 10:00 noon\""), QByteArray("1"),
+           QString());
+    AddRow("a rate in words", QByteArray("07/01/13"), QByteArray("ten"), QString());
+    AddRow("a rate with a comma", QByteArray("07/01/13"), QByteArray("\"1,5\""), QString());
+}
+
+void TestDuplicateTransfer::readsTheFormsOfADateAndANumber() {
+    QFETCH(QByteArray, mailDate);
+    QFETCH(QByteArray, rate);
+    QFETCH(QString, stored);
+    const QString folder = m_dir.filePath(QString("forms/%1").arg(QTest::currentDataTag()));
+    WriteOffice(folder);
+    WriteFile(folder + "/Millfile.csv", "District,Ward,TaxYear,SMR,MailDate\n"
+                                        "\"00\",\"0\",\"2013\"," +
+                                            rate + "," + mailDate + "\n");
+    const QString path = folder + "/new.sqlite";
+    const DuplicateImport result = ImportDuplicate(folder, path);
+    if (stored.isEmpty()) {
+        QVERIFY(!result.ok);
+        QCOMPARE(result.problems.size(), 1);
+        QVERIFY2(result.problems.first().startsWith("Millfile.csv line 2, "),
+                 qPrintable(result.problems.first()));
+        QVERIFY(!QFile::exists(path));
+        return;
+    }
+    QVERIFY2(result.ok, qPrintable(result.problems.join('\n')));
+    QString error;
+    QSqlDatabase db = TaxDatabase::open(path, "forms", &error);
+    QVERIFY2(db.isOpen(), qPrintable(error));
+    {
+        QSqlQuery q(db);
+        QVERIFY(q.exec("SELECT MailDate, SMR FROM Millfile"));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toString() + "|" + QString::number(q.value(1).toDouble()), stored);
+    }
+    db = QSqlDatabase();
+    TaxDatabase::close("forms");
 }
 
 QTEST_GUILESS_MAIN(TestDuplicateTransfer)

@@ -1514,7 +1514,11 @@ bool DemoGenerator::writeParcels() {
     TableWriter adjust(m_db, QStringLiteral("TCAdjust"));
     TableWriter address(m_db, QStringLiteral("TCAddress"));
     TableWriter adds(m_db, QStringLiteral("TCAdds"));
-    if (!check(master) || !check(adjust) || !check(address) || !check(adds))
+    // The county's late billing file: the address it holds for a few bills whose address
+    // changed, mostly the old one (those bills are mailed again by the late billing routine).
+    TableWriter lateAddress(m_db, QStringLiteral("TCLateBillAddress"));
+    int lateAddresses = 0;
+    if (!check(master) || !check(adjust) || !check(address) || !check(adds) || !check(lateAddress))
         return false;
 
     Rng rng(m_options.seed, 2);
@@ -1617,6 +1621,20 @@ bool DemoGenerator::writeParcels() {
             address.text("USPS", usps ? "1" : "0");
             if (!address.insert())
                 return check(address);
+            if (lateAddresses < 5) {
+                const Address& held = lateAddresses < 4 ? bill.mail : moved;
+                lateAddress.text("BillNo", bill.billNo);
+                lateAddress.text("Name", now.name);
+                lateAddress.text("Addr1", held.addr1);
+                lateAddress.text("Addr2", held.addr2);
+                lateAddress.text("City", held.city);
+                lateAddress.text("State", held.state);
+                lateAddress.text("ZipCode", held.zip);
+                lateAddress.text("ZipCode2", held.zip2);
+                if (!lateAddress.insert())
+                    return check(lateAddress);
+                ++lateAddresses;
+            }
             mail.moved = moved;
             mail.movedOn = day;
         }
@@ -1782,7 +1800,9 @@ bool DemoGenerator::writePersons() {
 
     TableWriter master(m_db, QStringLiteral("PCMaster"));
     TableWriter adds(m_db, QStringLiteral("PCAdds"));
-    if (!check(master) || !check(adds))
+    // The county's late billing file holds the address of a few persons, as billed.
+    TableWriter lateAddress(m_db, QStringLiteral("PCLateBillAddress"));
+    if (!check(master) || !check(adds) || !check(lateAddress))
         return false;
     for (int i = 0; i < total; ++i) {
         Person& p = persons[std::size_t(i)];
@@ -1800,6 +1820,18 @@ bool DemoGenerator::writePersons() {
         }
         payPerson(rng, p, earliest, p.flags);
 
+        if (i < std::min(billed, 3)) {
+            lateAddress.text("BillNo", p.billNo);
+            lateAddress.text("Name", p.printName());
+            lateAddress.text("Addr1", p.mail.addr1);
+            lateAddress.text("Addr2", p.mail.addr2);
+            lateAddress.text("City", p.mail.city);
+            lateAddress.text("State", p.mail.state);
+            lateAddress.text("ZipCode", p.mail.zip);
+            lateAddress.text("ZipCode2", p.mail.zip2);
+            if (!lateAddress.insert())
+                return check(lateAddress);
+        }
         master.text("District", District);
         master.text("Ward", Ward);
         master.text("Control", p.control);

@@ -205,7 +205,7 @@ struct Parser {
                 return fail(c.file, c.line,
                             "expect message, text, checked, unchecked, enabled, disabled, visible, "
                             "hidden, open, closed, title, sql, printed, barcode, file, jobs, "
-                            "pages, previewed or mail",
+                            "pages, previewed, mail, rows or cell",
                             QuoteForReport(c.verb));
             return fail(c.file, c.line, "a command", QuoteForReport(c.verb));
         }

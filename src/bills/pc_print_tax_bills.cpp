@@ -1,0 +1,347 @@
+#include "bills/pc_print_tax_bills.h"
+
+#include "bills/pc_tax_bill.h"
+#include "core/clock.h"
+#include "core/common_values.h"
+#include "core/messages.h"
+#include "core/named_widgets.h"
+#include "core/screen_host.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "reports/print_output.h"
+#include "reports/report_surface.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpressionValidator>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVBoxLayout>
+
+namespace {
+
+const char* const FormTitle = "Print Per Capita Tax Bills";
+const char* const MailersTitle = "Select Number Of Mailers";
+
+void exclaim(const QString& text, const char* title) {
+    MsgBox(text, QLatin1String(title), MsgButtons::Ok, MsgIcon::Exclamation);
+}
+
+QRadioButton* option(QWidget* parent, const char* name, const char* caption) {
+    auto* b = new QRadioButton(QLatin1String(caption), parent);
+    b->setObjectName(QLatin1String(name));
+    return b;
+}
+
+QCheckBox* tick(QWidget* parent, const char* name, const char* caption) {
+    auto* b = new QCheckBox(QLatin1String(caption), parent);
+    b->setObjectName(QLatin1String(name));
+    return b;
+}
+
+} // namespace
+
+frmPCPrintTaxBills::frmPCPrintTaxBills(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("frmPCPrintTaxBills"));
+    setWindowTitle(QLatin1String(FormTitle));
+
+    auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);
+    frame->setObjectName(QStringLiteral("fraBillingTimeFrame"));
+    optBillEarly = option(frame, "optBillEarly", "Early Billing");
+    optBillLate = option(frame, "optBillLate", "Late Billing");
+    m_frames = new QButtonGroup(this);
+    m_frames->addButton(optBillEarly);
+    m_frames->addButton(optBillLate);
+    {
+        auto* l = new QHBoxLayout(frame);
+        l->addWidget(optBillEarly);
+        l->addWidget(optBillLate);
+    }
+    chkSamples = tick(this, "chkSamples", "Samples");
+    chkPrintAddr = tick(this, "chkPrintAddr", "Print Mailing Address On A Separate Page");
+    chkSecondNotice = tick(this, "chkSecondNotice", "Print 2nd Notice Disregard If Paid");
+    chkPlainPaperCopy = tick(this, "chkPlainPaperCopy", "Ascending Order");
+
+    auto* order = new QGroupBox(QStringLiteral("Order"), this);
+    order->setObjectName(QStringLiteral("fraOrder"));
+    optBillNo = option(order, "optBillNo", "Bill #");
+    optName = option(order, "optName", "Name");
+    optZipCode = option(order, "optZipCode", "ZipCode");
+    m_orders = new QButtonGroup(this);
+    m_orders->addButton(optBillNo);
+    m_orders->addButton(optName);
+    m_orders->addButton(optZipCode);
+    {
+        auto* l = new QHBoxLayout(order);
+        l->addWidget(optBillNo);
+        l->addWidget(optName);
+        l->addWidget(optZipCode);
+    }
+
+    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
+    txtBillNo->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), txtBillNo));
+    txtNumberOfMailers = NamedField(this, QStringLiteral("txtNumberOfMailers"), 6);
+
+    lblControl = NamedLabel(this, QStringLiteral("lblControl"), QStringLiteral("Control #:"));
+    lblName = NamedLabel(this, QStringLiteral("lblName"), QStringLiteral("Name:"));
+    txtControl = ShownField(this, QStringLiteral("txtControl"));
+    txtName = ShownField(this, QStringLiteral("txtName"));
+    prgBills = new QProgressBar(this);
+    prgBills->setObjectName(QStringLiteral("prgBills"));
+    prgBills->setFormat(QStringLiteral("%v of %m"));
+    cmdCancel = NamedButton(this, QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), false);
+
+    cmdOK = NamedButton(this, QStringLiteral("cmdOK"), QStringLiteral("&OK"));
+    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+
+    auto* fields = new QGridLayout;
+    fields->addWidget(new QLabel(QStringLiteral("Start Bill #:"), this), 0, 0);
+    fields->addWidget(txtBillNo, 0, 1);
+    fields->addWidget(new QLabel(QStringLiteral("# Of Mailers:"), this), 1, 0);
+    fields->addWidget(txtNumberOfMailers, 1, 1);
+    fields->addWidget(lblControl, 2, 0);
+    fields->addWidget(txtControl, 2, 1);
+    fields->addWidget(lblName, 3, 0);
+    fields->addWidget(txtName, 3, 1);
+    fields->addWidget(prgBills, 4, 0, 1, 2);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdOK);
+    buttons->addWidget(cmdCancel);
+    buttons->addWidget(cmdExit);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(frame);
+    layout->addWidget(chkSamples);
+    layout->addWidget(chkPrintAddr);
+    layout->addWidget(chkSecondNotice);
+    layout->addWidget(chkPlainPaperCopy);
+    layout->addWidget(order);
+    layout->addLayout(fields);
+    layout->addLayout(buttons);
+
+    setTabOrder(optBillEarly, optBillLate);
+    setTabOrder(optBillLate, chkSamples);
+    setTabOrder(chkSamples, chkPrintAddr);
+    setTabOrder(chkPrintAddr, chkSecondNotice);
+    setTabOrder(chkSecondNotice, chkPlainPaperCopy);
+    setTabOrder(chkPlainPaperCopy, optBillNo);
+    setTabOrder(optBillNo, optName);
+    setTabOrder(optName, optZipCode);
+    setTabOrder(optZipCode, txtBillNo);
+    setTabOrder(txtBillNo, txtNumberOfMailers);
+    setTabOrder(txtNumberOfMailers, cmdOK);
+
+    // From May on the late bills are the ones to mail.
+    if (Clock::today().month() >= 5)
+        optBillLate->setChecked(true);
+    showProgress(false);
+
+    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] {
+        if (!m_printing)
+            CloseScreen(this);
+    });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { m_cancel = true; });
+}
+
+void frmPCPrintTaxBills::closeEvent(QCloseEvent* event) {
+    if (m_printing) {
+        m_cancel = true;
+        event->ignore();
+        return;
+    }
+    QWidget::closeEvent(event);
+}
+
+void frmPCPrintTaxBills::showProgress(bool on) {
+    for (QWidget* w : std::initializer_list<QWidget*>{lblControl, lblName, txtControl, txtName,
+                                                      prgBills, cmdCancel})
+        w->setVisible(on);
+}
+
+bool frmPCPrintTaxBills::keepGoing(const QSqlRecord& bill, int printed) {
+    txtControl->setText(TextField(bill.value(QStringLiteral("Control"))).toUpper());
+    txtName->setText(TextField(bill.value(QStringLiteral("Name"))).toUpper());
+    prgBills->setValue(std::min(printed, prgBills->maximum()));
+    // A few times a second the window is redrawn and a press on Cancel is taken.
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (now - m_lastPump >= 100) {
+        m_lastPump = now;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return !m_cancel;
+}
+
+void frmPCPrintTaxBills::cmdOK_Click() {
+    if (m_printing)
+        return;
+    QSqlDatabase db = session().DbConnection;
+    // 1. The frame.
+    if (!optBillEarly->isChecked() && !optBillLate->isChecked()) {
+        exclaim(QStringLiteral("Billing Time Frame must be selected."), "Enter Billing Time Frame");
+        return;
+    }
+    // 2. The start bill, padded as bill numbers are.
+    if (!txtBillNo->text().trimmed().isEmpty()) {
+        const QString typed = txtBillNo->text().trimmed();
+        bool numeric = false;
+        const double n = typed.toDouble(&numeric);
+        txtBillNo->setText(numeric ? PadFormat(n, "####0") : typed.rightJustified(5));
+    }
+    // 3. The order.
+    if (!optBillNo->isChecked() && !optName->isChecked() && !optZipCode->isChecked()) {
+        exclaim(QStringLiteral("Either Bill #, Name or Zip Code Order Must Be Selected"),
+                "Select Order");
+        optBillNo->setFocus();
+        return;
+    }
+    // 4. How many.
+    const QString mailersText = txtNumberOfMailers->text().trimmed();
+    if (mailersText.isEmpty()) {
+        exclaim(QStringLiteral("Number Of Mailers Must Be Specified"), MailersTitle);
+        txtNumberOfMailers->setFocus();
+        return;
+    }
+    bool numeric = false;
+    const double mailers = mailersText.toDouble(&numeric);
+    if (!numeric) {
+        exclaim(QStringLiteral("Number Of Mailers Must Be Numeric"), MailersTitle);
+        txtNumberOfMailers->setFocus();
+        return;
+    }
+    // 5. The printer.
+    const std::optional<QString> device = AssignedPrinter(db, QString::fromLatin1(LetterPrinter));
+    if (!device) {
+        MsgBox(QStringLiteral("There is currently no LETTER size printer assigned."),
+               QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+
+    PCBillOffice office;
+    QString error;
+    if (!PCBillOffice::read(db, &office, &error)) {
+        MsgBox(error, QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    PCBillRun run;
+    run.look.frame = optBillLate->isChecked() ? BillingFrame::Late : BillingFrame::Early;
+    run.look.printAddress = chkPrintAddr->isChecked();
+    run.look.secondNotice = chkSecondNotice->isChecked();
+    run.look.zipOrder = optZipCode->isChecked();
+    run.order = optName->isChecked()      ? PCBillOrder::Name
+                : optZipCode->isChecked() ? PCBillOrder::ZipCode
+                                          : PCBillOrder::BillNo;
+    run.samples = chkSamples->isChecked();
+    run.ascending = chkPlainPaperCopy->isChecked();
+    run.startBill = txtBillNo->text();
+    run.mailers = int(std::max(0.0, std::min(mailers, 2.0e9)));
+    run.lateBillingRun = session().LateBillingRun;
+
+    // 6, 7. The sheet, and the progress fields.
+    ReportSurface surface;
+    SetUpBillSurface(surface);
+    PrintJobStream job(QStringLiteral("Per Capita Tax Bills"), surface.format(), *device);
+    job.setDuplex(run.look.printAddress);
+    job.attach(surface);
+    showProgress(true);
+    {
+        QSqlQuery count(db);
+        int bills = 1;
+        if (count.exec(QStringLiteral("SELECT count(*) FROM PCMaster")) && count.next())
+            bills = count.value(0).toInt();
+        prgBills->setRange(0, std::max(1, std::min(bills, run.mailers)));
+        prgBills->setValue(0);
+    }
+    m_printing = true;
+    m_cancel = false;
+    m_lastPump = 0;
+    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
+        w->setEnabled(false);
+    const BillRunResult result =
+        RunPCTaxBills(db, office, run, surface, [this](const QSqlRecord& bill, int printed) {
+            return keepGoing(bill, printed);
+        });
+    surface.EndDoc();
+    const PrintResult sent = job.finish();
+    m_printing = false;
+    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
+        w->setEnabled(true);
+    showProgress(false);
+
+    using Stop = BillRunResult::Stop;
+    if (!sent.ok)
+        MsgBox(sent.error, QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
+    switch (result.stop) {
+    case Stop::NoRows:
+        exclaim(QStringLiteral("There are no tax bills for the selected districts and billing "
+                               "time frame. Make sure that you have created the tax billing "
+                               "files for the selected districts."),
+                FormTitle);
+        return;
+    case Stop::StartNotFound:
+        exclaim(QStringLiteral("Start Bill Number does not exist"), "Enter Start Bill Number");
+        txtBillNo->clear();
+        txtBillNo->setFocus();
+        return;
+    case Stop::NoBodies:
+        exclaim(run.look.frame == BillingFrame::Early
+                    ? QStringLiteral("There are no Early Billing municipalities for this district "
+                                     "and tax year.")
+                    : QStringLiteral("There are no Late Billing municipalities for this district "
+                                     "and tax year."),
+                FormTitle);
+        return;
+    case Stop::IncompleteChain:
+        CheckBillIntegrity(result.bill);
+        CloseScreen(this);
+        return;
+    case Stop::Error:
+        MsgBox(result.error, QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    case Stop::Cancelled:
+        MsgBox(QStringLiteral("Printing Cancelled. %1 Bills Printed.").arg(result.printed),
+               QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+        break;
+    case Stop::Finished:
+        if (!session().LateBillingRun)
+            MsgBox(QStringLiteral("Printing Complete."), QLatin1String(FormTitle));
+        break;
+    }
+    txtBillNo->clear();
+    txtNumberOfMailers->clear();
+    if (session().LateBillingRun) {
+        CloseScreen(this);
+        return;
+    }
+    txtBillNo->setFocus();
+}
+
+frmPCPrintTaxBills* OpenPCPrintTaxBillsFor(const QString& billNo) {
+    frmPCPrintTaxBills* form = nullptr;
+    if (ScreenHost* host = screenHost())
+        form = qobject_cast<frmPCPrintTaxBills*>(
+            host->openScreen(QStringLiteral("frmPCPrintTaxBills")));
+    if (!form)
+        form = new frmPCPrintTaxBills;
+    if (ScreenHost* host = screenHost())
+        host->showScreen(form, false);
+    else
+        form->show();
+    form->txtBillNo->setText(billNo.trimmed());
+    form->txtNumberOfMailers->setText(QStringLiteral("1"));
+    form->cmdOK->setFocus();
+    return form;
+}
