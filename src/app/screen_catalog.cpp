@@ -26,6 +26,8 @@
 #include "desk/reports/change_reports.h"
 #include "desk/reports/receipt_report.h"
 #include "desk/reports/summary_report.h"
+#include "desk/yearend/left_for_collection.h"
+#include "desk/yearend/returns.h"
 #include "distribution/distribute_receipts.h"
 #include "distribution/distribute_refunds.h"
 #include "distribution/distribution_file_screens.h"
@@ -37,6 +39,7 @@
 #include "utilities/email_data_file.h"
 #include "utilities/import_duplicate.h"
 #include "utilities/late_billing_routines.h"
+#include "utilities/verify_data.h"
 
 #include <QHash>
 
@@ -58,6 +61,16 @@ const QHash<QString, ScreenEntry>& catalog() {
         {"mnuPCReportsPrintSecondNotices",
          entry<frmPCPrintSecondNotices>("frmPCPrintSecondNotices")},
         {"mnuUtilitiesBackup", entry<frmBackupData>("frmBackupData", true)},
+        {"mnuREReportsPrintLeftForCollectionReport",
+         entry<frmREPrintLeftForCollectionReport>("frmREPrintLeftForCollectionReport")},
+        {"mnuREReportsPrintLeftForCollectionReportStLt",
+         entry<frmREPrintLeftForCollectionReportStLt>("frmREPrintLeftForCollectionReportStLt")},
+        {"mnuPCReportsPrintLeftForCollectionReport",
+         entry<frmPCPrintLeftForCollectionReport>("frmPCPrintLeftForCollectionReport")},
+        {"mnuREReportsPrintReturnsProof", entry<frmREPrintReturnsProof>("frmREPrintReturnsProof")},
+        {"mnuPCReportsPrintReturnsProof", entry<frmPCPrintReturnsProof>("frmPCPrintReturnsProof")},
+        {"mnuUtilitiesCreateReturnsFile", entry<frmRECreateReturnsFile>("frmRECreateReturnsFile")},
+        {"mnuUtilitiesVerifyData", entry<frmVerifyData>("frmVerifyData")},
         {"mnuUtilitiesImportDuplicate", entry<frmImportDuplicate>("frmImportDuplicate", true)},
         {"mnuREPaymentsReceivePayments", entry<frmREReceivePayment>("frmREReceivePayment")},
         {"mnuPCPaymentsReceivePayments", entry<frmPCReceivePayment>("frmPCReceivePayment")},

@@ -479,6 +479,12 @@ QDate DateField(const QVariant& value) {
     return QDate::fromString(value.toString().left(10), Qt::ISODate);
 }
 
+QVariant BoundText(const QVariant& value) {
+    if (value.typeId() == QMetaType::QString && value.toString().isNull())
+        return QVariant(QString::fromLatin1(""));
+    return value;
+}
+
 QVariant DateValue(const QDate& date) {
     if (!date.isValid())
         return QVariant(QMetaType(QMetaType::QString));

@@ -63,6 +63,9 @@ bool isValidTaxDatabase(const QString& path, QString* why = nullptr);
 Money MoneyField(const QVariant& value);
 QVariant MoneyValue(Money amount);
 QDate DateField(const QVariant& value);
+// A value to bind: a text left unset (a null QString) becomes an empty text, since the tables
+// hold no Null texts; anything else as it is.
+QVariant BoundText(const QVariant& value);
 QVariant DateValue(const QDate& date); // Null for an invalid date
 QString TextField(const QVariant& value);
 // A one-character flag: blank (one space) when Null or empty.

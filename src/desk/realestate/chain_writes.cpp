@@ -12,7 +12,7 @@ bool exec(QSqlDatabase db, const QString& sql, const QVariantList& values, QStri
     QSqlQuery q(db);
     q.prepare(sql);
     for (const QVariant& value : values)
-        q.addBindValue(value);
+        q.addBindValue(BoundText(value));
     return q.exec() || QueryFailed(db, q, error);
 }
 
@@ -36,7 +36,7 @@ bool RowValues::insert(QSqlDatabase db, const QString& tableName, QString* error
                   .arg(tableName, m_columns.join(QStringLiteral(", ")),
                        marks.join(QStringLiteral(", "))));
     for (const QVariant& value : m_values)
-        q.addBindValue(value);
+        q.addBindValue(BoundText(value));
     return q.exec() || QueryFailed(db, q, error);
 }
 

@@ -24,7 +24,7 @@ bool run(QSqlQuery& q, const QString& sql, const QVariantList& values, QString* 
         return false;
     }
     for (const QVariant& v : values)
-        q.addBindValue(v);
+        q.addBindValue(BoundText(v));
     if (!q.exec()) {
         *error = q.lastError().text();
         return false;
