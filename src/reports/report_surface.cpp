@@ -312,7 +312,7 @@ ReportSurface::FontEntry& ReportSurface::currentFont() const {
 double ReportSurface::FontEntry::width(const QString& text) {
     if (auto it = widths.constFind(text); it != widths.constEnd())
         return it.value();
-    if (widths.size() > 4096)
+    if (widths.size() > 65536)
         widths.clear();
     const double w = metrics->horizontalAdvance(text);
     widths.insert(text, w);
