@@ -4,6 +4,7 @@
 //
 //   bench_year_end [--parcels N] [--persons N] [--runs N] [--report-only]
 
+#include "bench_support.h"
 #include "core/tax_database.h"
 #include "demo/demo_database.h"
 #include "desk/yearend/left_for_collection.h"
@@ -21,28 +22,14 @@
 #include <ctime>
 #include <vector>
 
-namespace {
-
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-int argument(const QStringList& args, const QString& name, int fallback) {
-    const int at = args.indexOf(name);
-    return at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : fallback;
-}
-
-} // namespace
-
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     const QStringList args = app.arguments();
     DemoOptions options;
-    options.parcels = argument(args, "--parcels", 50000);
-    options.persons = argument(args, "--persons", 50000);
-    const int runs = std::max(1, argument(args, "--runs", 3));
+    options.parcels = Argument(args, "--parcels", 50000);
+    options.persons = Argument(args, "--persons", 50000);
+    const int runs = std::max(1, Argument(args, "--runs", 3));
 
     QTemporaryDir dir;
     const QString source = dir.filePath("demo.sqlite");
@@ -111,9 +98,9 @@ int main(int argc, char** argv) {
     std::printf("%d parcels + %d persons: verify median %.2f s (last run %.2f s of processor, "
                 "%d findings), left for collection to PDF median %.2f s (last run %.2f s of "
                 "processor, all threads; %lld bytes)\n",
-                options.parcels, options.persons, median(verifies), verifyCpu, findings,
-                median(reports), reportCpu, static_cast<long long>(bytes));
-    std::printf("RESULT verify_s=%.2f left_for_collection_s=%.2f\n", median(verifies),
-                median(reports));
+                options.parcels, options.persons, Median(verifies), verifyCpu, findings,
+                Median(reports), reportCpu, static_cast<long long>(bytes));
+    std::printf("RESULT verify_s=%.2f left_for_collection_s=%.2f\n", Median(verifies),
+                Median(reports));
     return 0;
 }
