@@ -80,11 +80,11 @@ std::vector<BillGridRow> gridRows(const REBillOffice& office, const BilledBodies
         const auto t = triple("DTwp", "Twp", "PTwp");
         if (!t[1].isZero() || rate(district, "TMR") != 0)
             add(gridBodyWord(office.btFlag), rate(district, "TMR"), t);
-        const char* const spec[3][3] = {{"DS1Face", "S1Face", "PS1Face"},
-                                        {"DS2Face", "S2Face", "PS2Face"},
-                                        {"DS3Face", "S3Face", "PS3Face"}};
+        const char* const specialColumns[3][3] = {{"DS1Face", "S1Face", "PS1Face"},
+                                                  {"DS2Face", "S2Face", "PS2Face"},
+                                                  {"DS3Face", "S3Face", "PS3Face"}};
         for (int i = 0; i < 3; ++i) {
-            const auto s = triple(spec[i][0], spec[i][1], spec[i][2]);
+            const auto s = triple(specialColumns[i][0], specialColumns[i][1], specialColumns[i][2]);
             const auto& tax = office.specialTaxes[std::size_t(i)];
             if (!s[1].isZero() || tax.mill != 0)
                 add(tax.name, tax.mill, s);

@@ -86,11 +86,11 @@ QString fitted(ReportSurface& s, const QString& text, double width) {
 
 } // namespace
 
-DistributionReportSpec DistributionReportFor(QSqlDatabase db, const DistributionTables& tables,
+DistributionReportPlan DistributionReportFor(QSqlDatabase db, const DistributionTables& tables,
                                              TaxingBody body) {
-    DistributionReportSpec spec;
-    spec.tables = &tables;
-    spec.body = body;
+    DistributionReportPlan plan;
+    plan.tables = &tables;
+    plan.body = body;
     const bool pc = tables.disbType == u"PC";
     const ReportLookups lookups = ReportLookups::read(db);
     const OfficeDistrict office{lookups.district, lookups.ward};
@@ -119,80 +119,80 @@ DistributionReportSpec DistributionReportFor(QSqlDatabase db, const Distribution
     switch (body) {
     case TaxingBody::County:
         word = QStringLiteral("County");
-        spec.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE COUNTY:");
-        spec.discountRate = rateOf(county, pc ? "PCSD" : "SD");
-        spec.penaltyRate = rateOf(county, pc ? "PCSP" : "SP");
+        plan.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE COUNTY:");
+        plan.discountRate = rateOf(county, pc ? "PCSD" : "SD");
+        plan.penaltyRate = rateOf(county, pc ? "PCSP" : "SP");
         pcLabel = word;
         if (!pc) {
-            spec.lineCaptions = {QStringLiteral("County"), QStringLiteral("Library"),
+            plan.lineCaptions = {QStringLiteral("County"), QStringLiteral("Library"),
                                  specialNames(QStringLiteral("00"), QStringLiteral("0"), 1,
                                               QStringLiteral("Spec. %1"))
                                      .first()};
-            spec.lineLabels = {QStringLiteral("          County: "),
+            plan.lineLabels = {QStringLiteral("          County: "),
                                QStringLiteral("         Library: "),
                                QStringLiteral("          Act 13: ")};
         }
         break;
     case TaxingBody::Twp:
         word = lookups.bodyWord;
-        spec.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE MUNCIPALITY:");
-        spec.discountRate = rateOf(own, pc ? "PCTD" : "TD");
-        spec.penaltyRate = rateOf(own, pc ? "PCTP" : "TP");
+        plan.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE MUNCIPALITY:");
+        plan.discountRate = rateOf(own, pc ? "PCTD" : "TD");
+        plan.penaltyRate = rateOf(own, pc ? "PCTP" : "TP");
         pcLabel = word == u"Township"  ? QStringLiteral("Twp")
                   : word == u"Borough" ? QStringLiteral("Boro")
                                        : word;
         if (!pc) {
-            spec.lineCaptions =
+            plan.lineCaptions =
                 QStringList{word.left(8)} +
                 specialNames(lookups.district, lookups.ward, 3, QStringLiteral("Spec. #%1"));
-            for (const QString& name : spec.lineCaptions)
-                spec.lineLabels << label16(name);
+            for (const QString& name : plan.lineCaptions)
+                plan.lineLabels << label16(name);
         }
         break;
     case TaxingBody::School:
         word = QStringLiteral("School");
-        spec.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE SCHOOL DISTRICT:");
-        spec.discountRate = rateOf(own, pc ? "PCSD" : "SD");
-        spec.penaltyRate = rateOf(own, pc ? "PCSP" : "SP");
+        plan.calculatedHeading = QStringLiteral("CALCULATED AMOUNTS AS PER THE SCHOOL DISTRICT:");
+        plan.discountRate = rateOf(own, pc ? "PCSD" : "SD");
+        plan.penaltyRate = rateOf(own, pc ? "PCSP" : "SP");
         pcLabel = word;
         if (!pc) {
             QString special = TextField(own.value(QStringLiteral("S1TaxName"))).trimmed();
             if (special.isEmpty())
                 special = QStringLiteral("Sch. Spec.");
-            spec.lineCaptions = {QStringLiteral("School"), special.left(10)};
-            spec.lineLabels = {label16(QStringLiteral("School")), label16(special)};
-            spec.school = true;
+            plan.lineCaptions = {QStringLiteral("School"), special.left(10)};
+            plan.lineLabels = {label16(QStringLiteral("School")), label16(special)};
+            plan.school = true;
         }
         break;
     }
     if (pc) {
-        spec.lineCaptions = {QStringLiteral("Per Capita"), QStringLiteral("Occupation")};
-        spec.lineLabels = {label16(pcLabel + QStringLiteral(" P/C")),
+        plan.lineCaptions = {QStringLiteral("Per Capita"), QStringLiteral("Occupation")};
+        plan.lineLabels = {label16(pcLabel + QStringLiteral(" P/C")),
                            label16(pcLabel + QStringLiteral(" Occ"))};
     }
-    spec.totalLabel = label16(QStringLiteral("Total ") + word);
+    plan.totalLabel = label16(QStringLiteral("Total ") + word);
 
     if (pc) {
-        spec.receiptsTitle =
+        plan.receiptsTitle =
             QStringLiteral("Tax Collector Per Capita Distribution Report - ") + word;
-        spec.voidsTitle =
+        plan.voidsTitle =
             QStringLiteral("Tax Collector Per Capita Voided Distribution Report - ") + word;
-        spec.totalsTitle =
+        plan.totalsTitle =
             QStringLiteral("Tax Collector Per Capita Distribution Report Grand Totals - ") + word;
-    } else if (spec.school) {
-        spec.receiptsTitle =
+    } else if (plan.school) {
+        plan.receiptsTitle =
             QStringLiteral("Tax Collector Real Estate Distribution Report - School");
-        spec.voidsTitle =
+        plan.voidsTitle =
             QStringLiteral("Tax Collector Real Estate Voided Distribution Report - School");
-        spec.totalsTitle =
+        plan.totalsTitle =
             QStringLiteral("Tax Collector Real Estate Distribution Report Grand Totals - School");
     } else {
-        spec.receiptsTitle = QStringLiteral("Tax Collector Distribution Report - ") + word;
-        spec.voidsTitle = QStringLiteral("Tax Collector Voided Distribution Report - ") + word;
+        plan.receiptsTitle = QStringLiteral("Tax Collector Distribution Report - ") + word;
+        plan.voidsTitle = QStringLiteral("Tax Collector Voided Distribution Report - ") + word;
     }
-    spec.caption =
+    plan.caption =
         QStringLiteral("Print ") + kind + TaxingBodyName(body) + QStringLiteral(" Distribution");
-    return spec;
+    return plan;
 }
 
 struct DistributionReport::Lines {
@@ -212,9 +212,9 @@ struct DistributionReport::Lines {
     explicit Lines(std::size_t n) : all(n), period{Block(n), Block(n), Block(n)}, hf(n), nonHf(n) {}
 };
 
-DistributionReport::DistributionReport(QSqlDatabase db, DistributionReportSpec spec,
+DistributionReport::DistributionReport(QSqlDatabase db, DistributionReportPlan plan,
                                        DistributionReportOptions options)
-    : m_db(db), m_spec(std::move(spec)), m_options(std::move(options)) {
+    : m_db(db), m_spec(std::move(plan)), m_options(std::move(options)) {
     ReportDefinition& d = m_definition;
     d.caption = m_spec.caption;
     d.completeTitle = QStringLiteral("Print Distribution Report");

@@ -13,7 +13,7 @@
 #include <functional>
 #include <vector>
 
-struct DistributionReportSpec {
+struct DistributionReportPlan {
     const DistributionTables* tables = nullptr;
     TaxingBody body = TaxingBody::Twp;
     QString caption;       // the form's caption
@@ -33,7 +33,7 @@ struct DistributionReportSpec {
 };
 
 // The description of each of the six report forms, read from the database (names, rates).
-DistributionReportSpec DistributionReportFor(QSqlDatabase db, const DistributionTables& tables,
+DistributionReportPlan DistributionReportFor(QSqlDatabase db, const DistributionTables& tables,
                                              TaxingBody body);
 
 struct DistributionReportOptions {
@@ -51,7 +51,7 @@ struct DistributionReportOptions {
 // must outlive the PrintReport or PreviewReport that runs it.
 class DistributionReport {
 public:
-    DistributionReport(QSqlDatabase db, DistributionReportSpec spec,
+    DistributionReport(QSqlDatabase db, DistributionReportPlan plan,
                        DistributionReportOptions options);
     DistributionReport(const DistributionReport&) = delete;
     DistributionReport& operator=(const DistributionReport&) = delete;
@@ -63,7 +63,7 @@ private:
     bool draw(ReportPage& page);
 
     QSqlDatabase m_db;
-    DistributionReportSpec m_spec;
+    DistributionReportPlan m_spec;
     DistributionReportOptions m_options;
     ReportDefinition m_definition;
 };

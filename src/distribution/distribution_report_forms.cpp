@@ -96,8 +96,8 @@ void DistributionReportForm::load() {
         txtDisbNum->setText(QString::number(last.number));
         txtPrintDisbNum->setText(QString::number(last.number));
     }
-    const DistributionReportSpec spec = DistributionReportFor(db, m_tables, m_body);
-    setWindowTitle(spec.caption);
+    const DistributionReportPlan plan = DistributionReportFor(db, m_tables, m_body);
+    setWindowTitle(plan.caption);
 }
 
 void DistributionReportForm::showEvent(QShowEvent* event) {

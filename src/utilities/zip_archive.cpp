@@ -43,8 +43,8 @@ void cZip::ClearFileSpecs() {
     m_fileSpecs.clear();
 }
 
-void cZip::AddFileSpec(const QString& spec) {
-    m_fileSpecs.append(spec);
+void cZip::AddFileSpec(const QString& fileSpec) {
+    m_fileSpecs.append(fileSpec);
 }
 
 QString cZip::FileSpec(int index) const {
@@ -90,9 +90,9 @@ int cZip::run(bool deleting) {
             return error;
         }
         QList<QRegularExpression> patterns;
-        for (const QString& spec : m_fileSpecs)
-            patterns << QRegularExpression(
-                QRegularExpression::wildcardToRegularExpression(QDir::fromNativeSeparators(spec)));
+        for (const QString& fileSpec : m_fileSpecs)
+            patterns << QRegularExpression(QRegularExpression::wildcardToRegularExpression(
+                QDir::fromNativeSeparators(fileSpec)));
         const zip_int64_t count = zip_get_num_entries(archive, 0);
         for (zip_int64_t i = 0; i < count; ++i) {
             const QString name = QString::fromUtf8(zip_get_name(archive, zip_uint64_t(i), 0));
@@ -163,8 +163,8 @@ int cZip::run(bool deleting) {
             addFile(info);
         }
     };
-    for (const QString& spec : m_fileSpecs) {
-        const QFileInfo info(base, QDir::fromNativeSeparators(spec));
+    for (const QString& fileSpec : m_fileSpecs) {
+        const QFileInfo info(base, QDir::fromNativeSeparators(fileSpec));
         if (hasWildcard(info.fileName())) {
             addMatches(info.absolutePath(), {info.fileName()}, RecurseSubDirs);
         } else if (info.isDir()) {
@@ -172,7 +172,7 @@ int cZip::run(bool deleting) {
         } else if (info.isFile()) {
             addFile(info);
         } else {
-            m_error = QStringLiteral("The file %1 to be zipped does not exist.").arg(spec);
+            m_error = QStringLiteral("The file %1 to be zipped does not exist.").arg(fileSpec);
             return -1;
         }
     }

@@ -45,7 +45,7 @@ public:
     bool AllowAppend = false;
 
     void ClearFileSpecs();
-    void AddFileSpec(const QString& spec);
+    void AddFileSpec(const QString& fileSpec);
     int FileSpecCount() const { return int(m_fileSpecs.size()); }
     // 1-based, as the specifications were added; empty out of range.
     QString FileSpec(int index) const;

@@ -134,8 +134,8 @@ void TestZipArchive::entries() {
     zip.StoreFolderNames = folderNames;
     zip.RecurseSubDirs = recurse;
     zip.IncludeSystemAndHiddenFiles = hidden;
-    for (QString spec : specs)
-        zip.AddFileSpec(spec.startsWith("ABS:") ? path(spec.mid(4)) : spec);
+    for (QString plan : specs)
+        zip.AddFileSpec(plan.startsWith("ABS:") ? path(plan.mid(4)) : plan);
     QCOMPARE(zip.Zip(), 0);
     const QMap<QString, QByteArray> entries = readArchive(zip.ZipFile);
     QCOMPARE(entries.keys(), names);
