@@ -56,7 +56,7 @@ QCheckBox* tick(QWidget* parent, const char* name, const char* caption) {
 
 } // namespace
 
-frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : QWidget(parent) {
+frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
     setObjectName(QStringLiteral("frmREPrintTaxBills"));
     setWindowTitle(QLatin1String(FormTitle));
 
@@ -163,49 +163,14 @@ frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : QWidget(parent) {
 
     connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
     connect(cmdExit, &QPushButton::clicked, this, [this] {
-        if (!m_printing)
+        if (!printing())
             CloseScreen(this);
     });
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { m_cancel = true; });
-}
-
-void frmREPrintTaxBills::closeEvent(QCloseEvent* event) {
-    if (m_printing) {
-        m_cancel = true;
-        event->ignore();
-        return;
-    }
-    QWidget::closeEvent(event);
-}
-
-void frmREPrintTaxBills::showProgress(bool on) {
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{lblControl, lblMap, lblName, txtControl, txtMap3, txtMap4,
-                                         txtMap5, txtName, prgBills, cmdCancel})
-        w->setVisible(on);
-}
-
-bool frmREPrintTaxBills::keepGoing(const QSqlRecord& bill, int printed) {
-    auto field = [&](const char* column) {
-        return TextField(bill.value(QLatin1String(column))).toUpper();
-    };
-    txtControl->setText(field("Control"));
-    txtMap3->setText(field("Map3"));
-    txtMap4->setText(field("Map4"));
-    txtMap5->setText(field("Map5"));
-    txtName->setText(field("Name"));
-    prgBills->setValue(std::min(printed, prgBills->maximum()));
-    // A few times a second the window is redrawn and a press on Cancel is taken.
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    if (now - m_lastPump >= 100) {
-        m_lastPump = now;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return !m_cancel;
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { cancelRun(); });
 }
 
 void frmREPrintTaxBills::cmdOK_Click() {
-    if (m_printing)
+    if (printing())
         return;
     QSqlDatabase db = session().DbConnection;
     // 1. The frame.
@@ -265,84 +230,13 @@ void frmREPrintTaxBills::cmdOK_Click() {
     run.mailers = int(std::max(0.0, std::min(mailers, 2.0e9)));
     run.lateBillingRun = session().LateBillingRun;
 
-    // 6, 7. The sheet, and the progress fields.
-    ReportSurface surface;
-    SetUpBillSurface(surface);
-    PrintJobStream job(QStringLiteral("Real Estate Tax Bills"), surface.format(), *device);
-    // The mailing page's back panel prints on the other side of the sheet.
-    job.setDuplex(run.look.printAddress);
-    job.attach(surface);
-    showProgress(true);
-    {
-        QSqlQuery count(db);
-        int bills = 1;
-        if (count.exec(QStringLiteral("SELECT count(*) FROM TCMaster")) && count.next())
-            bills = count.value(0).toInt();
-        prgBills->setRange(0, std::max(1, std::min(bills, run.mailers)));
-        prgBills->setValue(0);
-    }
-    m_printing = true;
-    m_cancel = false;
-    m_lastPump = 0;
-    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
-        w->setEnabled(false);
-    const REBillRunResult result =
-        RunRETaxBills(db, office, run, surface, [this](const QSqlRecord& bill, int printed) {
-            return keepGoing(bill, printed);
-        });
-    surface.EndDoc();
-    const PrintResult sent = job.finish();
-    m_printing = false;
-    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
-        w->setEnabled(true);
-    showProgress(false);
-
-    using Stop = REBillRunResult::Stop;
-    if (!sent.ok)
-        MsgBox(sent.error, QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
-    switch (result.stop) {
-    case Stop::NoRows:
-        exclaim(QStringLiteral("There are no tax bills for the selected districts and billing "
-                               "time frame. Make sure that you have created the tax billing "
-                               "files for the selected districts."),
-                PerCapitaTitle);
-        return;
-    case Stop::StartNotFound:
-        exclaim(QStringLiteral("Start Bill Number does not exist"), "Enter Start Bill Number");
-        txtBillNo->clear();
-        txtBillNo->setFocus();
-        return;
-    case Stop::NoBodies:
-        exclaim(run.look.frame == BillingFrame::Early
-                    ? QStringLiteral("There are no Early Billing municipalities for this district "
-                                     "and tax year.")
-                    : QStringLiteral("There are no Late Billing municipalities for this district "
-                                     "and tax year."),
-                FormTitle);
-        return;
-    case Stop::IncompleteChain:
-        CheckBillIntegrity(result.bill);
-        CloseScreen(this);
-        return;
-    case Stop::Error:
-        MsgBox(result.error, QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    case Stop::Cancelled:
-        MsgBox(QStringLiteral("Printing Cancelled. %1 Bills Printed.").arg(result.printed),
-               QLatin1String(FormTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        break;
-    case Stop::Finished:
-        if (!session().LateBillingRun)
-            MsgBox(QStringLiteral("Printing Complete."), QLatin1String(PerCapitaTitle));
-        break;
-    }
-    txtBillNo->clear();
-    txtNumberOfMailers->clear();
-    if (session().LateBillingRun) {
-        CloseScreen(this);
-        return;
-    }
-    txtBillNo->setFocus();
+    // 6 to the end: the run as one print job, and how it ended.
+    const RunTexts texts{QStringLiteral("Real Estate Tax Bills"), QStringLiteral("TCMaster"),
+                         FormTitle, PerCapitaTitle};
+    runAndReport(texts, *device, run.look.printAddress, run.look.frame, run.mailers,
+                 [&](ReportSurface& surface, const Progress& progress) {
+                     return RunRETaxBills(db, office, run, surface, progress);
+                 });
 }
 
 frmREPrintTaxBills* OpenREPrintTaxBillsFor(const QString& billNo, bool printCoupons) {
@@ -371,4 +265,18 @@ frmREPrintTaxBills* OpenREPrintTaxBillsFor(const QString& billNo, bool printCoup
     form->chkPrintHomestead->setChecked(printCoupons);
     form->cmdOK->setFocus();
     return form;
+}
+
+QList<QWidget*> frmREPrintTaxBills::moreProgressFields() const {
+    return {lblMap, txtMap3, txtMap4, txtMap5};
+}
+
+void frmREPrintTaxBills::showBill(const QSqlRecord& bill) {
+    BillRunForm::showBill(bill);
+    auto field = [&](const char* column) {
+        return TextField(bill.value(QLatin1String(column))).toUpper();
+    };
+    txtMap3->setText(field("Map3"));
+    txtMap4->setText(field("Map4"));
+    txtMap5->setText(field("Map5"));
 }

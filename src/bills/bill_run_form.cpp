@@ -1,0 +1,144 @@
+#include "bills/bill_run_form.h"
+
+#include "bills/bill_sheet.h"
+
+#include "core/messages.h"
+#include "core/screen_host.h"
+#include "core/session.h"
+#include "core/tax_database.h"
+#include "reports/print_output.h"
+#include "reports/report_surface.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <algorithm>
+
+namespace {
+
+void exclaim(const QString& text, const char* title) {
+    MsgBox(text, QLatin1String(title), MsgButtons::Ok, MsgIcon::Exclamation);
+}
+
+} // namespace
+
+void BillRunForm::closeEvent(QCloseEvent* event) {
+    if (m_printing) {
+        m_cancel = true;
+        event->ignore();
+        return;
+    }
+    QWidget::closeEvent(event);
+}
+
+void BillRunForm::showProgress(bool on) {
+    QList<QWidget*> fields{lblControl, lblName, txtControl, txtName, prgBills, cmdCancel};
+    fields += moreProgressFields();
+    for (QWidget* w : fields)
+        w->setVisible(on);
+}
+
+void BillRunForm::showBill(const QSqlRecord& bill) {
+    txtControl->setText(TextField(bill.value(QStringLiteral("Control"))).toUpper());
+    txtName->setText(TextField(bill.value(QStringLiteral("Name"))).toUpper());
+}
+
+bool BillRunForm::keepGoing(const QSqlRecord& bill, int printed) {
+    showBill(bill);
+    prgBills->setValue(std::min(printed, prgBills->maximum()));
+    // A few times a second the window is redrawn and a press on Cancel is taken.
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (now - m_lastPump >= 100) {
+        m_lastPump = now;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return !m_cancel;
+}
+
+void BillRunForm::runAndReport(const RunTexts& texts, const QString& device, bool duplex,
+                               BillingFrame frame, int mailers, const Run& run) {
+    QSqlDatabase db = session().DbConnection;
+    // The sheet, and the progress fields.
+    ReportSurface surface;
+    SetUpBillSurface(surface);
+    PrintJobStream job(texts.jobName, surface.format(), device);
+    // The mailing page's back panel prints on the other side of the sheet.
+    job.setDuplex(duplex);
+    job.attach(surface);
+    showProgress(true);
+    {
+        QSqlQuery count(db);
+        int bills = 1;
+        if (count.exec(QStringLiteral("SELECT count(*) FROM %1").arg(texts.masterTable)) &&
+            count.next())
+            bills = count.value(0).toInt();
+        prgBills->setRange(0, std::max(1, std::min(bills, mailers)));
+        prgBills->setValue(0);
+    }
+    m_printing = true;
+    m_cancel = false;
+    m_lastPump = 0;
+    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
+        w->setEnabled(false);
+    const BillRunResult result = run(
+        surface, [this](const QSqlRecord& bill, int printed) { return keepGoing(bill, printed); });
+    surface.EndDoc();
+    const PrintResult sent = job.finish();
+    m_printing = false;
+    for (QWidget* w : std::initializer_list<QWidget*>{cmdOK, cmdExit})
+        w->setEnabled(true);
+    showProgress(false);
+
+    using Stop = BillRunResult::Stop;
+    if (!sent.ok)
+        MsgBox(sent.error, QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
+    switch (result.stop) {
+    case Stop::NoRows:
+        exclaim(QStringLiteral("There are no tax bills for the selected districts and billing "
+                               "time frame. Make sure that you have created the tax billing "
+                               "files for the selected districts."),
+                texts.doneTitle);
+        return;
+    case Stop::StartNotFound:
+        exclaim(QStringLiteral("Start Bill Number does not exist"), "Enter Start Bill Number");
+        txtBillNo->clear();
+        txtBillNo->setFocus();
+        return;
+    case Stop::NoBodies:
+        exclaim(frame == BillingFrame::Early
+                    ? QStringLiteral("There are no Early Billing municipalities for this district "
+                                     "and tax year.")
+                    : QStringLiteral("There are no Late Billing municipalities for this district "
+                                     "and tax year."),
+                texts.formTitle);
+        return;
+    case Stop::IncompleteChain:
+        CheckBillIntegrity(result.bill);
+        CloseScreen(this);
+        return;
+    case Stop::Error:
+        MsgBox(result.error, QLatin1String(texts.formTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    case Stop::Cancelled:
+        MsgBox(QStringLiteral("Printing Cancelled. %1 Bills Printed.").arg(result.printed),
+               QLatin1String(texts.formTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+        break;
+    case Stop::Finished:
+        if (!session().LateBillingRun)
+            MsgBox(QStringLiteral("Printing Complete."), QLatin1String(texts.doneTitle));
+        break;
+    }
+    txtBillNo->clear();
+    txtNumberOfMailers->clear();
+    if (session().LateBillingRun) {
+        CloseScreen(this);
+        return;
+    }
+    txtBillNo->setFocus();
+}
