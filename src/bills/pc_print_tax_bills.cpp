@@ -38,18 +38,6 @@ void exclaim(const QString& text, const char* title) {
     MsgBox(text, QLatin1String(title), MsgButtons::Ok, MsgIcon::Exclamation);
 }
 
-QRadioButton* option(QWidget* parent, const char* name, const char* caption) {
-    auto* b = new QRadioButton(QLatin1String(caption), parent);
-    b->setObjectName(QLatin1String(name));
-    return b;
-}
-
-QCheckBox* tick(QWidget* parent, const char* name, const char* caption) {
-    auto* b = new QCheckBox(QLatin1String(caption), parent);
-    b->setObjectName(QLatin1String(name));
-    return b;
-}
-
 } // namespace
 
 frmPCPrintTaxBills::frmPCPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
@@ -58,8 +46,9 @@ frmPCPrintTaxBills::frmPCPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
 
     auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);
     frame->setObjectName(QStringLiteral("fraBillingTimeFrame"));
-    optBillEarly = option(frame, "optBillEarly", "Early Billing");
-    optBillLate = option(frame, "optBillLate", "Late Billing");
+    optBillEarly =
+        NamedOption(frame, QStringLiteral("optBillEarly"), QStringLiteral("Early Billing"));
+    optBillLate = NamedOption(frame, QStringLiteral("optBillLate"), QStringLiteral("Late Billing"));
     m_frames = new QButtonGroup(this);
     m_frames->addButton(optBillEarly);
     m_frames->addButton(optBillLate);
@@ -68,16 +57,19 @@ frmPCPrintTaxBills::frmPCPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
         l->addWidget(optBillEarly);
         l->addWidget(optBillLate);
     }
-    chkSamples = tick(this, "chkSamples", "Samples");
-    chkPrintAddr = tick(this, "chkPrintAddr", "Print Mailing Address On A Separate Page");
-    chkSecondNotice = tick(this, "chkSecondNotice", "Print 2nd Notice Disregard If Paid");
-    chkPlainPaperCopy = tick(this, "chkPlainPaperCopy", "Ascending Order");
+    chkSamples = NamedCheck(this, QStringLiteral("chkSamples"), QStringLiteral("Samples"));
+    chkPrintAddr = NamedCheck(this, QStringLiteral("chkPrintAddr"),
+                              QStringLiteral("Print Mailing Address On A Separate Page"));
+    chkSecondNotice = NamedCheck(this, QStringLiteral("chkSecondNotice"),
+                                 QStringLiteral("Print 2nd Notice Disregard If Paid"));
+    chkPlainPaperCopy =
+        NamedCheck(this, QStringLiteral("chkPlainPaperCopy"), QStringLiteral("Ascending Order"));
 
     auto* order = new QGroupBox(QStringLiteral("Order"), this);
     order->setObjectName(QStringLiteral("fraOrder"));
-    optBillNo = option(order, "optBillNo", "Bill #");
-    optName = option(order, "optName", "Name");
-    optZipCode = option(order, "optZipCode", "ZipCode");
+    optBillNo = NamedOption(order, QStringLiteral("optBillNo"), QStringLiteral("Bill #"));
+    optName = NamedOption(order, QStringLiteral("optName"), QStringLiteral("Name"));
+    optZipCode = NamedOption(order, QStringLiteral("optZipCode"), QStringLiteral("ZipCode"));
     m_orders = new QButtonGroup(this);
     m_orders->addButton(optBillNo);
     m_orders->addButton(optName);

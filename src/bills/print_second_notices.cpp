@@ -33,12 +33,6 @@ void exclaim(const QString& text, const char* title) {
     MsgBox(text, QLatin1String(title), MsgButtons::Ok, MsgIcon::Exclamation);
 }
 
-QRadioButton* option(QWidget* parent, const char* name, const char* caption) {
-    auto* b = new QRadioButton(QLatin1String(caption), parent);
-    b->setObjectName(QLatin1String(name));
-    return b;
-}
-
 // A whole number typed in a field, or nothing.
 std::optional<double> numberIn(const QLineEdit* field) {
     bool ok = false;
@@ -59,9 +53,11 @@ SecondNoticesForm::SecondNoticesForm(Duplicate duplicate, QWidget* parent)
     auto* checks = new QGroupBox(QStringLiteral("Personal Checks"), this);
     checks->setObjectName(QStringLiteral("fraChecks"));
     optAllowChecks =
-        option(checks, "optAllowChecks", "I DO NOT accept personal checks after this date.");
+        NamedOption(checks, QStringLiteral("optAllowChecks"),
+                    QStringLiteral("I DO NOT accept personal checks after this date."));
     optDoNotAllowChecks =
-        option(checks, "optDoNotAllowChecks", "I DO accept personal checks after this date.");
+        NamedOption(checks, QStringLiteral("optDoNotAllowChecks"),
+                    QStringLiteral("I DO accept personal checks after this date."));
     auto* checkGroup = new QButtonGroup(this);
     checkGroup->addButton(optAllowChecks);
     checkGroup->addButton(optDoNotAllowChecks);
@@ -74,8 +70,9 @@ SecondNoticesForm::SecondNoticesForm(Duplicate duplicate, QWidget* parent)
 
     auto* type = new QGroupBox(QStringLiteral("Notice Type"), this);
     type->setObjectName(QStringLiteral("fraNoticeType"));
-    optCountyNotice = option(type, "optCountyNotice", "County Notice");
-    optARSNotice = option(type, "optARSNotice", "ARS Notice");
+    optCountyNotice =
+        NamedOption(type, QStringLiteral("optCountyNotice"), QStringLiteral("County Notice"));
+    optARSNotice = NamedOption(type, QStringLiteral("optARSNotice"), QStringLiteral("ARS Notice"));
     auto* typeGroup = new QButtonGroup(this);
     typeGroup->addButton(optCountyNotice);
     typeGroup->addButton(optARSNotice);
@@ -92,9 +89,11 @@ SecondNoticesForm::SecondNoticesForm(Duplicate duplicate, QWidget* parent)
 
     auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);
     frame->setObjectName(QStringLiteral("fraBillingTimeFrame"));
-    optBillEarly = option(frame, "optBillEarly", "Early Billing");
-    optBillLate = option(frame, "optBillLate", "Late Billing");
-    optBillBoth = option(frame, "optBillBoth", "Early and Late Billing");
+    optBillEarly =
+        NamedOption(frame, QStringLiteral("optBillEarly"), QStringLiteral("Early Billing"));
+    optBillLate = NamedOption(frame, QStringLiteral("optBillLate"), QStringLiteral("Late Billing"));
+    optBillBoth =
+        NamedOption(frame, QStringLiteral("optBillBoth"), QStringLiteral("Early and Late Billing"));
     auto* frameGroup = new QButtonGroup(this);
     frameGroup->addButton(optBillEarly);
     frameGroup->addButton(optBillLate);

@@ -42,18 +42,6 @@ void exclaim(const QString& text, const char* title) {
     MsgBox(text, QLatin1String(title), MsgButtons::Ok, MsgIcon::Exclamation);
 }
 
-QRadioButton* option(QWidget* parent, const char* name, const char* caption) {
-    auto* b = new QRadioButton(QLatin1String(caption), parent);
-    b->setObjectName(QLatin1String(name));
-    return b;
-}
-
-QCheckBox* tick(QWidget* parent, const char* name, const char* caption) {
-    auto* b = new QCheckBox(QLatin1String(caption), parent);
-    b->setObjectName(QLatin1String(name));
-    return b;
-}
-
 } // namespace
 
 frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
@@ -62,8 +50,9 @@ frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
 
     auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);
     frame->setObjectName(QStringLiteral("fraBillingTimeFrame"));
-    optBillEarly = option(frame, "optBillEarly", "County Bill");
-    optBillLate = option(frame, "optBillLate", "School Bill");
+    optBillEarly =
+        NamedOption(frame, QStringLiteral("optBillEarly"), QStringLiteral("County Bill"));
+    optBillLate = NamedOption(frame, QStringLiteral("optBillLate"), QStringLiteral("School Bill"));
     m_frames = new QButtonGroup(this);
     m_frames->addButton(optBillEarly);
     m_frames->addButton(optBillLate);
@@ -72,15 +61,18 @@ frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
         l->addWidget(optBillEarly);
         l->addWidget(optBillLate);
     }
-    chkSamples = tick(this, "chkSamples", "Samples");
-    chkPrintAddr = tick(this, "chkPrintAddr", "Print Mailing Address On A Separate Page");
-    chkPrintHomestead = tick(this, "chkPrintHomestead", "Print Coupons");
-    chkPlainPaperCopy = tick(this, "chkPlainPaperCopy", "Ascending Order");
+    chkSamples = NamedCheck(this, QStringLiteral("chkSamples"), QStringLiteral("Samples"));
+    chkPrintAddr = NamedCheck(this, QStringLiteral("chkPrintAddr"),
+                              QStringLiteral("Print Mailing Address On A Separate Page"));
+    chkPrintHomestead =
+        NamedCheck(this, QStringLiteral("chkPrintHomestead"), QStringLiteral("Print Coupons"));
+    chkPlainPaperCopy =
+        NamedCheck(this, QStringLiteral("chkPlainPaperCopy"), QStringLiteral("Ascending Order"));
 
     auto* order = new QGroupBox(QStringLiteral("Order"), this);
     order->setObjectName(QStringLiteral("fraOrder"));
-    optBillNo = option(order, "optBillNo", "Bill #");
-    optZipCode = option(order, "optZipCode", "ZipCode");
+    optBillNo = NamedOption(order, QStringLiteral("optBillNo"), QStringLiteral("Bill #"));
+    optZipCode = NamedOption(order, QStringLiteral("optZipCode"), QStringLiteral("ZipCode"));
     m_orders = new QButtonGroup(this);
     m_orders->addButton(optBillNo);
     m_orders->addButton(optZipCode);

@@ -1,8 +1,10 @@
 #include "core/named_widgets.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 
 QLineEdit* NamedField(QWidget* parent, const QString& name, int maxLength) {
     auto* field = new QLineEdit(parent);
@@ -33,4 +35,16 @@ QPushButton* NamedButton(QWidget* parent, const QString& name, const QString& ca
     if (!takesFocus)
         button->setFocusPolicy(Qt::NoFocus);
     return button;
+}
+
+QRadioButton* NamedOption(QWidget* parent, const QString& name, const QString& caption) {
+    auto* option = new QRadioButton(caption, parent);
+    option->setObjectName(name);
+    return option;
+}
+
+QCheckBox* NamedCheck(QWidget* parent, const QString& name, const QString& caption) {
+    auto* check = new QCheckBox(caption, parent);
+    check->setObjectName(name);
+    return check;
 }

@@ -3,9 +3,11 @@
 
 #include <QString>
 
+class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QRadioButton;
 class QWidget;
 
 // A line edit; maxLength 0 leaves the length free.
@@ -16,3 +18,5 @@ QLabel* NamedLabel(QWidget* parent, const QString& name, const QString& text = Q
 // A button that is never the default one; takesFocus false keeps it out of the tab order.
 QPushButton* NamedButton(QWidget* parent, const QString& name, const QString& caption,
                          bool takesFocus = true);
+QRadioButton* NamedOption(QWidget* parent, const QString& name, const QString& caption);
+QCheckBox* NamedCheck(QWidget* parent, const QString& name, const QString& caption);

@@ -33,12 +33,6 @@ const char* const WarningText =
     "your work.  If you choose to run this process neither the County nor ARS is responsible "
     "for any errors that occur as a result of running it!";
 
-QCheckBox* tick(QWidget* parent, const char* name, const char* caption) {
-    auto* b = new QCheckBox(QLatin1String(caption), parent);
-    b->setObjectName(QLatin1String(name));
-    return b;
-}
-
 // Prints the adjustments of a range through the adjustment report form of the duplicate, as
 // the collector would: the form opened, its two dates filled in, Print pressed, the form closed.
 // Its boxes (the copies, the closing message) are asked as usual.
@@ -115,25 +109,31 @@ frmLateBillingRoutines::frmLateBillingRoutines(QWidget* parent) : QWidget(parent
     txtFileName = ShownField(this, QStringLiteral("txtFileName"));
     txtCount = ShownField(this, QStringLiteral("txtCount"));
     chkREPrintExonerations =
-        tick(this, "chkREPrintExonerations", "Print Real Estate Exonerations For The Year");
+        NamedCheck(this, QStringLiteral("chkREPrintExonerations"),
+                   QStringLiteral("Print Real Estate Exonerations For The Year"));
     chkPCPrintExonerations =
-        tick(this, "chkPCPrintExonerations", "Print Per Capita Exonerations For The Year");
-    chkREUpdateAdds = tick(this, "chkREUpdateAdds", "Calculate Real Estate Taxes For Added Bills");
-    chkPCUpdateAdds = tick(this, "chkPCUpdateAdds", "Calculate Per Capita Taxes For Added Bills");
-    chkREExonerations =
-        tick(this, "chkREExonerations",
-             "Exonerate Real Estate Bills That Already Have County Amounts Exonerated");
-    chkPCExonerations =
-        tick(this, "chkPCExonerations",
-             "Exonerate Per Capita Bills That Already Have County Amounts Exonerated");
-    chkREPrintExonerations2 =
-        tick(this, "chkREPrintExonerations2", "Print These Real Estate Exonerations");
-    chkPCPrintExonerations2 =
-        tick(this, "chkPCPrintExonerations2", "Print These Per Capita Exonerations");
+        NamedCheck(this, QStringLiteral("chkPCPrintExonerations"),
+                   QStringLiteral("Print Per Capita Exonerations For The Year"));
+    chkREUpdateAdds = NamedCheck(this, QStringLiteral("chkREUpdateAdds"),
+                                 QStringLiteral("Calculate Real Estate Taxes For Added Bills"));
+    chkPCUpdateAdds = NamedCheck(this, QStringLiteral("chkPCUpdateAdds"),
+                                 QStringLiteral("Calculate Per Capita Taxes For Added Bills"));
+    chkREExonerations = NamedCheck(
+        this, QStringLiteral("chkREExonerations"),
+        QStringLiteral("Exonerate Real Estate Bills That Already Have County Amounts Exonerated"));
+    chkPCExonerations = NamedCheck(
+        this, QStringLiteral("chkPCExonerations"),
+        QStringLiteral("Exonerate Per Capita Bills That Already Have County Amounts Exonerated"));
+    chkREPrintExonerations2 = NamedCheck(this, QStringLiteral("chkREPrintExonerations2"),
+                                         QStringLiteral("Print These Real Estate Exonerations"));
+    chkPCPrintExonerations2 = NamedCheck(this, QStringLiteral("chkPCPrintExonerations2"),
+                                         QStringLiteral("Print These Per Capita Exonerations"));
     chkREPrintTaxBills =
-        tick(this, "chkREPrintTaxBills", "Print Real Estate Tax Bills With Address Changes");
+        NamedCheck(this, QStringLiteral("chkREPrintTaxBills"),
+                   QStringLiteral("Print Real Estate Tax Bills With Address Changes"));
     chkPCPrintTaxBills =
-        tick(this, "chkPCPrintTaxBills", "Print Per Capita Tax Bills With Address Changes");
+        NamedCheck(this, QStringLiteral("chkPCPrintTaxBills"),
+                   QStringLiteral("Print Per Capita Tax Bills With Address Changes"));
     cmdRunRoutines =
         NamedButton(this, QStringLiteral("cmdRunRoutines"), QStringLiteral("&Run Routines"));
     cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
