@@ -310,12 +310,22 @@ ReportSurface::FontEntry& ReportSurface::currentFont() const {
 }
 
 double ReportSurface::FontEntry::width(const QString& text) {
-    if (auto it = widths.constFind(text); it != widths.constEnd())
-        return it.value();
-    if (widths.size() > 65536)
-        widths.clear();
-    const double w = metrics->horizontalAdvance(text);
-    widths.insert(text, w);
+    if (text.size() == lastText.size() && text == lastText)
+        return lastWidth;
+    double w = 0;
+    if (auto it = widths.constFind(text); it != widths.constEnd()) {
+        w = it.value();
+    } else {
+        if (widths.size() > 65536) {
+            // It fills up again as far: room for all of it saves growing the table step by step.
+            widths.clear();
+            widths.reserve(65537);
+        }
+        w = metrics->horizontalAdvance(text);
+        widths.insert(text, w);
+    }
+    lastText = text;
+    lastWidth = w;
     return w;
 }
 

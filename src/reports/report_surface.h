@@ -189,6 +189,10 @@ private:
         std::unique_ptr<QFontMetricsF> metrics;
         // Reports print the same labels, years and amounts over and over.
         QHash<QString, double> widths;
+        // The text measured last: placing a text at its right edge or fitting it to a column
+        // measures it, and drawing it measures it again at once.
+        QString lastText;
+        double lastWidth = 0;
         double width(const QString& text);
     };
     // The entry of the font now set; the cache is not part of the surface's state.

@@ -24,7 +24,7 @@ QString amount(Money value) {
 }
 
 QString text(const QSqlRecord& row, const char* column) {
-    return TextField(row.value(QLatin1String(column)));
+    return TextField(BillField(row, column));
 }
 
 QString cityLine(const QSqlRecord& row) {
@@ -202,8 +202,8 @@ bool ReLeftForCollectionReport::draw(ReportPage& page) {
                           LabelX - DescX - 60));
             s.Print();
             at(s, NameX, FittedText(s, cityLine(bill), DescX - NameX - 100));
-            const qint64 assessed = bill.value(QStringLiteral("AssLand")).toLongLong() +
-                                    bill.value(QStringLiteral("AssImpr")).toLongLong();
+            const qint64 assessed =
+                BillField(bill, "AssLand").toLongLong() + BillField(bill, "AssImpr").toLongLong();
             at(s, DescX,
                QStringLiteral("Assessed Value ") + FormatNumber(double(assessed), u"#,###,###.00"));
             if (open.installmentsOpen)

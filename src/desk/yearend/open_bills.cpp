@@ -40,16 +40,12 @@ int fieldIndex(const QSqlRecord& bill, const char* column) {
     return index;
 }
 
-QVariant valueOf(const QSqlRecord& bill, const char* column) {
-    return bill.value(fieldIndex(bill, column));
-}
-
 QString flagOf(const QSqlRecord& bill, const char* column) {
-    return TextField(valueOf(bill, column)).trimmed();
+    return TextField(BillField(bill, column)).trimmed();
 }
 
 Money moneyOf(const QSqlRecord& bill, const char* column) {
-    return MoneyField(valueOf(bill, column));
+    return MoneyField(BillField(bill, column));
 }
 
 template <std::size_t N> Money sum(const std::array<Money, N>& amounts) {
@@ -60,6 +56,10 @@ template <std::size_t N> Money sum(const std::array<Money, N>& amounts) {
 }
 
 } // namespace
+
+QVariant BillField(const QSqlRecord& bill, const char* column) {
+    return bill.value(fieldIndex(bill, column));
+}
 
 YearEndOffice YearEndOffice::read(QSqlDatabase db) {
     YearEndOffice o;

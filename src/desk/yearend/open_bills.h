@@ -86,6 +86,10 @@ OpenBillWalk WalkBills(QSqlDatabase db, bool perCapita, const QString& sql,
                        const QString& adjustmentText,
                        const std::function<void(const QSqlRecord& bill, int adjNo)>& visit);
 
+// One column of a bill read by a walk. The bills of a walk share the master's layout, so the
+// column's place is looked up once rather than by name for every bill.
+QVariant BillField(const QSqlRecord& bill, const char* column);
+
 // "012-000001": District as "000" and the bill number as "000000" (an added bill as it is).
 QString ParcelNumber(const QString& district, const QString& billNo);
 
