@@ -94,7 +94,8 @@ QCheckBox* newCheck(QWidget* parent, const char* name, const char* caption) {
 
 } // namespace
 
-frmPCAdjustTaxBill::frmPCAdjustTaxBill(QWidget* parent) : QWidget(parent) {
+frmPCAdjustTaxBill::frmPCAdjustTaxBill(QWidget* parent)
+    : AdjustTaxBillScreen(Duplicate::PerCapita, parent) {
     setObjectName(QStringLiteral("frmPCAdjustTaxBill"));
     setWindowTitle(title());
     buildScreen();
@@ -325,23 +326,10 @@ void frmPCAdjustTaxBill::buildScreen() {
 }
 
 void frmPCAdjustTaxBill::loadRates() {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        m_district = TextField(q.value(0));
-        m_ward = TextField(q.value(1));
-    }
     QSqlRecord countyRow;
     QSqlRecord municipalRow;
-    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
-        countyRow = q.record();
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(m_district + m_ward);
-    if (q.exec() && q.next())
-        municipalRow = q.record();
-    m_taxYear = TextField(countyRow.value("TaxYear")).trimmed();
-    if (m_taxYear.isEmpty())
-        m_taxYear = session().TaxYear;
+    readDistrict(&countyRow, &municipalRow);
+    QSqlQuery q(session().DbConnection);
     QString schoolName;
     q.prepare(QStringLiteral(
         "SELECT BTFlag, SchoolName FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
@@ -417,79 +405,12 @@ void frmPCAdjustTaxBill::clearScreen() {
     m_clearing = false;
 }
 
-void frmPCAdjustTaxBill::openFromQuery(const QString& billNo) {
-    clearScreen();
-    const QSignalBlocker block(txtBillNo);
-    txtBillNo->setText(billNo);
-    cboAction->setFocus(Qt::OtherFocusReason);
+QString frmPCAdjustTaxBill::paymentInfoText(const QString& billNo) const {
+    return PerCapitaPaymentInfoText(m_flags, m_btFlag,
+                                    ReadPerCapitaReceipts(session().DbConnection, billNo));
 }
 
-AdjustActionFlow frmPCAdjustTaxBill::actionFlow() {
-    return {cboAction,
-            txtBillNo,
-            &m_action,
-            &m_loaded,
-            &m_inLeave,
-            [this] { startAddition(); },
-            [this] { loadBill(); }};
-}
-
-void frmPCAdjustTaxBill::setAction(int action) {
-    SetAdjustAction(actionFlow(), action);
-}
-
-void frmPCAdjustTaxBill::actionChosen(int action) {
-    AdjustActionChosen(actionFlow(), action);
-}
-
-void frmPCAdjustTaxBill::billNoLeft() {
-    AdjustBillNoLeft(actionFlow());
-}
-
-void frmPCAdjustTaxBill::loadBill() {
-    const QString billNo = PadBillNo(txtBillNo->text());
-    {
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(billNo);
-    }
-    BillHistory history;
-    const BillNow bill =
-        ReadBillAsItStands(session().DbConnection, Duplicate::PerCapita, billNo, &history);
-    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
-        MsgBox(QStringLiteral("Bill Number Not On File"), title());
-        clearScreen();
-        return;
-    }
-    m_billNo = billNo;
-    m_flags = BillPayFlagsFromRecord(history.master);
-    if (!ReplayAdjustHistory(
-            bill, history, [this](const QSqlRecord& row) { showImage(row); },
-            [this](const QSqlRecord& row) { showAddress(row); }, &m_nextAdjNo)) {
-        CloseScreen(this);
-        return;
-    }
-    session().PaymentInfoText = PerCapitaPaymentInfoText(
-        m_flags, m_btFlag, ReadPerCapitaReceipts(session().DbConnection, billNo));
-    if (!session().PaymentInfoText.isEmpty())
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
-
-    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
-    if (m_action != Unexonerate) {
-        if (RefuseSettledBill(m_bodyVisible, {bodySettled(0), bodySettled(1), bodySettled(2)},
-                              flags)) {
-            clearScreen();
-            return;
-        }
-    } else if (RefuseNotExonerated(m_bodyVisible, flags)) {
-        clearScreen();
-        return;
-    }
-
-    m_loaded = true;
-    cboAction->setEnabled(false);
-    txtBillNo->setEnabled(false);
-    cmdPaymentInfo->setEnabled(true);
-    cmdAccept->setEnabled(true);
+void frmPCAdjustTaxBill::billLoaded() {
     const auto boxes = bodyBoxes();
     if (m_action == Exonerate || m_action == Unexonerate) {
         if (!(m_action == Exonerate ? AskExonerate() : AskUnexonerate())) {
@@ -888,11 +809,4 @@ bool frmPCAdjustTaxBill::accept() {
     if (printBill)
         OpenPCPrintTaxBillsFor(billNo);
     return true;
-}
-
-void frmPCAdjustTaxBill::showPaymentInfo() {
-    ShowAdjustPaymentInfo(
-        m_loaded ? PerCapitaPaymentInfoText(m_flags, m_btFlag,
-                                            ReadPerCapitaReceipts(session().DbConnection, m_billNo))
-                 : QString());
 }

@@ -1,11 +1,14 @@
 #include "desk/realestate/adjust_common.h"
 
 #include "core/messages.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "desk/realestate/payment_rules.h"
+#include "desk/realestate/receive_payment.h"
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
 #include <QStringList>
@@ -233,4 +236,106 @@ void ShowAdjustPaymentInfo(const QString& text) {
                MsgButtons::Ok, MsgIcon::Information);
     else
         MsgBox(text, QString::fromLatin1(PaymentInfoTitle));
+}
+
+AdjustTaxBillScreen::AdjustTaxBillScreen(Duplicate duplicate, QWidget* parent)
+    : QWidget(parent), m_duplicate(duplicate) {}
+
+void AdjustTaxBillScreen::openFromQuery(const QString& billNo) {
+    clearScreen();
+    handedOver();
+    const QSignalBlocker block(txtBillNo);
+    txtBillNo->setText(billNo);
+    cboAction->setFocus(Qt::OtherFocusReason);
+}
+
+AdjustActionFlow AdjustTaxBillScreen::actionFlow() {
+    return {cboAction,
+            txtBillNo,
+            &m_action,
+            &m_loaded,
+            &m_inLeave,
+            [this] { startAddition(); },
+            [this] { loadBill(); }};
+}
+
+void AdjustTaxBillScreen::setAction(int action) {
+    SetAdjustAction(actionFlow(), action);
+}
+
+void AdjustTaxBillScreen::actionChosen(int action) {
+    AdjustActionChosen(actionFlow(), action);
+}
+
+void AdjustTaxBillScreen::billNoLeft() {
+    AdjustBillNoLeft(actionFlow());
+}
+
+void AdjustTaxBillScreen::readDistrict(QSqlRecord* countyRow, QSqlRecord* municipalRow) {
+    QSqlQuery q(session().DbConnection);
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        m_district = TextField(q.value(0));
+        m_ward = TextField(q.value(1));
+    }
+    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
+        *countyRow = q.record();
+    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
+    q.addBindValue(m_district + m_ward);
+    if (q.exec() && q.next())
+        *municipalRow = q.record();
+    m_taxYear = TextField(countyRow->value("TaxYear")).trimmed();
+    if (m_taxYear.isEmpty())
+        m_taxYear = session().TaxYear;
+}
+
+void AdjustTaxBillScreen::loadBill() {
+    const QString title = QString::fromLatin1(AdjustTaxBillTitle);
+    const QString billNo = PadBillNo(txtBillNo->text());
+    {
+        const QSignalBlocker block(txtBillNo);
+        txtBillNo->setText(billNo);
+    }
+    BillHistory history;
+    const BillNow bill = ReadBillAsItStands(session().DbConnection, m_duplicate, billNo, &history);
+    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
+        MsgBox(QStringLiteral("Bill Number Not On File"), title);
+        clearScreen();
+        return;
+    }
+
+    m_billNo = billNo;
+    m_flags = BillPayFlagsFromRecord(history.master);
+    if (!ReplayAdjustHistory(
+            bill, history, [this](const QSqlRecord& row) { showImage(row); },
+            [this](const QSqlRecord& row) { showAddress(row); }, &m_nextAdjNo)) {
+        CloseScreen(this);
+        return;
+    }
+
+    session().PaymentInfoText = paymentInfoText(billNo);
+    if (!session().PaymentInfoText.isEmpty())
+        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
+
+    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
+    if (m_action != Unexonerate) {
+        if (RefuseSettledBill(m_bodyVisible, {bodySettled(0), bodySettled(1), bodySettled(2)},
+                              flags)) {
+            clearScreen();
+            return;
+        }
+    } else if (RefuseNotExonerated(m_bodyVisible, flags)) {
+        clearScreen();
+        return;
+    }
+
+    m_loaded = true;
+    cboAction->setEnabled(false);
+    txtBillNo->setEnabled(false);
+    cmdPaymentInfo->setEnabled(true);
+    cmdAccept->setEnabled(true);
+    billLoaded();
+}
+
+void AdjustTaxBillScreen::showPaymentInfo() {
+    ShowAdjustPaymentInfo(m_loaded ? paymentInfoText(m_billNo) : QString());
 }

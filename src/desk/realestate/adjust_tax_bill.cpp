@@ -105,7 +105,8 @@ void refuseField(QLineEdit* field) {
 // Building the screen
 // ---------------------------------------------------------------------------------------------
 
-frmREAdjustTaxBill::frmREAdjustTaxBill(QWidget* parent) : QWidget(parent) {
+frmREAdjustTaxBill::frmREAdjustTaxBill(QWidget* parent)
+    : AdjustTaxBillScreen(Duplicate::RealEstate, parent) {
     setObjectName(QStringLiteral("frmREAdjustTaxBill"));
     setWindowTitle(QString::fromLatin1(AdjustTitle));
     buildScreen();
@@ -413,23 +414,10 @@ void frmREAdjustTaxBill::buildScreen() {
 }
 
 void frmREAdjustTaxBill::loadRates() {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        m_district = TextField(q.value(0));
-        m_ward = TextField(q.value(1));
-    }
     QSqlRecord countyRow;
     QSqlRecord municipalRow;
-    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
-        countyRow = q.record();
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(m_district + m_ward);
-    if (q.exec() && q.next())
-        municipalRow = q.record();
-    m_taxYear = TextField(countyRow.value("TaxYear")).trimmed();
-    if (m_taxYear.isEmpty())
-        m_taxYear = session().TaxYear;
+    readDistrict(&countyRow, &municipalRow);
+    QSqlQuery q(session().DbConnection);
 
     std::array<double, 3> specialMill{};
     q.prepare(QStringLiteral(
@@ -531,88 +519,17 @@ void frmREAdjustTaxBill::clearScreen() {
     m_clearing = false;
 }
 
-void frmREAdjustTaxBill::openFromQuery(const QString& billNo) {
-    clearScreen();
-    m_fromQuery = true;
-    const QSignalBlocker block(txtBillNo);
-    txtBillNo->setText(billNo);
-    cboAction->setFocus(Qt::OtherFocusReason);
-}
-
-AdjustActionFlow frmREAdjustTaxBill::actionFlow() {
-    return {cboAction,
-            txtBillNo,
-            &m_action,
-            &m_loaded,
-            &m_inLeave,
-            [this] { startAddition(); },
-            [this] { loadBill(); }};
-}
-
-void frmREAdjustTaxBill::setAction(int action) {
-    SetAdjustAction(actionFlow(), action);
-}
-
-void frmREAdjustTaxBill::actionChosen(int action) {
-    AdjustActionChosen(actionFlow(), action);
-}
-
-void frmREAdjustTaxBill::billNoLeft() {
-    AdjustBillNoLeft(actionFlow());
-}
-
 // ---------------------------------------------------------------------------------------------
 // Loading a bill
 // ---------------------------------------------------------------------------------------------
 
-void frmREAdjustTaxBill::loadBill() {
-    const QString title = QString::fromLatin1(AdjustTitle);
-    const QString billNo = PadBillNo(txtBillNo->text());
-    {
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(billNo);
-    }
-    BillHistory history;
-    const BillNow bill =
-        ReadBillAsItStands(session().DbConnection, Duplicate::RealEstate, billNo, &history);
-    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
-        MsgBox(QStringLiteral("Bill Number Not On File"), title);
-        clearScreen();
-        return;
-    }
+QString frmREAdjustTaxBill::paymentInfoText(const QString& billNo) const {
+    return RealEstatePaymentInfoText(m_flags, m_btFlag,
+                                     ReadRealEstatePaidReceipts(session().DbConnection, billNo));
+}
 
-    m_billNo = billNo;
-    m_flags = BillPayFlagsFromRecord(history.master);
-    if (!ReplayAdjustHistory(
-            bill, history, [this](const QSqlRecord& row) { showImage(row); },
-            [this](const QSqlRecord& row) { showAddress(row); }, &m_nextAdjNo)) {
-        CloseScreen(this);
-        return;
-    }
-
-    session().PaymentInfoText = RealEstatePaymentInfoText(
-        m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, billNo));
-    if (!session().PaymentInfoText.isEmpty())
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
-
-    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
-    if (m_action != Unexonerate) {
-        if (RefuseSettledBill(m_bodyVisible, {bodySettled(0), bodySettled(1), bodySettled(2)},
-                              flags)) {
-            clearScreen();
-            return;
-        }
-    } else if (RefuseNotExonerated(m_bodyVisible, flags)) {
-        clearScreen();
-        return;
-    }
-
-    m_loaded = true;
+void frmREAdjustTaxBill::billLoaded() {
     chkInstallments->setChecked(!(MoneyField(m_image.value("Payment1")) > Money()));
-    cboAction->setEnabled(false);
-    txtBillNo->setEnabled(false);
-    cmdPaymentInfo->setEnabled(true);
-    cmdAccept->setEnabled(true);
     if (m_action == Exonerate)
         startExoneration();
     else if (m_action == Unexonerate)
@@ -1266,12 +1183,4 @@ bool frmREAdjustTaxBill::accept() {
     if (printBill)
         OpenREPrintTaxBillsFor(billNo, true);
     return true;
-}
-
-void frmREAdjustTaxBill::showPaymentInfo() {
-    ShowAdjustPaymentInfo(
-        m_loaded
-            ? RealEstatePaymentInfoText(
-                  m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, m_billNo))
-            : QString());
 }
