@@ -231,40 +231,8 @@ void frmPCAdjustTaxBill::buildScreen() {
         g->addWidget(txtTotal, 3, 5);
     }
 
-    txtReason = NamedField(this, QStringLiteral("txtReason"), 30);
-    chkPrintBill = newCheck(this, "chkPrintBill", "Print A New Tax Bill");
-    chkReportable = newCheck(this, "chkReportable", "Reportable");
-    chkUSPS = newCheck(this, "chkUSPS", "USPS");
-    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&ACCEPT"));
-    cmdPaymentInfo =
-        NamedButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"), false);
-    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
-    cmdPrintScreen =
-        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
-    cmdClearScreen =
-        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"), false);
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
-
-    auto* reasonRow = new QHBoxLayout;
-    reasonRow->addWidget(new QLabel(QStringLiteral("Reason:"), this));
-    reasonRow->addWidget(txtReason, 1);
-    reasonRow->addWidget(chkPrintBill);
-    reasonRow->addWidget(chkReportable);
-    reasonRow->addWidget(chkUSPS);
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdPaymentInfo, CmdQuery, cmdPrintScreen, cmdClearScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-    auto* middle = new QGridLayout;
-    middle->addWidget(fraPerson, 0, 0, 2, 1);
-    middle->addWidget(fraAdjustFor, 0, 1);
-    middle->addWidget(fraAmounts, 1, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addLayout(middle);
-    layout->addLayout(reasonRow);
-    layout->addLayout(buttons);
+    buildFoot();
+    layOutScreen(top, fraPerson, fraAdjustFor, fraAmounts);
 
     QWidget* order[] = {cboAction,       txtBillNo,     txtControl,      txtPrefix,
                         txtFName,        txtMName,      txtLName,        txtSuffix,

@@ -66,16 +66,6 @@ public:
     QLineEdit* txtSTotal = nullptr;
     QLineEdit* txtTotal = nullptr;
 
-    QLineEdit* txtReason = nullptr;
-    QCheckBox* chkPrintBill = nullptr;
-    QCheckBox* chkReportable = nullptr;
-    QCheckBox* chkUSPS = nullptr;
-
-    QPushButton* CmdQuery = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -1,17 +1,23 @@
 #include "desk/realestate/adjust_common.h"
 
 #include "core/messages.h"
+#include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
 #include "desk/realestate/payment_rules.h"
 #include "desk/realestate/receive_payment.h"
 
+#include <QCheckBox>
 #include <QComboBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
 #include <QStringList>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -338,4 +344,49 @@ void AdjustTaxBillScreen::loadBill() {
 
 void AdjustTaxBillScreen::showPaymentInfo() {
     ShowAdjustPaymentInfo(m_loaded ? paymentInfoText(m_billNo) : QString());
+}
+
+void AdjustTaxBillScreen::buildFoot() {
+    txtReason = NamedField(this, QStringLiteral("txtReason"), 30);
+    auto check = [this](const char* name, const char* caption) {
+        auto* box = new QCheckBox(QString::fromLatin1(caption), this);
+        box->setObjectName(QString::fromLatin1(name));
+        return box;
+    };
+    chkPrintBill = check("chkPrintBill", "Print A New Tax Bill");
+    chkReportable = check("chkReportable", "Reportable");
+    chkUSPS = check("chkUSPS", "USPS");
+    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&ACCEPT"));
+    cmdPaymentInfo =
+        NamedButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"), false);
+    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
+    cmdPrintScreen =
+        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
+    cmdClearScreen =
+        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"), false);
+    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+}
+
+void AdjustTaxBillScreen::layOutScreen(QLayout* top, QWidget* billFrame, QWidget* adjustFor,
+                                       QWidget* amounts) {
+    auto* reasonRow = new QHBoxLayout;
+    reasonRow->addWidget(new QLabel(QStringLiteral("Reason:"), this));
+    reasonRow->addWidget(txtReason, 1);
+    reasonRow->addWidget(chkPrintBill);
+    reasonRow->addWidget(chkReportable);
+    reasonRow->addWidget(chkUSPS);
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* b : {cmdAccept, cmdPaymentInfo, CmdQuery, cmdPrintScreen, cmdClearScreen})
+        buttons->addWidget(b);
+    buttons->addStretch();
+    buttons->addWidget(cmdExit);
+    auto* middle = new QGridLayout;
+    middle->addWidget(billFrame, 0, 0, 2, 1);
+    middle->addWidget(adjustFor, 0, 1);
+    middle->addWidget(amounts, 1, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addLayout(middle);
+    layout->addLayout(reasonRow);
+    layout->addLayout(buttons);
 }

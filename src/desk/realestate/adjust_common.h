@@ -15,8 +15,10 @@
 #include <array>
 #include <functional>
 
+class QCheckBox;
 class QComboBox;
 class QLineEdit;
+class QLayout;
 class QPushButton;
 
 inline constexpr const char* AdjustTaxBillTitle = "Adjust Tax Bill";
@@ -100,8 +102,18 @@ public:
 
     QComboBox* cboAction = nullptr;
     QLineEdit* txtBillNo = nullptr;
+
+    QLineEdit* txtReason = nullptr;
+    QCheckBox* chkPrintBill = nullptr;
+    QCheckBox* chkReportable = nullptr;
+    QCheckBox* chkUSPS = nullptr;
+
     QPushButton* cmdAccept = nullptr;
     QPushButton* cmdPaymentInfo = nullptr;
+    QPushButton* CmdQuery = nullptr;
+    QPushButton* cmdPrintScreen = nullptr;
+    QPushButton* cmdClearScreen = nullptr;
+    QPushButton* cmdExit = nullptr;
 
 Q_SIGNALS:
     // A bill was added, adjusted, exonerated or unexonerated; a query list that handed the bill
@@ -120,6 +132,12 @@ protected:
     virtual QString paymentInfoText(const QString& billNo) const = 0;
     // The bill is loaded and may be changed: the action chosen goes on.
     virtual void billLoaded() = 0;
+
+    // The reason, its check boxes and the buttons, made after the screen's own frames.
+    void buildFoot();
+    // The action row on top, the bill's frame beside the bodies' ticks over the amounts, then
+    // the reason row and the buttons.
+    void layOutScreen(QLayout* top, QWidget* billFrame, QWidget* adjustFor, QWidget* amounts);
 
     void actionChosen(int action);
     void billNoLeft();

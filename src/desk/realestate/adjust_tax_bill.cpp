@@ -305,42 +305,8 @@ void frmREAdjustTaxBill::buildScreen() {
         g->addLayout(hRow, 9, 0, 1, 6);
     }
 
-    txtReason = NamedField(this, QStringLiteral("txtReason"), 30);
-    chkPrintBill =
-        newCheck(this, QStringLiteral("chkPrintBill"), QStringLiteral("Print A New Tax Bill"));
-    chkReportable = newCheck(this, QStringLiteral("chkReportable"), QStringLiteral("Reportable"));
-    chkUSPS = newCheck(this, QStringLiteral("chkUSPS"), QStringLiteral("USPS"));
-
-    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&ACCEPT"));
-    cmdPaymentInfo =
-        NamedButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"), false);
-    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
-    cmdPrintScreen =
-        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
-    cmdClearScreen =
-        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"), false);
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
-
-    auto* reasonRow = new QHBoxLayout;
-    reasonRow->addWidget(new QLabel(QStringLiteral("Reason:"), this));
-    reasonRow->addWidget(txtReason, 1);
-    reasonRow->addWidget(chkPrintBill);
-    reasonRow->addWidget(chkReportable);
-    reasonRow->addWidget(chkUSPS);
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdPaymentInfo, CmdQuery, cmdPrintScreen, cmdClearScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-    auto* middle = new QGridLayout;
-    middle->addWidget(fraBill, 0, 0, 2, 1);
-    middle->addWidget(fraAdjustFor, 0, 1);
-    middle->addWidget(fraAmounts, 1, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addLayout(middle);
-    layout->addLayout(reasonRow);
-    layout->addLayout(buttons);
+    buildFoot();
+    layOutScreen(top, fraBill, fraAdjustFor, fraAmounts);
 
     QWidget* order[] = {cboAction,      txtBillNo,
                         txtControl,     txtName,

@@ -93,16 +93,6 @@ public:
     QLineEdit* txtHDiscount = nullptr;
     QLineEdit* txtHPenalty = nullptr;
 
-    QLineEdit* txtReason = nullptr;
-    QCheckBox* chkPrintBill = nullptr;
-    QCheckBox* chkReportable = nullptr;
-    QCheckBox* chkUSPS = nullptr;
-
-    QPushButton* CmdQuery = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
