@@ -335,42 +335,10 @@ void frmPCAdjustTaxBill::loadRates() {
 // Clear Screen, the action and loading
 // ---------------------------------------------------------------------------------------------
 
-void frmPCAdjustTaxBill::clearScreen() {
-    m_clearing = true;
-    m_loaded = false;
-    m_action = NoAction;
-    m_billNo.clear();
-    m_flags = BillPayFlags();
-    m_nextAdjNo = 1;
+void frmPCAdjustTaxBill::clearOwn() {
     m_held = PerCapitaBillAmounts();
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        if (qobject_cast<QComboBox*>(field->parentWidget()))
-            continue;
-        const QSignalBlocker block(field);
-        field->clear();
-        field->setEnabled(false);
-    }
-    for (QComboBox* combo : {cboCity, cboState, cboOccuCode}) {
-        combo->setCurrentIndex(-1);
-        if (combo->isEditable())
-            combo->setEditText(QString());
-        combo->setEnabled(false);
-    }
+    clearBoxes({cboCity, cboState, cboOccuCode});
     cboCity->clear();
-    for (QCheckBox* box : findChildren<QCheckBox*>()) {
-        box->setChecked(false);
-        box->setEnabled(false);
-    }
-    const auto boxes = bodyBoxes();
-    for (int b = 0; b < 3; ++b)
-        boxes[std::size_t(b)]->setChecked(m_bodyVisible[std::size_t(b)]);
-    for (QPushButton* b : {cmdAccept, cmdPaymentInfo})
-        b->setEnabled(false);
-    cboAction->setEnabled(true);
-    cboAction->setCurrentIndex(-1);
-    txtBillNo->setEnabled(true);
-    cboAction->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
 }
 
 QString frmPCAdjustTaxBill::paymentInfoText(const QString& billNo) const {

@@ -72,7 +72,7 @@ protected:
 private:
     void buildScreen();
     void loadRates();
-    void clearScreen() override;
+    void clearOwn() override;
     void showImage(const QSqlRecord& image) override;
     void showAddress(const QSqlRecord& row) override;
     bool bodySettled(int body) const override;
@@ -87,7 +87,7 @@ private:
         return {txtCPerCapita,  txtCOccupation, txtTPerCapita,
                 txtTOccupation, txtSPerCapita,  txtSOccupation};
     }
-    std::array<QCheckBox*, 3> bodyBoxes() const { return {chkCounty, chkTwp, chkSchool}; }
+    std::array<QCheckBox*, 3> bodyBoxes() const override { return {chkCounty, chkTwp, chkSchool}; }
     BodyTicks ticked() const;
     bool occuValueLeft();
     bool faceLeft(QLineEdit* field);

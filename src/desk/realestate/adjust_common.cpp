@@ -390,3 +390,43 @@ void AdjustTaxBillScreen::layOutScreen(QLayout* top, QWidget* billFrame, QWidget
     layout->addLayout(reasonRow);
     layout->addLayout(buttons);
 }
+
+void AdjustTaxBillScreen::clearScreen() {
+    m_clearing = true;
+    m_loaded = false;
+    m_action = NoAction;
+    m_billNo.clear();
+    m_flags = BillPayFlags();
+    m_nextAdjNo = 1;
+    for (QLineEdit* field : findChildren<QLineEdit*>()) {
+        // The combo boxes' own editors go with their boxes.
+        if (qobject_cast<QComboBox*>(field->parentWidget()))
+            continue;
+        const QSignalBlocker block(field);
+        field->clear();
+        field->setEnabled(false);
+    }
+    clearOwn();
+    for (QCheckBox* box : findChildren<QCheckBox*>()) {
+        box->setChecked(false);
+        box->setEnabled(false);
+    }
+    const auto boxes = bodyBoxes();
+    for (int b = 0; b < 3; ++b)
+        boxes[std::size_t(b)]->setChecked(m_bodyVisible[std::size_t(b)]);
+    for (QPushButton* b : {cmdAccept, cmdPaymentInfo})
+        b->setEnabled(false);
+    cboAction->setEnabled(true);
+    cboAction->setCurrentIndex(-1);
+    txtBillNo->setEnabled(true);
+    cboAction->setFocus(Qt::OtherFocusReason);
+    m_clearing = false;
+}
+
+void AdjustTaxBillScreen::clearBoxes(std::initializer_list<QComboBox*> boxes) {
+    for (QComboBox* combo : boxes) {
+        combo->setCurrentIndex(-1);
+        combo->setEditText(QString());
+        combo->setEnabled(false);
+    }
+}

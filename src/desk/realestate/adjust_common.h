@@ -14,6 +14,7 @@
 #include <QWidget>
 #include <array>
 #include <functional>
+#include <initializer_list>
 
 class QCheckBox;
 class QComboBox;
@@ -121,7 +122,14 @@ Q_SIGNALS:
     void billSaved(const QString& billNo);
 
 protected:
-    virtual void clearScreen() = 0;
+    // Clear Screen: no bill, no action, every field empty and shut, the visible bodies ticked;
+    // the action list open and focused.
+    void clearScreen();
+    // The screen's own part of the clear: its amounts held, its boxes, its own widgets.
+    virtual void clearOwn() = 0;
+    // Empties the boxes and shuts them.
+    static void clearBoxes(std::initializer_list<QComboBox*> boxes);
+    virtual std::array<QCheckBox*, 3> bodyBoxes() const = 0;
     virtual void startAddition() = 0;
     // The screen was cleared for a bill a query hands over.
     virtual void handedOver() {}

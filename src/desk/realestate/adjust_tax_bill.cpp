@@ -445,44 +445,13 @@ void frmREAdjustTaxBill::loadRates() {
 // Clear Screen and the action
 // ---------------------------------------------------------------------------------------------
 
-void frmREAdjustTaxBill::clearScreen() {
-    m_clearing = true;
-    m_loaded = false;
-    m_action = NoAction;
-    m_billNo.clear();
+void frmREAdjustTaxBill::clearOwn() {
     m_image = QSqlRecord();
-    m_flags = BillPayFlags();
-    m_nextAdjNo = 1;
     m_held = RealEstateAmounts();
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        // The combo boxes' own editors go with their boxes.
-        if (qobject_cast<QComboBox*>(field->parentWidget()))
-            continue;
-        const QSignalBlocker block(field);
-        field->clear();
-        field->setEnabled(false);
-    }
-    for (QComboBox* combo : {cboCity, cboState, cboLandUse}) {
-        combo->setCurrentIndex(-1);
-        combo->setEditText(QString());
-        combo->setEnabled(false);
-    }
+    clearBoxes({cboCity, cboState, cboLandUse});
     cboCity->clear();
-    for (QCheckBox* box : findChildren<QCheckBox*>()) {
-        box->setChecked(false);
-        box->setEnabled(false);
-    }
-    const auto boxes = bodyBoxes();
-    for (int b = 0; b < 3; ++b)
-        boxes[size_t(b)]->setChecked(m_bodyVisible[size_t(b)]);
     fraExclusion->hide();
-    for (QPushButton* b : {cmdAccept, cmdCalculate, cmdPaymentInfo})
-        b->setEnabled(false);
-    cboAction->setEnabled(true);
-    cboAction->setCurrentIndex(-1);
-    txtBillNo->setEnabled(true);
-    cboAction->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
+    cmdCalculate->setEnabled(false);
 }
 
 // ---------------------------------------------------------------------------------------------

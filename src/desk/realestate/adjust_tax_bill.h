@@ -99,7 +99,7 @@ protected:
 private:
     void buildScreen();
     void loadRates();
-    void clearScreen() override;
+    void clearOwn() override;
     void handedOver() override { m_fromQuery = true; }
 
     // Loading.
@@ -120,7 +120,7 @@ private:
     std::array<QLineEdit*, 3> paymentFields() const {
         return {txtPayment1, txtPayment2, txtPayment3};
     }
-    std::array<QCheckBox*, 3> bodyBoxes() const { return {chkCounty, chkTwp, chkSchool}; }
+    std::array<QCheckBox*, 3> bodyBoxes() const override { return {chkCounty, chkTwp, chkSchool}; }
     bool assessmentLeft(QLineEdit* field, const char* message);
     bool exclusionLeft(QLineEdit* field, const char* message);
     bool faceLeft(QLineEdit* field);
