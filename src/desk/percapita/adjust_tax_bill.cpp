@@ -12,10 +12,7 @@
 #include "desk/percapita/person_name.h"
 #include "desk/realestate/adjust_common.h"
 #include "desk/realestate/receive_payment.h"
-#include "reports/print_output.h"
-#include "reports/print_screen.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -249,23 +246,6 @@ void frmPCAdjustTaxBill::buildScreen() {
         w->installEventFilter(this);
     for (QLineEdit* f : faceFields())
         f->installEventFilter(this);
-    for (QAbstractButton* b : findChildren<QAbstractButton*>())
-        b->installEventFilter(this);
-
-    connect(cboAction, &QComboBox::activated, this, [this](int index) { actionChosen(index); });
-    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
-        // A "*" is the scanner's call; it never stays in the field.
-        if (text.contains(QLatin1Char('*'))) {
-            const QSignalBlocker block(txtBillNo);
-            txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
-            return;
-        }
-        if (text.size() == 5 && txtBillNo->hasFocus() && !m_inLeave && !m_loaded) {
-            m_inLeave = true;
-            billNoLeft();
-            m_inLeave = false;
-        }
-    });
     for (QLineEdit* part :
          {txtPrefix, txtFName, txtMName, txtLName, txtSuffix, txtStreetNumber, txtStreetName})
         connect(part, &QLineEdit::textChanged, this, [this] { buildNames(); });
@@ -284,13 +264,7 @@ void frmPCAdjustTaxBill::buildScreen() {
                 computeFromRates();
             }
         });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
-    connect(CmdQuery, &QPushButton::clicked, this, [] { ShowPerCapitaQueryList(); });
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connectCommon([] { ShowPerCapitaQueryList(); });
 }
 
 void frmPCAdjustTaxBill::loadRates() {

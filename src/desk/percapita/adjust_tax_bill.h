@@ -96,7 +96,7 @@ private:
     void showAmounts();
     void showTotals();
 
-    bool accept();
+    bool accept() override;
     PerCapitaBillImage imageOnScreen() const;
 
     PerCapitaRates m_rates;

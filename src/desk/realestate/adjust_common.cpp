@@ -1,12 +1,16 @@
 #include "desk/realestate/adjust_common.h"
 
+#include "core/field_leave.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
 #include "desk/realestate/payment_rules.h"
 #include "desk/realestate/receive_payment.h"
+#include "reports/print_output.h"
+#include "reports/print_screen.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -429,4 +433,31 @@ void AdjustTaxBillScreen::clearBoxes(std::initializer_list<QComboBox*> boxes) {
         combo->setEditText(QString());
         combo->setEnabled(false);
     }
+}
+
+void AdjustTaxBillScreen::connectCommon(const std::function<void()>& openQuery) {
+    for (QAbstractButton* b : findChildren<QAbstractButton*>())
+        b->installEventFilter(this);
+    connect(cboAction, &QComboBox::activated, this, [this](int index) { actionChosen(index); });
+    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
+        // A "*" is the scanner's call, which has no screen of its own yet: it never stays.
+        if (text.contains(QLatin1Char('*'))) {
+            const QSignalBlocker block(txtBillNo);
+            txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
+            return;
+        }
+        // The fifth character typed loads the bill, as leaving the field does.
+        if (text.size() == 5 && txtBillNo->hasFocus() && !m_inLeave && !m_loaded) {
+            m_inLeave = true;
+            billNoLeft();
+            m_inLeave = false;
+        }
+    });
+    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
+    connect(cmdPrintScreen, &QPushButton::clicked, this,
+            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
+    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(CmdQuery, &QPushButton::clicked, this, openQuery);
 }

@@ -147,6 +147,13 @@ protected:
     // the reason row and the buttons.
     void layOutScreen(QLayout* top, QWidget* billFrame, QWidget* adjustFor, QWidget* amounts);
 
+    // The buttons watched for a refused click; the action list, the bill number (a "*" of the
+    // scanner dropped, the fifth character loading the bill) and the buttons connected; the
+    // query button opens the screen's own query.
+    void connectCommon(const std::function<void()>& openQuery);
+    // Accept: the checks and the write; false when nothing was written.
+    virtual bool accept() = 0;
+
     void actionChosen(int action);
     void billNoLeft();
     // Payment Info: the bill's payments, or the message that there are none.

@@ -12,10 +12,7 @@
 #include "desk/realestate/query_handover.h"
 #include "desk/realestate/query_tc.h"
 #include "desk/realestate/receive_payment.h"
-#include "reports/print_output.h"
-#include "reports/print_screen.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -344,36 +341,12 @@ void frmREAdjustTaxBill::buildScreen() {
         w->installEventFilter(this);
     for (QLineEdit* f : faceFields())
         f->installEventFilter(this);
-    for (QAbstractButton* b : findChildren<QAbstractButton*>())
-        b->installEventFilter(this);
-
-    connect(cboAction, &QComboBox::activated, this, [this](int index) { actionChosen(index); });
-    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
-        // A "*" is the scanner's call, which has no screen of its own yet: it never stays.
-        if (text.contains(QLatin1Char('*'))) {
-            const QSignalBlocker block(txtBillNo);
-            txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
-            return;
-        }
-        // The fifth character typed loads the bill, as leaving the field does.
-        if (text.size() == 5 && txtBillNo->hasFocus() && !m_inLeave && !m_loaded) {
-            m_inLeave = true;
-            billNoLeft();
-            m_inLeave = false;
-        }
-    });
     connect(chkHFFlag, &QCheckBox::clicked, this, [this] { hfFlagClicked(); });
     for (QCheckBox* box : bodyBoxes())
         connect(box, &QCheckBox::clicked, this, [this] { enableAmountFields(); });
     connect(chkInstallments, &QCheckBox::clicked, this, [this] { calculateInstallments(); });
     connect(cmdCalculate, &QPushButton::clicked, this, [this] { calculateInstallments(); });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
-    connect(CmdQuery, &QPushButton::clicked, this, [] {
+    connectCommon([] {
         ShowScreenNamed(QStringLiteral("frmREQueryTC"),
                         [] { return static_cast<QWidget*>(new frmREQueryTC); });
     });

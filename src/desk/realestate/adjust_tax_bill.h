@@ -135,7 +135,7 @@ private:
     void enableAmountFields();
     void zipCodeLeft();
 
-    bool accept();
+    bool accept() override;
     bool acceptChecks();
     RealEstateBillImage imageOnScreen() const;
 
