@@ -13,16 +13,13 @@
 #include "desk/realestate/adjust_common.h"
 #include "desk/realestate/receive_payment.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
@@ -484,35 +481,16 @@ void frmPCAdjustTaxBill::enableAmountFields() {
 // Field leave and computing
 // ---------------------------------------------------------------------------------------------
 
-bool frmPCAdjustTaxBill::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    if (!IsFieldLeave(event) || m_clearing || m_inLeave ||
-        session().QueryOpenedScreen.contains(objectName()))
-        return QWidget::eventFilter(watched, event);
-    auto* field = qobject_cast<QLineEdit*>(watched);
-    if (!field || !field->isEnabled())
-        return QWidget::eventFilter(watched, event);
-    QPointer<QWidget> target = QApplication::focusWidget();
-    // A press on a button that takes no focus (Exit, Clear Screen, Query, Print Screen, Payment
-    // Info) is no leave, nor is a screen closing.
-    if (!target || target == field || target->isAncestorOf(field) || !isAncestorOf(target))
-        return QWidget::eventFilter(watched, event);
-    m_inLeave = true;
+bool frmPCAdjustTaxBill::fieldLeft(QLineEdit* field, QWidget* target) {
     bool refused = false;
     const auto faces = faceFields();
-    if (field == txtBillNo)
-        billNoLeft();
-    else if (field == txtOccuValue)
+    if (field == txtOccuValue)
         refused = !occuValueLeft();
     else if (std::find(faces.begin(), faces.end(), field) != faces.end())
         refused = target != cmdAccept && !faceLeft(field);
     else if (field == txtZipCode)
         refused = !ZipCodeLookup(txtZipCode, cboCity, cboState);
-    m_inLeave = false;
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
+    return refused;
 }
 
 bool frmPCAdjustTaxBill::occuValueLeft() {

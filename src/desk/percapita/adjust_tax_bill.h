@@ -67,7 +67,7 @@ public:
     QLineEdit* txtTotal = nullptr;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool fieldLeft(QLineEdit* field, QWidget* target) override;
 
 private:
     void buildScreen();

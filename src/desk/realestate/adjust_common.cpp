@@ -11,12 +11,15 @@
 #include "reports/print_screen.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
@@ -460,4 +463,32 @@ void AdjustTaxBillScreen::connectCommon(const std::function<void()>& openQuery) 
     connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
     connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
     connect(CmdQuery, &QPushButton::clicked, this, openQuery);
+}
+
+bool AdjustTaxBillScreen::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease)
+        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
+    if (!IsFieldLeave(event) || m_clearing || m_inLeave ||
+        session().QueryOpenedScreen.contains(objectName()))
+        return QWidget::eventFilter(watched, event);
+    auto* field = qobject_cast<QLineEdit*>(watched);
+    if (!field || !field->isEnabled())
+        return QWidget::eventFilter(watched, event);
+    QPointer<QWidget> target = QApplication::focusWidget();
+    // Only a move to another widget of this screen leaves the field. A press on a button that
+    // takes no focus (Exit, Clear Screen, Query, Print Screen, Payment Info) passes the focus
+    // through the screen's own window and back, and a screen closing gives it to the main
+    // window: neither checks the field or computes.
+    if (!target || target == field || target->isAncestorOf(field) || !isAncestorOf(target))
+        return QWidget::eventFilter(watched, event);
+    m_inLeave = true;
+    bool refused = false;
+    if (field == txtBillNo)
+        billNoLeft();
+    else
+        refused = fieldLeft(field, target);
+    m_inLeave = false;
+    if (refused)
+        MarkRefusedClick(this, target, event);
+    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }

@@ -122,6 +122,13 @@ Q_SIGNALS:
     void billSaved(const QString& billNo);
 
 protected:
+    // Leaving a field of the screen for another widget of it: the bill number loads the bill,
+    // any other goes to fieldLeft; a refused field keeps the focus and the click is dropped.
+    // While a query hands a bill over, the fields' own checks stand down.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    // A field other than the bill number left for target; true when it was refused.
+    virtual bool fieldLeft(QLineEdit* field, QWidget* target) = 0;
+
     // Clear Screen: no bill, no action, every field empty and shut, the visible bodies ticked;
     // the action list open and focused.
     void clearScreen();

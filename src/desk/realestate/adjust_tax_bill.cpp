@@ -13,16 +13,13 @@
 #include "desk/realestate/query_tc.h"
 #include "desk/realestate/receive_payment.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
@@ -636,33 +633,13 @@ void frmREAdjustTaxBill::enableAmountFields() {
 // Field leave
 // ---------------------------------------------------------------------------------------------
 
-bool frmREAdjustTaxBill::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    // While a query hands a bill over, the fields' own checks stand down.
-    if (!IsFieldLeave(event) || m_clearing || m_inLeave ||
-        session().QueryOpenedScreen.contains(objectName()))
-        return QWidget::eventFilter(watched, event);
-    auto* field = qobject_cast<QLineEdit*>(watched);
-    if (!field || !field->isEnabled())
-        return QWidget::eventFilter(watched, event);
-
-    QPointer<QWidget> target = QApplication::focusWidget();
-    // Only a move to another widget of this screen leaves the field. A press on a button that
-    // takes no focus (Exit, Clear Screen, Query, Print Screen, Payment Info) passes the focus
-    // through the screen's own window and back, and a screen closing gives it to the main
-    // window: neither checks the field or computes.
-    if (!target || target == field || target->isAncestorOf(field) || !isAncestorOf(target))
-        return QWidget::eventFilter(watched, event);
+bool frmREAdjustTaxBill::fieldLeft(QLineEdit* field, QWidget* target) {
     // Accept checks the faces itself; a value typed last into an assessment still counts.
     const bool toAccept = target == cmdAccept;
-    m_inLeave = true;
     bool refused = false;
     const auto faces = faceFields();
     const auto payments = paymentFields();
-    if (field == txtBillNo) {
-        billNoLeft();
-    } else if (field == txtAssLand) {
+    if (field == txtAssLand) {
         refused = !assessmentLeft(field, "Assessed land must be numeric");
     } else if (field == txtAssImpr) {
         refused = !assessmentLeft(field, "Assessed improvements must be numeric");
@@ -681,10 +658,7 @@ bool frmREAdjustTaxBill::eventFilter(QObject* watched, QEvent* event) {
     } else if (field == txtZipCode) {
         zipCodeLeft();
     }
-    m_inLeave = false;
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
+    return refused;
 }
 
 bool frmREAdjustTaxBill::assessmentLeft(QLineEdit* field, const char* message) {

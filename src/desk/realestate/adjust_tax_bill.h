@@ -94,7 +94,7 @@ public:
     QLineEdit* txtHPenalty = nullptr;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool fieldLeft(QLineEdit* field, QWidget* target) override;
 
 private:
     void buildScreen();
