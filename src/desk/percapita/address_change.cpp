@@ -6,32 +6,24 @@
 #include "core/field_leave.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
-#include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "desk/percapita/pc_handover.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/chain_writes.h"
-#include "desk/realestate/receive_payment.h"
-#include "reports/print_output.h"
-#include "reports/print_screen.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -76,30 +68,15 @@ bool RecordPerCapitaAddressChange(QSqlDatabase db, const PerCapitaAddressRecord&
     return AppendAddressChange(db, PerCapitaChain, c.billNo, row, error);
 }
 
-frmPCAddressChange::frmPCAddressChange(QWidget* parent) : QWidget(parent) {
+frmPCAddressChange::frmPCAddressChange(QWidget* parent)
+    : AddressChangeScreen(PerCapitaChain, parent) {
     setObjectName(QStringLiteral("frmPCAddressChange"));
-    setWindowTitle(QStringLiteral("Change Taxpayer Address"));
     buildScreen();
-    QSqlQuery q(session().DbConnection);
-    if (q.exec(QStringLiteral("SELECT State FROM tbl_States")))
-        while (q.next()) {
-            const QString state = TextField(q.value(0));
-            cboNewState->addItem(state);
-            cboState->addItem(state);
-        }
-    clearScreen();
-    txtBillNo->setEnabled(false);
-    txtControl->setEnabled(false);
-    session().LastScreenName = objectName();
+    startScreen();
 }
 
 void frmPCAddressChange::buildScreen() {
-    optBillNo = new QRadioButton(QStringLiteral("&Bill #"), this);
-    optBillNo->setObjectName(QStringLiteral("optBillNo"));
-    optControl = new QRadioButton(QStringLiteral("C&ontrol #"), this);
-    optControl->setObjectName(QStringLiteral("optControl"));
-    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
-    txtControl = NamedField(this, QStringLiteral("txtControl"), 6);
+    buildSearch();
     UpperCaseTyping(txtBillNo);
     UpperCaseTyping(txtControl);
 
@@ -152,12 +129,7 @@ void frmPCAddressChange::buildScreen() {
     txtNewZipCode = typed("txtNewZipCode", 5);
     txtNewZipCode2 = typed("txtNewZipCode2", 4);
     txtReason = typed("txtReason", 50);
-    chkPrintBill = new QCheckBox(QStringLiteral("Print A New Tax Bill"), fraNewAddress);
-    chkPrintBill->setObjectName(QStringLiteral("chkPrintBill"));
-    chkReportable = new QCheckBox(QStringLiteral("Reportable to Assessment"), fraNewAddress);
-    chkReportable->setObjectName(QStringLiteral("chkReportable"));
-    chkUSPS = new QCheckBox(QStringLiteral("USPS Address Change"), fraNewAddress);
-    chkUSPS->setObjectName(QStringLiteral("chkUSPS"));
+    buildChecks();
 
     struct Frame {
         QWidget *name, *printName, *prefix, *fName, *mName, *lName, *suffix, *relationship, *addr1,
@@ -207,15 +179,7 @@ void frmPCAddressChange::buildScreen() {
     newGrid->addWidget(chkReportable, 15, 1);
     newGrid->addWidget(chkUSPS, 16, 1);
 
-    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("Accept Data"));
-    cmdClearAddress = NamedButton(this, QStringLiteral("cmdClearAddress"),
-                                  QStringLiteral("Clear A&ddress"), false);
-    cmdClearScreen =
-        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("Clea&r Screen"), false);
-    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
-    cmdPrintScreen =
-        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+    buildButtons();
 
     auto* search = new QHBoxLayout;
     search->addWidget(optBillNo);
@@ -223,18 +187,7 @@ void frmPCAddressChange::buildScreen() {
     search->addWidget(optControl);
     search->addWidget(txtControl);
     search->addStretch();
-    auto* frames = new QHBoxLayout;
-    frames->addWidget(fraAddress);
-    frames->addWidget(fraNewAddress);
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdClearAddress, cmdClearScreen, CmdQuery, cmdPrintScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(search);
-    layout->addLayout(frames);
-    layout->addLayout(buttons);
+    layOutScreen(search);
 
     QWidget* order[] = {optBillNo,        txtBillNo,          optControl,   txtControl,
                         txtNewPrefix,     txtNewFName,        txtNewMName,  txtNewLName,
@@ -250,137 +203,36 @@ void frmPCAddressChange::buildScreen() {
         w->installEventFilter(this);
     cmdAccept->installEventFilter(this);
     UpperCaseTyping(cboNewState->lineEdit());
-    for (QLineEdit* field : {txtBillNo, txtControl})
-        connect(field, &QLineEdit::textChanged, this, [field](const QString& text) {
-            // A "*" alone is the scanner's call; it never stays in the field.
-            if (text == QLatin1String("*")) {
-                const QSignalBlocker block(field);
-                field->clear();
-            }
-        });
     for (QLineEdit* part : {txtNewPrefix, txtNewFName, txtNewMName, txtNewLName, txtNewSuffix,
                             txtNewStreetNumber, txtNewStreetName})
         connect(part, &QLineEdit::textChanged, this, [this] { buildNewNames(); });
-    connect(optBillNo, &QRadioButton::clicked, this, [this] { chooseSearch(true); });
-    connect(optControl, &QRadioButton::clicked, this, [this] { chooseSearch(false); });
-    connect(chkUSPS, &QCheckBox::clicked, this,
-            [this](bool ticked) { ApplyUspsTick(ticked, chkReportable, txtReason); });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdClearAddress, &QPushButton::clicked, this, [this] { clearAddress(); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(CmdQuery, &QPushButton::clicked, this, [] { ShowPerCapitaQueryList(); });
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connectCommon([] { ShowPerCapitaQueryList(); });
 }
 
-bool frmPCAddressChange::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    if (!IsFieldLeave(event) || m_inLeave || m_clearing)
-        return QWidget::eventFilter(watched, event);
-    QPointer<QWidget> target = QApplication::focusWidget();
-    QPointer<frmPCAddressChange> self(this);
-    m_inLeave = true;
-    bool refused = false;
-    if (watched == txtBillNo)
-        searchLeft(true);
-    else if (watched == txtControl)
-        searchLeft(false);
-    else if (m_loaded)
-        refused = !checkField(qobject_cast<QWidget*>(watched));
-    if (!self)
-        return true;
-    m_inLeave = false;
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
+void frmPCAddressChange::showAddress(const QSqlRecord& r) {
+    auto text = [&r](const char* name) { return TextField(r.value(name)); };
+    const std::pair<QLineEdit*, const char*> fields[] = {{txtName, "Name"},
+                                                         {txtPrefix, "Prefix"},
+                                                         {txtFName, "FName"},
+                                                         {txtMName, "MName"},
+                                                         {txtLName, "LName"},
+                                                         {txtSuffix, "Suffix"},
+                                                         {txtRelationship, "Relationship"},
+                                                         {txtAddr1, "Addr1"},
+                                                         {txtStreetNumber, "StreetNumber"},
+                                                         {txtStreetName, "StreetName"},
+                                                         {txtAddr2, "Addr2"},
+                                                         {txtZipCode, "ZipCode"},
+                                                         {txtZipCode2, "ZipCode2"}};
+    for (const auto& [field, name] : fields)
+        field->setText(text(name));
+    txtPrintName->setText(BuildPrintName({txtPrefix->text(), txtFName->text(), txtMName->text(),
+                                          txtLName->text(), txtSuffix->text()}));
+    cboCity->setEditText(text("City"));
+    cboState->setEditText(text("State"));
 }
 
-AddressSearchFlow frmPCAddressChange::searchFlow() {
-    return {optBillNo,
-            optControl,
-            txtBillNo,
-            txtControl,
-            &m_loaded,
-            &m_inLeave,
-            [this] { clearScreen(); },
-            [this](const QString& column, const QString& key, bool byBill) {
-                loadBill(column, key, byBill);
-            }};
-}
-
-void frmPCAddressChange::chooseSearch(bool byBill) {
-    ChooseAddressSearch(searchFlow(), byBill);
-}
-
-void frmPCAddressChange::openFromQuery(const QString& billNo) {
-    OpenAddressFromQuery(searchFlow(), billNo);
-}
-
-void frmPCAddressChange::searchLeft(bool byBill) {
-    AddressSearchLeft(searchFlow(), byBill);
-}
-
-void frmPCAddressChange::loadBill(const QString& column, const QString& key, bool byBill) {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    q.prepare(
-        QStringLiteral("SELECT * FROM PCMaster WHERE %1 = ? ORDER BY rowid LIMIT 1").arg(column));
-    q.addBindValue(key);
-    if (!q.exec() || !q.next()) {
-        MsgBox(byBill ? QStringLiteral("Bill Number Not On File")
-                      : QStringLiteral("Control Number Not On File"),
-               QString::fromLatin1(ChangeAddressTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
-        return;
-    }
-    const QSqlRecord master = q.record();
-    auto text = [](const QSqlRecord& r, const char* name) { return TextField(r.value(name)); };
-    m_control = text(master, "Control");
-    m_billNo = text(master, "BillNo");
-    {
-        const QSignalBlocker b1(txtBillNo);
-        const QSignalBlocker b2(txtControl);
-        txtBillNo->setText(m_billNo);
-        txtControl->setText(m_control);
-    }
-    auto showAddress = [&](const QSqlRecord& r) {
-        const std::pair<QLineEdit*, const char*> fields[] = {{txtName, "Name"},
-                                                             {txtPrefix, "Prefix"},
-                                                             {txtFName, "FName"},
-                                                             {txtMName, "MName"},
-                                                             {txtLName, "LName"},
-                                                             {txtSuffix, "Suffix"},
-                                                             {txtRelationship, "Relationship"},
-                                                             {txtAddr1, "Addr1"},
-                                                             {txtStreetNumber, "StreetNumber"},
-                                                             {txtStreetName, "StreetName"},
-                                                             {txtAddr2, "Addr2"},
-                                                             {txtZipCode, "ZipCode"},
-                                                             {txtZipCode2, "ZipCode2"}};
-        for (const auto& [field, name] : fields)
-            field->setText(text(r, name));
-        txtPrintName->setText(BuildPrintName({txtPrefix->text(), txtFName->text(), txtMName->text(),
-                                              txtLName->text(), txtSuffix->text()}));
-        cboCity->setEditText(text(r, "City"));
-        cboState->setEditText(text(r, "State"));
-    };
-    showAddress(master);
-    txtOldReason->clear();
-    txtADate->clear();
-    if (!ReplayAddressHistory(
-            db, PerCapitaChain, master,
-            [&](const QSqlRecord& change) {
-                showAddress(change);
-                txtOldReason->setText(text(change, "Reason"));
-                txtADate->setText(FormatDate(DateField(change.value("ADate"))));
-            },
-            &m_nextAddrId)) {
-        CloseScreen(this);
-        return;
-    }
-
+void frmPCAddressChange::copyToNewFrame() {
     // The new frame starts as a copy of the old one; its names are built from the parts copied.
     const std::pair<QLineEdit*, QLineEdit*> copies[] = {
         {txtPrefix, txtNewPrefix},         {txtFName, txtNewFName},
@@ -400,17 +252,10 @@ void frmPCAddressChange::loadBill(const QString& column, const QString& key, boo
     cboNewCity->clear();
     cboNewCity->setEditText(cboCity->currentText());
     cboNewState->setEditText(cboState->currentText());
-    txtReason->clear();
-    m_loaded = true;
-    txtBillNo->setEnabled(false);
-    txtControl->setEnabled(false);
-    fraNewAddress->setEnabled(true);
-    chkPrintBill->setEnabled(true);
-    chkReportable->setEnabled(true);
-    chkUSPS->setEnabled(true);
-    cmdAccept->setEnabled(true);
-    CmdQuery->setEnabled(true);
-    txtNewPrefix->setFocus(Qt::OtherFocusReason);
+}
+
+QWidget* frmPCAddressChange::firstNewField() const {
+    return txtNewPrefix;
 }
 
 void frmPCAddressChange::buildNewNames() {
@@ -425,7 +270,7 @@ void frmPCAddressChange::buildNewNames() {
 
 // A ZIP code that passed its checks offers its cities from tbl_ZipCodes; a code not listed
 // there is kept as typed.
-void frmPCAddressChange::zipLookUp() {
+void frmPCAddressChange::zipCodePassed() {
     QSqlQuery q(session().DbConnection);
     q.prepare(QStringLiteral("SELECT City, State FROM tbl_ZipCodes WHERE ZipCode = ?"));
     q.addBindValue(txtNewZipCode->text().trimmed());
@@ -450,27 +295,10 @@ void frmPCAddressChange::zipLookUp() {
     }
 }
 
-bool frmPCAddressChange::checkField(QWidget* field) {
-    FieldRefusal refusal;
-    if (field == cboNewCity) {
-        if (cboNewCity->currentText().trimmed().isEmpty())
-            refusal = {QStringLiteral("City Must Be Specified"), QStringLiteral("Enter City")};
-    } else if (field == cboNewState) {
-        return CheckStateBox(cboNewState);
-    } else if (field == txtNewZipCode) {
-        refusal = CheckNewZipCode(txtNewZipCode->text());
-        if (!refusal.refused())
-            zipLookUp();
-    } else if (field == txtNewZipCode2) {
-        refusal = CheckNewZipCode2(txtNewZipCode2->text());
-    }
-    if (!refusal.refused())
-        return true;
-    MsgBox(refusal.text, refusal.title, MsgButtons::Ok, MsgIcon::Exclamation);
-    field->setFocus(Qt::OtherFocusReason);
-    if (auto* line = qobject_cast<QLineEdit*>(field))
-        line->selectAll();
-    return false;
+FieldRefusal frmPCAddressChange::checkOwnField(QWidget* field) {
+    if (field == cboNewCity && cboNewCity->currentText().trimmed().isEmpty())
+        return {QStringLiteral("City Must Be Specified"), QStringLiteral("Enter City")};
+    return {};
 }
 
 void frmPCAddressChange::clearAddress() {
@@ -482,34 +310,22 @@ void frmPCAddressChange::clearAddress() {
     cboNewState->setEditText(QString());
 }
 
-void frmPCAddressChange::accept() {
-    if (!m_loaded)
-        return;
-    m_inLeave = true;
-    // 1. The name is built and never left, so it is tested here.
+bool frmPCAddressChange::checkBeforeReason() {
+    // The name is built and never left, so it is tested here.
     if (txtNewName->text().trimmed().isEmpty()) {
         MsgBox(QStringLiteral("Name Must Be Specified"), QStringLiteral("Enter Name"),
                MsgButtons::Ok, MsgIcon::Exclamation);
         txtNewPrefix->setFocus(Qt::OtherFocusReason);
-        m_inLeave = false;
-        return;
+        return false;
     }
-    // A field left by the pointer on another button has not been checked yet.
     for (QWidget* field :
          std::initializer_list<QWidget*>{cboNewCity, cboNewState, txtNewZipCode, txtNewZipCode2})
-        if (!checkField(field)) {
-            m_inLeave = false;
-            return;
-        }
-    // 2.
-    if (txtReason->text().trimmed().isEmpty()) {
-        MsgBox(QStringLiteral("Reason must be specified"), QStringLiteral("Enter Reason"),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtReason->setFocus(Qt::OtherFocusReason);
-        m_inLeave = false;
-        return;
-    }
-    // 3. and 4.
+        if (!checkField(field))
+            return false;
+    return true;
+}
+
+bool frmPCAddressChange::writeChange(QString* error) {
     // A part is stored trimmed; an empty one as one blank, as the duplicate holds it.
     auto part = [](const QLineEdit* field) {
         const QString text = field->text().trimmed();
@@ -538,49 +354,15 @@ void frmPCAddressChange::accept() {
     c.aDate = Clock::today();
     c.reportable = chkReportable->isChecked();
     c.usps = chkUSPS->isChecked();
-    QString error;
-    const bool written = RecordPerCapitaAddressChange(session().DbConnection, c, &error);
-    m_inLeave = false;
-    if (!written) {
-        MsgBox(QStringLiteral("The address change could not be saved: ") + error,
-               QString::fromLatin1(ChangeAddressTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    Q_EMIT addressChanged(c.billNo);
-    // 5.
-    MsgBox(QStringLiteral("Address Changed."), QString::fromLatin1(ChangeAddressTitle),
-           MsgButtons::Ok, MsgIcon::Information);
-    // 6. and 7.
-    const bool printBill = chkPrintBill->isChecked();
-    clearScreen();
-    if (printBill)
-        OpenPCPrintTaxBillsFor(c.billNo);
+    return RecordPerCapitaAddressChange(session().DbConnection, c, error);
 }
 
-void frmPCAddressChange::clearScreen() {
-    m_clearing = true;
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        const QSignalBlocker block(field);
-        field->clear();
-    }
-    for (QComboBox* box : {cboCity, cboState, cboNewCity, cboNewState})
-        box->setEditText(QString());
+void frmPCAddressChange::printBill(const QString& billNo) {
+    OpenPCPrintTaxBillsFor(billNo);
+}
+
+void frmPCAddressChange::clearOwnBoxes() {
+    cboCity->setEditText(QString());
+    cboNewCity->setEditText(QString());
     cboNewCity->clear();
-    for (QCheckBox* box : {chkPrintBill, chkReportable, chkUSPS})
-        box->setChecked(false);
-    m_loaded = false;
-    m_control.clear();
-    m_billNo.clear();
-    m_nextAddrId = 1;
-    fraNewAddress->setEnabled(false);
-    cmdAccept->setEnabled(false);
-    const bool byBill = optBillNo->isChecked();
-    const bool byControl = optControl->isChecked();
-    txtBillNo->setEnabled(byBill);
-    txtControl->setEnabled(byControl);
-    if (byBill)
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-    else if (byControl)
-        txtControl->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
 }

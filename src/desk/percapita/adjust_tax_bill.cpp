@@ -12,20 +12,14 @@
 #include "desk/percapita/person_name.h"
 #include "desk/realestate/adjust_common.h"
 #include "desk/realestate/receive_payment.h"
-#include "reports/print_output.h"
-#include "reports/print_screen.h"
 
-#include <QAbstractButton>
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
@@ -94,7 +88,8 @@ QCheckBox* newCheck(QWidget* parent, const char* name, const char* caption) {
 
 } // namespace
 
-frmPCAdjustTaxBill::frmPCAdjustTaxBill(QWidget* parent) : QWidget(parent) {
+frmPCAdjustTaxBill::frmPCAdjustTaxBill(QWidget* parent)
+    : AdjustTaxBillScreen(Duplicate::PerCapita, parent) {
     setObjectName(QStringLiteral("frmPCAdjustTaxBill"));
     setWindowTitle(title());
     buildScreen();
@@ -230,40 +225,8 @@ void frmPCAdjustTaxBill::buildScreen() {
         g->addWidget(txtTotal, 3, 5);
     }
 
-    txtReason = NamedField(this, QStringLiteral("txtReason"), 30);
-    chkPrintBill = newCheck(this, "chkPrintBill", "Print A New Tax Bill");
-    chkReportable = newCheck(this, "chkReportable", "Reportable");
-    chkUSPS = newCheck(this, "chkUSPS", "USPS");
-    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&ACCEPT"));
-    cmdPaymentInfo =
-        NamedButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"), false);
-    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
-    cmdPrintScreen =
-        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
-    cmdClearScreen =
-        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"), false);
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
-
-    auto* reasonRow = new QHBoxLayout;
-    reasonRow->addWidget(new QLabel(QStringLiteral("Reason:"), this));
-    reasonRow->addWidget(txtReason, 1);
-    reasonRow->addWidget(chkPrintBill);
-    reasonRow->addWidget(chkReportable);
-    reasonRow->addWidget(chkUSPS);
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdPaymentInfo, CmdQuery, cmdPrintScreen, cmdClearScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-    auto* middle = new QGridLayout;
-    middle->addWidget(fraPerson, 0, 0, 2, 1);
-    middle->addWidget(fraAdjustFor, 0, 1);
-    middle->addWidget(fraAmounts, 1, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addLayout(middle);
-    layout->addLayout(reasonRow);
-    layout->addLayout(buttons);
+    buildFoot();
+    layOutScreen(top, fraPerson, fraAdjustFor, fraAmounts);
 
     QWidget* order[] = {cboAction,       txtBillNo,     txtControl,      txtPrefix,
                         txtFName,        txtMName,      txtLName,        txtSuffix,
@@ -280,23 +243,6 @@ void frmPCAdjustTaxBill::buildScreen() {
         w->installEventFilter(this);
     for (QLineEdit* f : faceFields())
         f->installEventFilter(this);
-    for (QAbstractButton* b : findChildren<QAbstractButton*>())
-        b->installEventFilter(this);
-
-    connect(cboAction, &QComboBox::activated, this, [this](int index) { actionChosen(index); });
-    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
-        // A "*" is the scanner's call; it never stays in the field.
-        if (text.contains(QLatin1Char('*'))) {
-            const QSignalBlocker block(txtBillNo);
-            txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
-            return;
-        }
-        if (text.size() == 5 && txtBillNo->hasFocus() && !m_inLeave && !m_loaded) {
-            m_inLeave = true;
-            billNoLeft();
-            m_inLeave = false;
-        }
-    });
     for (QLineEdit* part :
          {txtPrefix, txtFName, txtMName, txtLName, txtSuffix, txtStreetNumber, txtStreetName})
         connect(part, &QLineEdit::textChanged, this, [this] { buildNames(); });
@@ -315,33 +261,14 @@ void frmPCAdjustTaxBill::buildScreen() {
                 computeFromRates();
             }
         });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
-    connect(CmdQuery, &QPushButton::clicked, this, [] { ShowPerCapitaQueryList(); });
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connectCommon([] { ShowPerCapitaQueryList(); });
 }
 
 void frmPCAdjustTaxBill::loadRates() {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        m_district = TextField(q.value(0));
-        m_ward = TextField(q.value(1));
-    }
     QSqlRecord countyRow;
     QSqlRecord municipalRow;
-    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
-        countyRow = q.record();
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(m_district + m_ward);
-    if (q.exec() && q.next())
-        municipalRow = q.record();
-    m_taxYear = TextField(countyRow.value("TaxYear")).trimmed();
-    if (m_taxYear.isEmpty())
-        m_taxYear = session().TaxYear;
+    readDistrict(&countyRow, &municipalRow);
+    QSqlQuery q(session().DbConnection);
     QString schoolName;
     q.prepare(QStringLiteral(
         "SELECT BTFlag, SchoolName FROM tbl_Twpboro WHERE District = ? AND Ward = ?"));
@@ -379,117 +306,18 @@ void frmPCAdjustTaxBill::loadRates() {
 // Clear Screen, the action and loading
 // ---------------------------------------------------------------------------------------------
 
-void frmPCAdjustTaxBill::clearScreen() {
-    m_clearing = true;
-    m_loaded = false;
-    m_action = NoAction;
-    m_billNo.clear();
-    m_flags = BillPayFlags();
-    m_nextAdjNo = 1;
+void frmPCAdjustTaxBill::clearOwn() {
     m_held = PerCapitaBillAmounts();
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        if (qobject_cast<QComboBox*>(field->parentWidget()))
-            continue;
-        const QSignalBlocker block(field);
-        field->clear();
-        field->setEnabled(false);
-    }
-    for (QComboBox* combo : {cboCity, cboState, cboOccuCode}) {
-        combo->setCurrentIndex(-1);
-        if (combo->isEditable())
-            combo->setEditText(QString());
-        combo->setEnabled(false);
-    }
+    clearBoxes({cboCity, cboState, cboOccuCode});
     cboCity->clear();
-    for (QCheckBox* box : findChildren<QCheckBox*>()) {
-        box->setChecked(false);
-        box->setEnabled(false);
-    }
-    const auto boxes = bodyBoxes();
-    for (int b = 0; b < 3; ++b)
-        boxes[std::size_t(b)]->setChecked(m_bodyVisible[std::size_t(b)]);
-    for (QPushButton* b : {cmdAccept, cmdPaymentInfo})
-        b->setEnabled(false);
-    cboAction->setEnabled(true);
-    cboAction->setCurrentIndex(-1);
-    txtBillNo->setEnabled(true);
-    cboAction->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
 }
 
-void frmPCAdjustTaxBill::openFromQuery(const QString& billNo) {
-    clearScreen();
-    const QSignalBlocker block(txtBillNo);
-    txtBillNo->setText(billNo);
-    cboAction->setFocus(Qt::OtherFocusReason);
+QString frmPCAdjustTaxBill::paymentInfoText(const QString& billNo) const {
+    return PerCapitaPaymentInfoText(m_flags, m_btFlag,
+                                    ReadPerCapitaReceipts(session().DbConnection, billNo));
 }
 
-AdjustActionFlow frmPCAdjustTaxBill::actionFlow() {
-    return {cboAction,
-            txtBillNo,
-            &m_action,
-            &m_loaded,
-            &m_inLeave,
-            [this] { startAddition(); },
-            [this] { loadBill(); }};
-}
-
-void frmPCAdjustTaxBill::setAction(int action) {
-    SetAdjustAction(actionFlow(), action);
-}
-
-void frmPCAdjustTaxBill::actionChosen(int action) {
-    AdjustActionChosen(actionFlow(), action);
-}
-
-void frmPCAdjustTaxBill::billNoLeft() {
-    AdjustBillNoLeft(actionFlow());
-}
-
-void frmPCAdjustTaxBill::loadBill() {
-    const QString billNo = PadBillNo(txtBillNo->text());
-    {
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(billNo);
-    }
-    BillHistory history;
-    const BillNow bill =
-        ReadBillAsItStands(session().DbConnection, Duplicate::PerCapita, billNo, &history);
-    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
-        MsgBox(QStringLiteral("Bill Number Not On File"), title());
-        clearScreen();
-        return;
-    }
-    m_billNo = billNo;
-    m_flags = BillPayFlagsFromRecord(history.master);
-    if (!ReplayAdjustHistory(
-            bill, history, [this](const QSqlRecord& row) { showImage(row); },
-            [this](const QSqlRecord& row) { showAddress(row); }, &m_nextAdjNo)) {
-        CloseScreen(this);
-        return;
-    }
-    session().PaymentInfoText = PerCapitaPaymentInfoText(
-        m_flags, m_btFlag, ReadPerCapitaReceipts(session().DbConnection, billNo));
-    if (!session().PaymentInfoText.isEmpty())
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
-
-    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
-    if (m_action != Unexonerate) {
-        if (RefuseSettledBill(m_bodyVisible, {bodySettled(0), bodySettled(1), bodySettled(2)},
-                              flags)) {
-            clearScreen();
-            return;
-        }
-    } else if (RefuseNotExonerated(m_bodyVisible, flags)) {
-        clearScreen();
-        return;
-    }
-
-    m_loaded = true;
-    cboAction->setEnabled(false);
-    txtBillNo->setEnabled(false);
-    cmdPaymentInfo->setEnabled(true);
-    cmdAccept->setEnabled(true);
+void frmPCAdjustTaxBill::billLoaded() {
     const auto boxes = bodyBoxes();
     if (m_action == Exonerate || m_action == Unexonerate) {
         if (!(m_action == Exonerate ? AskExonerate() : AskUnexonerate())) {
@@ -653,35 +481,16 @@ void frmPCAdjustTaxBill::enableAmountFields() {
 // Field leave and computing
 // ---------------------------------------------------------------------------------------------
 
-bool frmPCAdjustTaxBill::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    if (!IsFieldLeave(event) || m_clearing || m_inLeave ||
-        session().QueryOpenedScreen.contains(objectName()))
-        return QWidget::eventFilter(watched, event);
-    auto* field = qobject_cast<QLineEdit*>(watched);
-    if (!field || !field->isEnabled())
-        return QWidget::eventFilter(watched, event);
-    QPointer<QWidget> target = QApplication::focusWidget();
-    // A press on a button that takes no focus (Exit, Clear Screen, Query, Print Screen, Payment
-    // Info) is no leave, nor is a screen closing.
-    if (!target || target == field || target->isAncestorOf(field) || !isAncestorOf(target))
-        return QWidget::eventFilter(watched, event);
-    m_inLeave = true;
+bool frmPCAdjustTaxBill::fieldLeft(QLineEdit* field, QWidget* target) {
     bool refused = false;
     const auto faces = faceFields();
-    if (field == txtBillNo)
-        billNoLeft();
-    else if (field == txtOccuValue)
+    if (field == txtOccuValue)
         refused = !occuValueLeft();
     else if (std::find(faces.begin(), faces.end(), field) != faces.end())
         refused = target != cmdAccept && !faceLeft(field);
     else if (field == txtZipCode)
         refused = !ZipCodeLookup(txtZipCode, cboCity, cboState);
-    m_inLeave = false;
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
+    return refused;
 }
 
 bool frmPCAdjustTaxBill::occuValueLeft() {
@@ -888,11 +697,4 @@ bool frmPCAdjustTaxBill::accept() {
     if (printBill)
         OpenPCPrintTaxBillsFor(billNo);
     return true;
-}
-
-void frmPCAdjustTaxBill::showPaymentInfo() {
-    ShowAdjustPaymentInfo(
-        m_loaded ? PerCapitaPaymentInfoText(m_flags, m_btFlag,
-                                            ReadPerCapitaReceipts(session().DbConnection, m_billNo))
-                 : QString());
 }

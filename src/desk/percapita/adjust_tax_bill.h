@@ -6,6 +6,7 @@
 
 #include "core/tax_database.h"
 #include "desk/percapita/adjust_writes.h"
+#include "desk/realestate/adjust_common.h"
 #include "desk/realestate/payment_rules.h"
 
 #include <QSqlRecord>
@@ -20,21 +21,11 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-class frmPCAdjustTaxBill : public QWidget {
+class frmPCAdjustTaxBill : public AdjustTaxBillScreen {
     Q_OBJECT
 public:
     explicit frmPCAdjustTaxBill(QWidget* parent = nullptr);
 
-    // A query screen hands a bill over: the screen is cleared, the number stands in the bill
-    // field, and the bill loads once "Adjust An Existing Tax Bill" is chosen.
-    void openFromQuery(const QString& billNo);
-
-    // The positions of cboAction; only the first two are listed.
-    enum Action { NoAction = -1, AdjustBill = 0, AddBill = 1, Exonerate = 2, Unexonerate = 3 };
-    void setAction(int action);
-
-    QComboBox* cboAction = nullptr;
-    QLineEdit* txtBillNo = nullptr;
     QLineEdit* txtAdjNo = nullptr;
     QLabel* lblTaxKind = nullptr; // "TWP P/C", "BORO P/C", "CITY P/C"
 
@@ -75,38 +66,20 @@ public:
     QLineEdit* txtSTotal = nullptr;
     QLineEdit* txtTotal = nullptr;
 
-    QLineEdit* txtReason = nullptr;
-    QCheckBox* chkPrintBill = nullptr;
-    QCheckBox* chkReportable = nullptr;
-    QCheckBox* chkUSPS = nullptr;
-
-    QPushButton* cmdAccept = nullptr;
-    QPushButton* cmdPaymentInfo = nullptr;
-    QPushButton* CmdQuery = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
-
-Q_SIGNALS:
-    // A bill was added, adjusted, exonerated or unexonerated.
-    void billSaved(const QString& billNo);
-
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool fieldLeft(QLineEdit* field, QWidget* target) override;
 
 private:
     void buildScreen();
     void loadRates();
-    void clearScreen();
-    struct AdjustActionFlow actionFlow();
-    void actionChosen(int action);
-    void billNoLeft();
-    void loadBill();
-    void showImage(const QSqlRecord& image);
-    void showAddress(const QSqlRecord& row);
-    bool bodySettled(int body) const;
+    void clearOwn() override;
+    void showImage(const QSqlRecord& image) override;
+    void showAddress(const QSqlRecord& row) override;
+    bool bodySettled(int body) const override;
+    QString paymentInfoText(const QString& billNo) const override;
+    void billLoaded() override;
     void openForAdjustment();
-    void startAddition();
+    void startAddition() override;
     void enableAmountFields();
     void buildNames();
 
@@ -114,7 +87,7 @@ private:
         return {txtCPerCapita,  txtCOccupation, txtTPerCapita,
                 txtTOccupation, txtSPerCapita,  txtSOccupation};
     }
-    std::array<QCheckBox*, 3> bodyBoxes() const { return {chkCounty, chkTwp, chkSchool}; }
+    std::array<QCheckBox*, 3> bodyBoxes() const override { return {chkCounty, chkTwp, chkSchool}; }
     BodyTicks ticked() const;
     bool occuValueLeft();
     bool faceLeft(QLineEdit* field);
@@ -123,24 +96,11 @@ private:
     void showAmounts();
     void showTotals();
 
-    bool accept();
+    bool accept() override;
     PerCapitaBillImage imageOnScreen() const;
-    void showPaymentInfo();
 
-    QString m_district;
-    QString m_ward;
-    QString m_taxYear;
-    QString m_btFlag;
     PerCapitaRates m_rates;
-    std::array<bool, 3> m_bodyVisible{};
 
-    int m_action = NoAction;
-    bool m_loaded = false;
-    QString m_billNo;
-    BillPayFlags m_flags;
-    int m_nextAdjNo = 1;
     PerCapitaBillAmounts m_held; // every line with its discount and penalty
     PerCapitaBillAmounts m_beforeExoneration;
-    bool m_inLeave = false;
-    bool m_clearing = false;
 };

@@ -163,43 +163,83 @@ void ApplyUspsTick(bool ticked, QCheckBox* reportable, QLineEdit* reason) {
     }
 }
 
-void ChooseAddressSearch(const AddressSearchFlow& flow, bool byBill) {
-    flow.txtBillNo->setEnabled(byBill);
-    flow.txtControl->setEnabled(!byBill);
-    if (!*flow.loaded)
-        (byBill ? flow.txtBillNo : flow.txtControl)->setFocus(Qt::OtherFocusReason);
-}
-
-void OpenAddressFromQuery(const AddressSearchFlow& flow, const QString& billNo) {
-    if (!flow.optBillNo->isChecked() && !flow.optControl->isChecked()) {
-        flow.optBillNo->setChecked(true);
-        ChooseAddressSearch(flow, true);
-    }
-    flow.clearScreen();
-    flow.txtBillNo->setText(billNo);
-    *flow.inLeave = true;
-    flow.loadBill(QStringLiteral("BillNo"), PadBillNo(billNo), true);
-    *flow.inLeave = false;
-}
-
-void AddressSearchLeft(const AddressSearchFlow& flow, bool byBill) {
-    QLineEdit* field = byBill ? flow.txtBillNo : flow.txtControl;
-    if (field->text().trimmed().isEmpty() || !field->isEnabled())
-        return;
-    if (byBill)
-        flow.loadBill(QStringLiteral("BillNo"), PadBillNo(field->text()), true);
-    else
-        flow.loadBill(QStringLiteral("Control"), field->text().trimmed(), false);
-}
-
 // ---------------------------------------------------------------------------------------------
-// The screen
+// What both address screens share
 // ---------------------------------------------------------------------------------------------
 
-frmREAddressChange::frmREAddressChange(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("frmREAddressChange"));
+AddressChangeScreen::AddressChangeScreen(const ChainTables& tables, QWidget* parent)
+    : QWidget(parent), m_tables(tables) {
     setWindowTitle(QStringLiteral("Change Taxpayer Address"));
-    buildScreen();
+}
+
+void AddressChangeScreen::buildSearch() {
+    optBillNo = new QRadioButton(QStringLiteral("&Bill #"), this);
+    optBillNo->setObjectName(QStringLiteral("optBillNo"));
+    optControl = new QRadioButton(QStringLiteral("C&ontrol #"), this);
+    optControl->setObjectName(QStringLiteral("optControl"));
+    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
+    txtControl = NamedField(this, QStringLiteral("txtControl"), 6);
+}
+
+void AddressChangeScreen::buildChecks() {
+    chkPrintBill = new QCheckBox(QStringLiteral("Print A New Tax Bill"), fraNewAddress);
+    chkPrintBill->setObjectName(QStringLiteral("chkPrintBill"));
+    chkReportable = new QCheckBox(QStringLiteral("Reportable to Assessment"), fraNewAddress);
+    chkReportable->setObjectName(QStringLiteral("chkReportable"));
+    chkUSPS = new QCheckBox(QStringLiteral("USPS Address Change"), fraNewAddress);
+    chkUSPS->setObjectName(QStringLiteral("chkUSPS"));
+}
+
+void AddressChangeScreen::buildButtons() {
+    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("Accept Data"));
+    cmdClearAddress = NamedButton(this, QStringLiteral("cmdClearAddress"),
+                                  QStringLiteral("Clear A&ddress"), false);
+    cmdClearScreen =
+        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("Clea&r Screen"), false);
+    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
+    cmdPrintScreen =
+        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
+    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+}
+
+void AddressChangeScreen::layOutScreen(QLayout* search) {
+    auto* frames = new QHBoxLayout;
+    frames->addWidget(fraAddress);
+    frames->addWidget(fraNewAddress);
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* b : {cmdAccept, cmdClearAddress, cmdClearScreen, CmdQuery, cmdPrintScreen})
+        buttons->addWidget(b);
+    buttons->addStretch();
+    buttons->addWidget(cmdExit);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(search);
+    layout->addLayout(frames);
+    layout->addLayout(buttons);
+}
+
+void AddressChangeScreen::connectCommon(const std::function<void()>& openQuery) {
+    for (QLineEdit* field : {txtBillNo, txtControl})
+        connect(field, &QLineEdit::textChanged, this, [field](const QString& text) {
+            // A "*" alone is the scanner's call; it never stays in the field.
+            if (text == QLatin1String("*")) {
+                const QSignalBlocker block(field);
+                field->clear();
+            }
+        });
+    connect(optBillNo, &QRadioButton::clicked, this, [this] { chooseSearch(true); });
+    connect(optControl, &QRadioButton::clicked, this, [this] { chooseSearch(false); });
+    connect(chkUSPS, &QCheckBox::clicked, this,
+            [this](bool ticked) { ApplyUspsTick(ticked, chkReportable, txtReason); });
+    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
+    connect(cmdClearAddress, &QPushButton::clicked, this, [this] { clearAddress(); });
+    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
+    connect(CmdQuery, &QPushButton::clicked, this, openQuery);
+    connect(cmdPrintScreen, &QPushButton::clicked, this,
+            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+}
+
+void AddressChangeScreen::startScreen() {
     QSqlQuery q(session().DbConnection);
     if (q.exec(QStringLiteral("SELECT State FROM tbl_States")))
         while (q.next()) {
@@ -213,13 +253,216 @@ frmREAddressChange::frmREAddressChange(QWidget* parent) : QWidget(parent) {
     session().LastScreenName = objectName();
 }
 
+bool AddressChangeScreen::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease)
+        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
+    if (!IsFieldLeave(event) || m_inLeave || m_clearing)
+        return QWidget::eventFilter(watched, event);
+    QPointer<QWidget> target = QApplication::focusWidget();
+    QPointer<AddressChangeScreen> self(this);
+    m_inLeave = true;
+    bool refused = false;
+    if (watched == txtBillNo)
+        searchLeft(true);
+    else if (watched == txtControl)
+        searchLeft(false);
+    else if (m_loaded)
+        refused = !checkField(qobject_cast<QWidget*>(watched));
+    if (!self)
+        return true;
+    m_inLeave = false;
+    if (refused)
+        MarkRefusedClick(this, target, event);
+    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
+}
+
+// An option chosen: its field enabled (and focused while no bill is loaded), the other not.
+void AddressChangeScreen::chooseSearch(bool byBill) {
+    txtBillNo->setEnabled(byBill);
+    txtControl->setEnabled(!byBill);
+    if (!m_loaded)
+        (byBill ? txtBillNo : txtControl)->setFocus(Qt::OtherFocusReason);
+}
+
+void AddressChangeScreen::openFromQuery(const QString& billNo) {
+    if (!optBillNo->isChecked() && !optControl->isChecked()) {
+        optBillNo->setChecked(true);
+        chooseSearch(true);
+    }
+    clearScreen();
+    txtBillNo->setText(billNo);
+    m_inLeave = true;
+    loadBill(QStringLiteral("BillNo"), PadBillNo(billNo), true);
+    m_inLeave = false;
+}
+
+// Leaving the bill or control number: a value loads the bill (a bill number padded first).
+void AddressChangeScreen::searchLeft(bool byBill) {
+    QLineEdit* field = byBill ? txtBillNo : txtControl;
+    if (field->text().trimmed().isEmpty() || !field->isEnabled())
+        return;
+    if (byBill)
+        loadBill(QStringLiteral("BillNo"), PadBillNo(field->text()), true);
+    else
+        loadBill(QStringLiteral("Control"), field->text().trimmed(), false);
+}
+
+void AddressChangeScreen::loadBill(const QString& column, const QString& key, bool byBill) {
+    QSqlDatabase db = session().DbConnection;
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT * FROM %1 WHERE %2 = ? ORDER BY rowid LIMIT 1")
+                  .arg(QString::fromLatin1(m_tables.master), column));
+    q.addBindValue(key);
+    if (!q.exec() || !q.next()) {
+        MsgBox(byBill ? QStringLiteral("Bill Number Not On File")
+                      : QStringLiteral("Control Number Not On File"),
+               QString::fromLatin1(ChangeAddressTitle), MsgButtons::Ok, MsgIcon::Exclamation);
+        clearScreen();
+        return;
+    }
+    const QSqlRecord master = q.record();
+
+    // 1. The master as billed.
+    m_control = TextField(master.value("Control"));
+    m_billNo = TextField(master.value("BillNo"));
+    m_nextAddrId = 1;
+    {
+        const QSignalBlocker b1(txtBillNo);
+        const QSignalBlocker b2(txtControl);
+        txtBillNo->setText(m_billNo);
+        txtControl->setText(m_control);
+    }
+    showMaster(master);
+    showAddress(master);
+    txtOldReason->clear();
+    txtADate->clear();
+
+    // 2. The chain of changes, each one told.
+    if (!ReplayAddressHistory(
+            db, m_tables, master,
+            [&](const QSqlRecord& change) {
+                showAddress(change);
+                txtOldReason->setText(TextField(change.value("Reason")));
+                txtADate->setText(FormatDate(DateField(change.value("ADate"))));
+            },
+            &m_nextAddrId)) {
+        CloseScreen(this);
+        return;
+    }
+
+    // 3. The new frame starts as a copy of the old one.
+    copyToNewFrame();
+    txtReason->clear();
+    m_loaded = true;
+    txtBillNo->setEnabled(false);
+    txtControl->setEnabled(false);
+    fraNewAddress->setEnabled(true);
+    chkPrintBill->setEnabled(true);
+    chkReportable->setEnabled(true);
+    chkUSPS->setEnabled(true);
+    cmdAccept->setEnabled(true);
+    CmdQuery->setEnabled(true);
+    firstNewField()->setFocus(Qt::OtherFocusReason);
+}
+
+bool AddressChangeScreen::checkField(QWidget* field) {
+    FieldRefusal refusal;
+    if (field == cboNewState) {
+        return CheckStateBox(cboNewState);
+    } else if (field == txtNewZipCode) {
+        refusal = CheckNewZipCode(txtNewZipCode->text());
+        if (!refusal.refused())
+            zipCodePassed();
+    } else if (field == txtNewZipCode2) {
+        refusal = CheckNewZipCode2(txtNewZipCode2->text());
+    } else {
+        refusal = checkOwnField(field);
+    }
+    if (!refusal.refused())
+        return true;
+    MsgBox(refusal.text, refusal.title, MsgButtons::Ok, MsgIcon::Exclamation);
+    field->setFocus(Qt::OtherFocusReason);
+    if (auto* line = qobject_cast<QLineEdit*>(field))
+        line->selectAll();
+    return false;
+}
+
+void AddressChangeScreen::accept() {
+    if (!m_loaded)
+        return;
+    m_inLeave = true;
+    // A field left by the pointer on another button has not been checked yet.
+    if (!checkBeforeReason()) {
+        m_inLeave = false;
+        return;
+    }
+    if (txtReason->text().trimmed().isEmpty()) {
+        MsgBox(QStringLiteral("Reason must be specified"), QStringLiteral("Enter Reason"),
+               MsgButtons::Ok, MsgIcon::Exclamation);
+        txtReason->setFocus(Qt::OtherFocusReason);
+        m_inLeave = false;
+        return;
+    }
+    const QString billNo = m_billNo;
+    QString error;
+    const bool written = writeChange(&error);
+    m_inLeave = false;
+    if (!written) {
+        MsgBox(QStringLiteral("The address change could not be saved: ") + error,
+               QString::fromLatin1(ChangeAddressTitle), MsgButtons::Ok, MsgIcon::Critical);
+        return;
+    }
+    Q_EMIT addressChanged(billNo);
+    MsgBox(QStringLiteral("Address Changed."), QString::fromLatin1(ChangeAddressTitle),
+           MsgButtons::Ok, MsgIcon::Information);
+    // The bill form opens last, so that its print button keeps the focus.
+    const bool print = chkPrintBill->isChecked();
+    clearScreen();
+    if (print)
+        printBill(billNo);
+}
+
+void AddressChangeScreen::clearScreen() {
+    m_clearing = true;
+    for (QLineEdit* field : findChildren<QLineEdit*>()) {
+        const QSignalBlocker block(field);
+        field->clear();
+    }
+    cboState->setEditText(QString());
+    cboNewState->setEditText(QString());
+    clearOwnBoxes();
+    for (QCheckBox* box : {chkPrintBill, chkReportable, chkUSPS})
+        box->setChecked(false);
+    m_loaded = false;
+    m_control.clear();
+    m_billNo.clear();
+    m_nextAddrId = 1;
+    fraNewAddress->setEnabled(false);
+    cmdAccept->setEnabled(false);
+    const bool byBill = optBillNo->isChecked();
+    const bool byControl = optControl->isChecked();
+    txtBillNo->setEnabled(byBill);
+    txtControl->setEnabled(byControl);
+    if (byBill)
+        txtBillNo->setFocus(Qt::OtherFocusReason);
+    else if (byControl)
+        txtControl->setFocus(Qt::OtherFocusReason);
+    m_clearing = false;
+}
+
+// ---------------------------------------------------------------------------------------------
+// The real-estate screen
+// ---------------------------------------------------------------------------------------------
+
+frmREAddressChange::frmREAddressChange(QWidget* parent)
+    : AddressChangeScreen(RealEstateChain, parent) {
+    setObjectName(QStringLiteral("frmREAddressChange"));
+    buildScreen();
+    startScreen();
+}
+
 void frmREAddressChange::buildScreen() {
-    optBillNo = new QRadioButton(QStringLiteral("&Bill #"), this);
-    optBillNo->setObjectName(QStringLiteral("optBillNo"));
-    optControl = new QRadioButton(QStringLiteral("C&ontrol #"), this);
-    optControl->setObjectName(QStringLiteral("optControl"));
-    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
-    txtControl = NamedField(this, QStringLiteral("txtControl"), 6);
+    buildSearch();
     txtMap3 = ShownField(this, QStringLiteral("txtMap3"), 8);
     txtMap4 = ShownField(this, QStringLiteral("txtMap4"), 6);
     txtMap5 = ShownField(this, QStringLiteral("txtMap5"), 9);
@@ -249,12 +492,7 @@ void frmREAddressChange::buildScreen() {
     txtNewZipCode = NamedField(fraNewAddress, QStringLiteral("txtNewZipCode"), 5);
     txtNewZipCode2 = NamedField(fraNewAddress, QStringLiteral("txtNewZipCode2"), 4);
     txtReason = NamedField(fraNewAddress, QStringLiteral("txtReason"), 50);
-    chkPrintBill = new QCheckBox(QStringLiteral("Print A New Tax Bill"), fraNewAddress);
-    chkPrintBill->setObjectName(QStringLiteral("chkPrintBill"));
-    chkReportable = new QCheckBox(QStringLiteral("Reportable to Assessment"), fraNewAddress);
-    chkReportable->setObjectName(QStringLiteral("chkReportable"));
-    chkUSPS = new QCheckBox(QStringLiteral("USPS Address Change"), fraNewAddress);
-    chkUSPS->setObjectName(QStringLiteral("chkUSPS"));
+    buildChecks();
 
     auto fillFrame = [](QGroupBox* frame, QWidget* name, QWidget* coOwner, QWidget* addr1,
                         QWidget* addr2, QWidget* city, QWidget* state, QWidget* zip, QWidget* zip2,
@@ -292,15 +530,7 @@ void frmREAddressChange::buildScreen() {
     newGrid->addWidget(chkReportable, 7, 1);
     newGrid->addWidget(chkUSPS, 8, 1);
 
-    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("Accept Data"));
-    cmdClearAddress = NamedButton(this, QStringLiteral("cmdClearAddress"),
-                                  QStringLiteral("Clear A&ddress"), false);
-    cmdClearScreen =
-        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("Clea&r Screen"), false);
-    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
-    cmdPrintScreen =
-        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+    buildButtons();
 
     auto* search = new QGridLayout;
     search->addWidget(optBillNo, 0, 0);
@@ -315,18 +545,7 @@ void frmREAddressChange::buildScreen() {
         map->addWidget(txtMap5);
         search->addLayout(map, 1, 1, 1, 3);
     }
-    auto* frames = new QHBoxLayout;
-    frames->addWidget(fraAddress);
-    frames->addWidget(fraNewAddress);
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdClearAddress, cmdClearScreen, CmdQuery, cmdPrintScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(search);
-    layout->addLayout(frames);
-    layout->addLayout(buttons);
+    layOutScreen(search);
 
     QWidget* order[] = {optBillNo,     txtBillNo,      optControl,  txtControl,   txtNewName,
                         txtNewCoOwner, txtNewAddr1,    txtNewAddr2, txtNewCity,   cboNewState,
@@ -341,136 +560,32 @@ void frmREAddressChange::buildScreen() {
     cmdAccept->installEventFilter(this);
 
     UpperCaseTyping(cboNewState->lineEdit());
-    for (QLineEdit* field : {txtBillNo, txtControl}) {
-        connect(field, &QLineEdit::textChanged, this, [field](const QString& text) {
-            // A "*" alone is the scanner's call; it never stays in the field.
-            if (text == QLatin1String("*")) {
-                const QSignalBlocker block(field);
-                field->clear();
-            }
-        });
-    }
-    connect(optBillNo, &QRadioButton::clicked, this, [this] { chooseSearch(true); });
-    connect(optControl, &QRadioButton::clicked, this, [this] { chooseSearch(false); });
-    connect(chkUSPS, &QCheckBox::clicked, this, [this](bool ticked) { uspsClicked(ticked); });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdClearAddress, &QPushButton::clicked, this, [this] { clearAddress(); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(CmdQuery, &QPushButton::clicked, this, [] {
+    connectCommon([] {
         ShowScreenNamed(QStringLiteral("frmREQueryTC"),
                         [] { return static_cast<QWidget*>(new frmREQueryTC); });
     });
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
 }
 
-bool frmREAddressChange::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    if (!IsFieldLeave(event) || m_inLeave || m_clearing)
-        return QWidget::eventFilter(watched, event);
-    QPointer<QWidget> target = QApplication::focusWidget();
-    QPointer<frmREAddressChange> self(this);
-    m_inLeave = true;
-    bool refused = false;
-    if (watched == txtBillNo)
-        searchLeft(true);
-    else if (watched == txtControl)
-        searchLeft(false);
-    else if (m_loaded)
-        refused = !checkField(qobject_cast<QWidget*>(watched));
-    if (!self)
-        return true;
-    m_inLeave = false;
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
-}
-
-AddressSearchFlow frmREAddressChange::searchFlow() {
-    return {optBillNo,
-            optControl,
-            txtBillNo,
-            txtControl,
-            &m_loaded,
-            &m_inLeave,
-            [this] { clearScreen(); },
-            [this](const QString& column, const QString& key, bool byBill) {
-                loadBill(column, key, byBill);
-            }};
-}
-
-void frmREAddressChange::chooseSearch(bool byBill) {
-    ChooseAddressSearch(searchFlow(), byBill);
-}
-
-void frmREAddressChange::openFromQuery(const QString& billNo) {
-    OpenAddressFromQuery(searchFlow(), billNo);
-}
-
-void frmREAddressChange::searchLeft(bool byBill) {
-    AddressSearchLeft(searchFlow(), byBill);
-}
-
-void frmREAddressChange::loadBill(const QString& column, const QString& key, bool byBill) {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    q.prepare(
-        QStringLiteral("SELECT * FROM TCMaster WHERE %1 = ? ORDER BY rowid LIMIT 1").arg(column));
-    q.addBindValue(key);
-    if (!q.exec() || !q.next()) {
-        MsgBox(byBill ? QStringLiteral("Bill Number Not On File")
-                      : QStringLiteral("Control Number Not On File"),
-               QString::fromLatin1(ChangeAddressTitle), MsgButtons::Ok, MsgIcon::Exclamation);
-        clearScreen();
-        return;
-    }
-    const QSqlRecord master = q.record();
-    auto text = [](const QSqlRecord& r, const char* name) { return TextField(r.value(name)); };
-
-    // 1. The master as billed.
-    m_control = text(master, "Control");
+void frmREAddressChange::showMaster(const QSqlRecord& master) {
     m_hfFlag = FlagField(master.value("HFFlag")).trimmed();
-    m_billNo = text(master, "BillNo");
-    m_nextAddrId = 1;
-    {
-        const QSignalBlocker b1(txtBillNo);
-        const QSignalBlocker b2(txtControl);
-        txtBillNo->setText(m_billNo);
-        txtControl->setText(m_control);
-    }
-    txtMap3->setText(text(master, "Map3"));
-    txtMap4->setText(text(master, "Map4"));
-    txtMap5->setText(text(master, "Map5"));
-    auto showAddress = [&](const QSqlRecord& r) {
-        txtName->setText(text(r, "Name"));
-        txtCoOwner->setText(text(r, "CoOwner"));
-        txtAddr1->setText(text(r, "Addr1"));
-        txtAddr2->setText(text(r, "Addr2"));
-        txtCity->setText(text(r, "City"));
-        cboState->setEditText(text(r, "State"));
-        txtZipCode->setText(text(r, "ZipCode"));
-        txtZipCode2->setText(text(r, "ZipCode2"));
-    };
-    showAddress(master);
-    txtOldReason->clear();
-    txtADate->clear();
+    txtMap3->setText(TextField(master.value("Map3")));
+    txtMap4->setText(TextField(master.value("Map4")));
+    txtMap5->setText(TextField(master.value("Map5")));
+}
 
-    // 2. The chain of changes, each one told.
-    if (!ReplayAddressHistory(
-            db, RealEstateChain, master,
-            [&](const QSqlRecord& change) {
-                showAddress(change);
-                txtOldReason->setText(text(change, "Reason"));
-                txtADate->setText(FormatDate(DateField(change.value("ADate"))));
-            },
-            &m_nextAddrId)) {
-        CloseScreen(this);
-        return;
-    }
+void frmREAddressChange::showAddress(const QSqlRecord& r) {
+    auto text = [&r](const char* name) { return TextField(r.value(name)); };
+    txtName->setText(text("Name"));
+    txtCoOwner->setText(text("CoOwner"));
+    txtAddr1->setText(text("Addr1"));
+    txtAddr2->setText(text("Addr2"));
+    txtCity->setText(text("City"));
+    cboState->setEditText(text("State"));
+    txtZipCode->setText(text("ZipCode"));
+    txtZipCode2->setText(text("ZipCode2"));
+}
 
-    // 3. The new frame starts as a copy of the old one.
+void frmREAddressChange::copyToNewFrame() {
     txtNewName->setText(txtName->text());
     txtNewCoOwner->setText(txtCoOwner->text());
     txtNewAddr1->setText(txtAddr1->text());
@@ -479,44 +594,21 @@ void frmREAddressChange::loadBill(const QString& column, const QString& key, boo
     cboNewState->setEditText(cboState->currentText());
     txtNewZipCode->setText(txtZipCode->text());
     txtNewZipCode2->setText(txtZipCode2->text());
-    txtReason->clear();
-    m_loaded = true;
-    txtBillNo->setEnabled(false);
-    txtControl->setEnabled(false);
-    fraNewAddress->setEnabled(true);
-    chkPrintBill->setEnabled(true);
-    chkReportable->setEnabled(true);
-    chkUSPS->setEnabled(true);
-    cmdAccept->setEnabled(true);
-    CmdQuery->setEnabled(true);
-    txtNewName->setFocus(Qt::OtherFocusReason);
 }
 
-bool frmREAddressChange::checkField(QWidget* field) {
-    FieldRefusal refusal;
-    if (field == txtNewName) {
-        if (txtNewName->text().trimmed().isEmpty())
-            refusal = {QStringLiteral("Name Must Be Specified"), QStringLiteral("Enter Name")};
-    } else if (field == txtNewCity) {
-        if (txtNewCity->text().trimmed().isEmpty())
-            refusal = {QStringLiteral("City Must Be Specified"), QStringLiteral("Enter City")};
-    } else if (field == cboNewState) {
-        return CheckStateBox(cboNewState);
-    } else if (field == txtNewZipCode) {
-        refusal = CheckNewZipCode(txtNewZipCode->text());
-    } else if (field == txtNewZipCode2) {
-        refusal = CheckNewZipCode2(txtNewZipCode2->text());
-    }
-    if (!refusal.refused())
-        return true;
-    MsgBox(refusal.text, refusal.title, MsgButtons::Ok, MsgIcon::Exclamation);
-    field->setFocus(Qt::OtherFocusReason);
-    if (auto* line = qobject_cast<QLineEdit*>(field))
-        line->selectAll();
-    return false;
+QWidget* frmREAddressChange::firstNewField() const {
+    return txtNewName;
 }
 
-bool frmREAddressChange::checkAll() {
+FieldRefusal frmREAddressChange::checkOwnField(QWidget* field) {
+    if (field == txtNewName && txtNewName->text().trimmed().isEmpty())
+        return {QStringLiteral("Name Must Be Specified"), QStringLiteral("Enter Name")};
+    if (field == txtNewCity && txtNewCity->text().trimmed().isEmpty())
+        return {QStringLiteral("City Must Be Specified"), QStringLiteral("Enter City")};
+    return {};
+}
+
+bool frmREAddressChange::checkBeforeReason() {
     for (QWidget* field : std::initializer_list<QWidget*>{txtNewName, txtNewCity, cboNewState,
                                                           txtNewZipCode, txtNewZipCode2})
         if (!checkField(field))
@@ -524,34 +616,7 @@ bool frmREAddressChange::checkAll() {
     return true;
 }
 
-void frmREAddressChange::uspsClicked(bool ticked) {
-    ApplyUspsTick(ticked, chkReportable, txtReason);
-}
-
-void frmREAddressChange::clearAddress() {
-    for (QLineEdit* field : {txtNewAddr1, txtNewAddr2, txtNewCity, txtNewZipCode, txtNewZipCode2})
-        field->clear();
-    cboNewState->setEditText(QString());
-}
-
-void frmREAddressChange::accept() {
-    if (!m_loaded)
-        return;
-    m_inLeave = true;
-    // A field left by the pointer on another button has not been checked yet.
-    if (!checkAll()) {
-        m_inLeave = false;
-        return;
-    }
-    // 1.
-    if (txtReason->text().trimmed().isEmpty()) {
-        MsgBox(QStringLiteral("Reason must be specified"), QStringLiteral("Enter Reason"),
-               MsgButtons::Ok, MsgIcon::Exclamation);
-        txtReason->setFocus(Qt::OtherFocusReason);
-        m_inLeave = false;
-        return;
-    }
-    // 2. and 3.
+bool frmREAddressChange::writeChange(QString* error) {
     AddressChangeRecord change;
     change.control = m_control;
     change.billNo = m_billNo;
@@ -571,49 +636,15 @@ void frmREAddressChange::accept() {
     change.aDate = Clock::today();
     change.reportable = chkReportable->isChecked();
     change.usps = chkUSPS->isChecked();
-    QString error;
-    const bool written = RecordAddressChange(session().DbConnection, change, &error);
-    m_inLeave = false;
-    if (!written) {
-        MsgBox(QStringLiteral("The address change could not be saved: ") + error,
-               QString::fromLatin1(ChangeAddressTitle), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
-    Q_EMIT addressChanged(change.billNo);
-    // 4.
-    MsgBox(QStringLiteral("Address Changed."), QString::fromLatin1(ChangeAddressTitle),
-           MsgButtons::Ok, MsgIcon::Information);
-    // 5. and 6.: the bill form opens last, so that its print button keeps the focus.
-    const bool printBill = chkPrintBill->isChecked();
-    const bool coupons = m_hfFlag == QLatin1String("A");
-    clearScreen();
-    if (printBill)
-        OpenREPrintTaxBillsFor(change.billNo, coupons);
+    return RecordAddressChange(session().DbConnection, change, error);
 }
 
-void frmREAddressChange::clearScreen() {
-    m_clearing = true;
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        const QSignalBlocker block(field);
+void frmREAddressChange::printBill(const QString& billNo) {
+    OpenREPrintTaxBillsFor(billNo, m_hfFlag == QLatin1String("A"));
+}
+
+void frmREAddressChange::clearAddress() {
+    for (QLineEdit* field : {txtNewAddr1, txtNewAddr2, txtNewCity, txtNewZipCode, txtNewZipCode2})
         field->clear();
-    }
-    cboState->setEditText(QString());
     cboNewState->setEditText(QString());
-    for (QCheckBox* box : {chkPrintBill, chkReportable, chkUSPS})
-        box->setChecked(false);
-    m_loaded = false;
-    m_control.clear();
-    m_billNo.clear();
-    m_nextAddrId = 1;
-    fraNewAddress->setEnabled(false);
-    cmdAccept->setEnabled(false);
-    const bool byBill = optBillNo->isChecked();
-    const bool byControl = optControl->isChecked();
-    txtBillNo->setEnabled(byBill);
-    txtControl->setEnabled(byControl);
-    if (byBill)
-        txtBillNo->setFocus(Qt::OtherFocusReason);
-    else if (byControl)
-        txtControl->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
 }

@@ -15,6 +15,7 @@
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
+class QLayout;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
@@ -68,30 +69,15 @@ bool CheckStateBox(QComboBox* state);
 // " USPS Address Change"; unticked: reportable unticked and free again.
 void ApplyUspsTick(bool ticked, QCheckBox* reportable, QLineEdit* reason);
 
-// How the address screens find a bill: by bill number or control number, chosen by optBillNo
-// and optControl, and handed over by a query.
-struct AddressSearchFlow {
-    QRadioButton* optBillNo = nullptr;
-    QRadioButton* optControl = nullptr;
-    QLineEdit* txtBillNo = nullptr;
-    QLineEdit* txtControl = nullptr;
-    bool* loaded = nullptr;
-    bool* inLeave = nullptr;
-    std::function<void()> clearScreen;
-    // Loads the bill whose column ("BillNo" or "Control") holds key.
-    std::function<void(const QString& column, const QString& key, bool byBill)> loadBill;
-};
-// An option chosen: its field enabled (and focused while no bill is loaded), the other not.
-void ChooseAddressSearch(const AddressSearchFlow& flow, bool byBill);
-// A query hands a bill over: search by bill when no option is chosen, clear, load the number.
-void OpenAddressFromQuery(const AddressSearchFlow& flow, const QString& billNo);
-// Leaving the bill or control number: a value loads the bill (a bill number padded first).
-void AddressSearchLeft(const AddressSearchFlow& flow, bool byBill);
-
-class frmREAddressChange : public QWidget {
+// What the real-estate and per capita address screens share: the search by bill or control
+// number, the two frames, the check boxes and buttons, the load of a bill and its chain of
+// changes, the checks of the state and ZIP code, the reason, the write's messages and the clear.
+// A screen builds its own frames and says how its bill is shown, copied, checked and written.
+class AddressChangeScreen : public QWidget {
     Q_OBJECT
 public:
-    explicit frmREAddressChange(QWidget* parent = nullptr);
+    // The tables of the screen's duplicate: its master, whose chain of address changes it reads.
+    explicit AddressChangeScreen(const ChainTables& tables, QWidget* parent = nullptr);
 
     // A query screen hands a bill over: search by bill when no option is chosen, clear, put the
     // number in and load the bill.
@@ -101,16 +87,11 @@ public:
     QRadioButton* optControl = nullptr;
     QLineEdit* txtBillNo = nullptr;
     QLineEdit* txtControl = nullptr;
-    QLineEdit* txtMap3 = nullptr;
-    QLineEdit* txtMap4 = nullptr;
-    QLineEdit* txtMap5 = nullptr;
 
     QGroupBox* fraAddress = nullptr;
     QLineEdit* txtName = nullptr;
-    QLineEdit* txtCoOwner = nullptr;
     QLineEdit* txtAddr1 = nullptr;
     QLineEdit* txtAddr2 = nullptr;
-    QLineEdit* txtCity = nullptr;
     QComboBox* cboState = nullptr;
     QLineEdit* txtZipCode = nullptr;
     QLineEdit* txtZipCode2 = nullptr;
@@ -119,10 +100,8 @@ public:
 
     QGroupBox* fraNewAddress = nullptr;
     QLineEdit* txtNewName = nullptr;
-    QLineEdit* txtNewCoOwner = nullptr;
     QLineEdit* txtNewAddr1 = nullptr;
     QLineEdit* txtNewAddr2 = nullptr;
-    QLineEdit* txtNewCity = nullptr;
     QComboBox* cboNewState = nullptr;
     QLineEdit* txtNewZipCode = nullptr;
     QLineEdit* txtNewZipCode2 = nullptr;
@@ -145,25 +124,92 @@ Q_SIGNALS:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-private:
-    void buildScreen();
-    AddressSearchFlow searchFlow();
-    void chooseSearch(bool byBill);
-    void searchLeft(bool byBill);
-    void loadBill(const QString& column, const QString& key, bool byBill);
-    // The check of one field of the new frame; false when it was refused (box shown, focus back).
+    // The building blocks, made in the order the screen's widgets stand: the two options and
+    // their fields; (the screen's frames;) the check boxes of the new frame; the buttons.
+    void buildSearch();
+    void buildChecks();
+    void buildButtons();
+    // The frames side by side under the search, the buttons under them.
+    void layOutScreen(QLayout* search);
+    // The "*" of the scanner, the options, the USPS tick and the buttons; the query button
+    // opens the screen's own query.
+    void connectCommon(const std::function<void()>& openQuery);
+    // After the build: the states in both boxes, the screen cleared, the search fields shut.
+    void startScreen();
+
+    // The master's own fields (beyond the bill and control numbers) kept or shown.
+    virtual void showMaster(const QSqlRecord& master) { Q_UNUSED(master); }
+    // One address, the master's or a change's, in the old frame.
+    virtual void showAddress(const QSqlRecord& address) = 0;
+    // The new frame starts as a copy of the old one.
+    virtual void copyToNewFrame() = 0;
+    virtual QWidget* firstNewField() const = 0;
+    // A field of the new frame other than the state and the ZIP codes.
+    virtual FieldRefusal checkOwnField(QWidget* field) {
+        Q_UNUSED(field);
+        return {};
+    }
+    // The ZIP code passed its checks.
+    virtual void zipCodePassed() {}
+    // The checks made on accept before the reason; false when one refused.
+    virtual bool checkBeforeReason() = 0;
+    // The change written; false with the reason when nothing was.
+    virtual bool writeChange(QString* error) = 0;
+    // The bill form for the bill just changed.
+    virtual void printBill(const QString& billNo) = 0;
+    virtual void clearAddress() = 0;
+    // The boxes of the screen's own beyond the two state boxes.
+    virtual void clearOwnBoxes() {}
+
+    // The check of one field of the new frame; false when it was refused (box shown, focus
+    // back).
     bool checkField(QWidget* field);
-    bool checkAll();
-    void uspsClicked(bool ticked);
-    void clearAddress();
-    void accept();
-    void clearScreen();
 
     QString m_control;
     QString m_billNo;
-    QString m_hfFlag;
     int m_nextAddrId = 1;
     bool m_loaded = false;
     bool m_inLeave = false;
     bool m_clearing = false;
+
+private:
+    ChainTables m_tables;
+
+    void chooseSearch(bool byBill);
+    void searchLeft(bool byBill);
+    void loadBill(const QString& column, const QString& key, bool byBill);
+    void accept();
+    void clearScreen();
+};
+
+class frmREAddressChange : public AddressChangeScreen {
+    Q_OBJECT
+public:
+    explicit frmREAddressChange(QWidget* parent = nullptr);
+
+    QLineEdit* txtMap3 = nullptr;
+    QLineEdit* txtMap4 = nullptr;
+    QLineEdit* txtMap5 = nullptr;
+
+    QLineEdit* txtCoOwner = nullptr;
+    QLineEdit* txtCity = nullptr;
+
+    QLineEdit* txtNewCoOwner = nullptr;
+    QLineEdit* txtNewCity = nullptr;
+
+protected:
+    void showMaster(const QSqlRecord& master) override;
+    void showAddress(const QSqlRecord& address) override;
+    void copyToNewFrame() override;
+    QWidget* firstNewField() const override;
+    FieldRefusal checkOwnField(QWidget* field) override;
+    bool checkBeforeReason() override;
+    bool writeChange(QString* error) override;
+    void printBill(const QString& billNo) override;
+    void clearAddress() override;
+
+private:
+    void buildScreen();
+
+    QString m_hfFlag;
 };

@@ -1,14 +1,30 @@
 #include "desk/realestate/adjust_common.h"
 
+#include "core/field_leave.h"
 #include "core/messages.h"
+#include "core/named_widgets.h"
+#include "core/screen_host.h"
 #include "core/session.h"
 #include "desk/realestate/payment_rules.h"
+#include "desk/realestate/receive_payment.h"
+#include "reports/print_output.h"
+#include "reports/print_screen.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
 #include <QStringList>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -233,4 +249,246 @@ void ShowAdjustPaymentInfo(const QString& text) {
                MsgButtons::Ok, MsgIcon::Information);
     else
         MsgBox(text, QString::fromLatin1(PaymentInfoTitle));
+}
+
+AdjustTaxBillScreen::AdjustTaxBillScreen(Duplicate duplicate, QWidget* parent)
+    : QWidget(parent), m_duplicate(duplicate) {}
+
+void AdjustTaxBillScreen::openFromQuery(const QString& billNo) {
+    clearScreen();
+    handedOver();
+    const QSignalBlocker block(txtBillNo);
+    txtBillNo->setText(billNo);
+    cboAction->setFocus(Qt::OtherFocusReason);
+}
+
+AdjustActionFlow AdjustTaxBillScreen::actionFlow() {
+    return {cboAction,
+            txtBillNo,
+            &m_action,
+            &m_loaded,
+            &m_inLeave,
+            [this] { startAddition(); },
+            [this] { loadBill(); }};
+}
+
+void AdjustTaxBillScreen::setAction(int action) {
+    SetAdjustAction(actionFlow(), action);
+}
+
+void AdjustTaxBillScreen::actionChosen(int action) {
+    AdjustActionChosen(actionFlow(), action);
+}
+
+void AdjustTaxBillScreen::billNoLeft() {
+    AdjustBillNoLeft(actionFlow());
+}
+
+void AdjustTaxBillScreen::readDistrict(QSqlRecord* countyRow, QSqlRecord* municipalRow) {
+    QSqlQuery q(session().DbConnection);
+    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
+        m_district = TextField(q.value(0));
+        m_ward = TextField(q.value(1));
+    }
+    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
+        *countyRow = q.record();
+    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
+    q.addBindValue(m_district + m_ward);
+    if (q.exec() && q.next())
+        *municipalRow = q.record();
+    m_taxYear = TextField(countyRow->value("TaxYear")).trimmed();
+    if (m_taxYear.isEmpty())
+        m_taxYear = session().TaxYear;
+}
+
+void AdjustTaxBillScreen::loadBill() {
+    const QString title = QString::fromLatin1(AdjustTaxBillTitle);
+    const QString billNo = PadBillNo(txtBillNo->text());
+    {
+        const QSignalBlocker block(txtBillNo);
+        txtBillNo->setText(billNo);
+    }
+    BillHistory history;
+    const BillNow bill = ReadBillAsItStands(session().DbConnection, m_duplicate, billNo, &history);
+    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
+        MsgBox(QStringLiteral("Bill Number Not On File"), title);
+        clearScreen();
+        return;
+    }
+
+    m_billNo = billNo;
+    m_flags = BillPayFlagsFromRecord(history.master);
+    if (!ReplayAdjustHistory(
+            bill, history, [this](const QSqlRecord& row) { showImage(row); },
+            [this](const QSqlRecord& row) { showAddress(row); }, &m_nextAdjNo)) {
+        CloseScreen(this);
+        return;
+    }
+
+    session().PaymentInfoText = paymentInfoText(billNo);
+    if (!session().PaymentInfoText.isEmpty())
+        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
+
+    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
+    if (m_action != Unexonerate) {
+        if (RefuseSettledBill(m_bodyVisible, {bodySettled(0), bodySettled(1), bodySettled(2)},
+                              flags)) {
+            clearScreen();
+            return;
+        }
+    } else if (RefuseNotExonerated(m_bodyVisible, flags)) {
+        clearScreen();
+        return;
+    }
+
+    m_loaded = true;
+    cboAction->setEnabled(false);
+    txtBillNo->setEnabled(false);
+    cmdPaymentInfo->setEnabled(true);
+    cmdAccept->setEnabled(true);
+    billLoaded();
+}
+
+void AdjustTaxBillScreen::showPaymentInfo() {
+    ShowAdjustPaymentInfo(m_loaded ? paymentInfoText(m_billNo) : QString());
+}
+
+void AdjustTaxBillScreen::buildFoot() {
+    txtReason = NamedField(this, QStringLiteral("txtReason"), 30);
+    auto check = [this](const char* name, const char* caption) {
+        auto* box = new QCheckBox(QString::fromLatin1(caption), this);
+        box->setObjectName(QString::fromLatin1(name));
+        return box;
+    };
+    chkPrintBill = check("chkPrintBill", "Print A New Tax Bill");
+    chkReportable = check("chkReportable", "Reportable");
+    chkUSPS = check("chkUSPS", "USPS");
+    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&ACCEPT"));
+    cmdPaymentInfo =
+        NamedButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"), false);
+    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
+    cmdPrintScreen =
+        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
+    cmdClearScreen =
+        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"), false);
+    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+}
+
+void AdjustTaxBillScreen::layOutScreen(QLayout* top, QWidget* billFrame, QWidget* adjustFor,
+                                       QWidget* amounts) {
+    auto* reasonRow = new QHBoxLayout;
+    reasonRow->addWidget(new QLabel(QStringLiteral("Reason:"), this));
+    reasonRow->addWidget(txtReason, 1);
+    reasonRow->addWidget(chkPrintBill);
+    reasonRow->addWidget(chkReportable);
+    reasonRow->addWidget(chkUSPS);
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* b : {cmdAccept, cmdPaymentInfo, CmdQuery, cmdPrintScreen, cmdClearScreen})
+        buttons->addWidget(b);
+    buttons->addStretch();
+    buttons->addWidget(cmdExit);
+    auto* middle = new QGridLayout;
+    middle->addWidget(billFrame, 0, 0, 2, 1);
+    middle->addWidget(adjustFor, 0, 1);
+    middle->addWidget(amounts, 1, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addLayout(middle);
+    layout->addLayout(reasonRow);
+    layout->addLayout(buttons);
+}
+
+void AdjustTaxBillScreen::clearScreen() {
+    m_clearing = true;
+    m_loaded = false;
+    m_action = NoAction;
+    m_billNo.clear();
+    m_flags = BillPayFlags();
+    m_nextAdjNo = 1;
+    for (QLineEdit* field : findChildren<QLineEdit*>()) {
+        // The combo boxes' own editors go with their boxes.
+        if (qobject_cast<QComboBox*>(field->parentWidget()))
+            continue;
+        const QSignalBlocker block(field);
+        field->clear();
+        field->setEnabled(false);
+    }
+    clearOwn();
+    for (QCheckBox* box : findChildren<QCheckBox*>()) {
+        box->setChecked(false);
+        box->setEnabled(false);
+    }
+    const auto boxes = bodyBoxes();
+    for (int b = 0; b < 3; ++b)
+        boxes[std::size_t(b)]->setChecked(m_bodyVisible[std::size_t(b)]);
+    for (QPushButton* b : {cmdAccept, cmdPaymentInfo})
+        b->setEnabled(false);
+    cboAction->setEnabled(true);
+    cboAction->setCurrentIndex(-1);
+    txtBillNo->setEnabled(true);
+    cboAction->setFocus(Qt::OtherFocusReason);
+    m_clearing = false;
+}
+
+void AdjustTaxBillScreen::clearBoxes(std::initializer_list<QComboBox*> boxes) {
+    for (QComboBox* combo : boxes) {
+        combo->setCurrentIndex(-1);
+        combo->setEditText(QString());
+        combo->setEnabled(false);
+    }
+}
+
+void AdjustTaxBillScreen::connectCommon(const std::function<void()>& openQuery) {
+    for (QAbstractButton* b : findChildren<QAbstractButton*>())
+        b->installEventFilter(this);
+    connect(cboAction, &QComboBox::activated, this, [this](int index) { actionChosen(index); });
+    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
+        // A "*" is the scanner's call, which has no screen of its own yet: it never stays.
+        if (text.contains(QLatin1Char('*'))) {
+            const QSignalBlocker block(txtBillNo);
+            txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
+            return;
+        }
+        // The fifth character typed loads the bill, as leaving the field does.
+        if (text.size() == 5 && txtBillNo->hasFocus() && !m_inLeave && !m_loaded) {
+            m_inLeave = true;
+            billNoLeft();
+            m_inLeave = false;
+        }
+    });
+    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
+    connect(cmdPrintScreen, &QPushButton::clicked, this,
+            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
+    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
+    connect(CmdQuery, &QPushButton::clicked, this, openQuery);
+}
+
+bool AdjustTaxBillScreen::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease)
+        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
+    if (!IsFieldLeave(event) || m_clearing || m_inLeave ||
+        session().QueryOpenedScreen.contains(objectName()))
+        return QWidget::eventFilter(watched, event);
+    auto* field = qobject_cast<QLineEdit*>(watched);
+    if (!field || !field->isEnabled())
+        return QWidget::eventFilter(watched, event);
+    QPointer<QWidget> target = QApplication::focusWidget();
+    // Only a move to another widget of this screen leaves the field. A press on a button that
+    // takes no focus (Exit, Clear Screen, Query, Print Screen, Payment Info) passes the focus
+    // through the screen's own window and back, and a screen closing gives it to the main
+    // window: neither checks the field or computes.
+    if (!target || target == field || target->isAncestorOf(field) || !isAncestorOf(target))
+        return QWidget::eventFilter(watched, event);
+    m_inLeave = true;
+    bool refused = false;
+    if (field == txtBillNo)
+        billNoLeft();
+    else
+        refused = fieldLeft(field, target);
+    m_inLeave = false;
+    if (refused)
+        MarkRefusedClick(this, target, event);
+    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
 }

@@ -12,20 +12,14 @@
 #include "desk/realestate/query_handover.h"
 #include "desk/realestate/query_tc.h"
 #include "desk/realestate/receive_payment.h"
-#include "reports/print_output.h"
-#include "reports/print_screen.h"
 
-#include <QAbstractButton>
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSqlQuery>
@@ -105,7 +99,8 @@ void refuseField(QLineEdit* field) {
 // Building the screen
 // ---------------------------------------------------------------------------------------------
 
-frmREAdjustTaxBill::frmREAdjustTaxBill(QWidget* parent) : QWidget(parent) {
+frmREAdjustTaxBill::frmREAdjustTaxBill(QWidget* parent)
+    : AdjustTaxBillScreen(Duplicate::RealEstate, parent) {
     setObjectName(QStringLiteral("frmREAdjustTaxBill"));
     setWindowTitle(QString::fromLatin1(AdjustTitle));
     buildScreen();
@@ -304,42 +299,8 @@ void frmREAdjustTaxBill::buildScreen() {
         g->addLayout(hRow, 9, 0, 1, 6);
     }
 
-    txtReason = NamedField(this, QStringLiteral("txtReason"), 30);
-    chkPrintBill =
-        newCheck(this, QStringLiteral("chkPrintBill"), QStringLiteral("Print A New Tax Bill"));
-    chkReportable = newCheck(this, QStringLiteral("chkReportable"), QStringLiteral("Reportable"));
-    chkUSPS = newCheck(this, QStringLiteral("chkUSPS"), QStringLiteral("USPS"));
-
-    cmdAccept = NamedButton(this, QStringLiteral("cmdAccept"), QStringLiteral("&ACCEPT"));
-    cmdPaymentInfo =
-        NamedButton(this, QStringLiteral("cmdPaymentInfo"), QStringLiteral("Payment &Info"), false);
-    CmdQuery = NamedButton(this, QStringLiteral("CmdQuery"), QStringLiteral("&Query"), false);
-    cmdPrintScreen =
-        NamedButton(this, QStringLiteral("cmdPrintScreen"), QStringLiteral("&Print Screen"), false);
-    cmdClearScreen =
-        NamedButton(this, QStringLiteral("cmdClearScreen"), QStringLiteral("C&lear Screen"), false);
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
-
-    auto* reasonRow = new QHBoxLayout;
-    reasonRow->addWidget(new QLabel(QStringLiteral("Reason:"), this));
-    reasonRow->addWidget(txtReason, 1);
-    reasonRow->addWidget(chkPrintBill);
-    reasonRow->addWidget(chkReportable);
-    reasonRow->addWidget(chkUSPS);
-    auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAccept, cmdPaymentInfo, CmdQuery, cmdPrintScreen, cmdClearScreen})
-        buttons->addWidget(b);
-    buttons->addStretch();
-    buttons->addWidget(cmdExit);
-    auto* middle = new QGridLayout;
-    middle->addWidget(fraBill, 0, 0, 2, 1);
-    middle->addWidget(fraAdjustFor, 0, 1);
-    middle->addWidget(fraAmounts, 1, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addLayout(middle);
-    layout->addLayout(reasonRow);
-    layout->addLayout(buttons);
+    buildFoot();
+    layOutScreen(top, fraBill, fraAdjustFor, fraAmounts);
 
     QWidget* order[] = {cboAction,      txtBillNo,
                         txtControl,     txtName,
@@ -377,59 +338,22 @@ void frmREAdjustTaxBill::buildScreen() {
         w->installEventFilter(this);
     for (QLineEdit* f : faceFields())
         f->installEventFilter(this);
-    for (QAbstractButton* b : findChildren<QAbstractButton*>())
-        b->installEventFilter(this);
-
-    connect(cboAction, &QComboBox::activated, this, [this](int index) { actionChosen(index); });
-    connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
-        // A "*" is the scanner's call, which has no screen of its own yet: it never stays.
-        if (text.contains(QLatin1Char('*'))) {
-            const QSignalBlocker block(txtBillNo);
-            txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
-            return;
-        }
-        // The fifth character typed loads the bill, as leaving the field does.
-        if (text.size() == 5 && txtBillNo->hasFocus() && !m_inLeave && !m_loaded) {
-            m_inLeave = true;
-            billNoLeft();
-            m_inLeave = false;
-        }
-    });
     connect(chkHFFlag, &QCheckBox::clicked, this, [this] { hfFlagClicked(); });
     for (QCheckBox* box : bodyBoxes())
         connect(box, &QCheckBox::clicked, this, [this] { enableAmountFields(); });
     connect(chkInstallments, &QCheckBox::clicked, this, [this] { calculateInstallments(); });
     connect(cmdCalculate, &QPushButton::clicked, this, [this] { calculateInstallments(); });
-    connect(cmdAccept, &QPushButton::clicked, this, [this] { accept(); });
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { showPaymentInfo(); });
-    connect(cmdPrintScreen, &QPushButton::clicked, this,
-            [this] { PrintScreenImage(this, QString::fromLatin1(LetterPrinter)); });
-    connect(cmdClearScreen, &QPushButton::clicked, this, [this] { clearScreen(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
-    connect(CmdQuery, &QPushButton::clicked, this, [] {
+    connectCommon([] {
         ShowScreenNamed(QStringLiteral("frmREQueryTC"),
                         [] { return static_cast<QWidget*>(new frmREQueryTC); });
     });
 }
 
 void frmREAdjustTaxBill::loadRates() {
-    QSqlDatabase db = session().DbConnection;
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT District, Ward FROM tbl_District")) && q.next()) {
-        m_district = TextField(q.value(0));
-        m_ward = TextField(q.value(1));
-    }
     QSqlRecord countyRow;
     QSqlRecord municipalRow;
-    if (q.exec(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = '000'")) && q.next())
-        countyRow = q.record();
-    q.prepare(QStringLiteral("SELECT * FROM Millfile WHERE District || Ward = ?"));
-    q.addBindValue(m_district + m_ward);
-    if (q.exec() && q.next())
-        municipalRow = q.record();
-    m_taxYear = TextField(countyRow.value("TaxYear")).trimmed();
-    if (m_taxYear.isEmpty())
-        m_taxYear = session().TaxYear;
+    readDistrict(&countyRow, &municipalRow);
+    QSqlQuery q(session().DbConnection);
 
     std::array<double, 3> specialMill{};
     q.prepare(QStringLiteral(
@@ -491,128 +415,26 @@ void frmREAdjustTaxBill::loadRates() {
 // Clear Screen and the action
 // ---------------------------------------------------------------------------------------------
 
-void frmREAdjustTaxBill::clearScreen() {
-    m_clearing = true;
-    m_loaded = false;
-    m_action = NoAction;
-    m_billNo.clear();
+void frmREAdjustTaxBill::clearOwn() {
     m_image = QSqlRecord();
-    m_flags = BillPayFlags();
-    m_nextAdjNo = 1;
     m_held = RealEstateAmounts();
-    for (QLineEdit* field : findChildren<QLineEdit*>()) {
-        // The combo boxes' own editors go with their boxes.
-        if (qobject_cast<QComboBox*>(field->parentWidget()))
-            continue;
-        const QSignalBlocker block(field);
-        field->clear();
-        field->setEnabled(false);
-    }
-    for (QComboBox* combo : {cboCity, cboState, cboLandUse}) {
-        combo->setCurrentIndex(-1);
-        combo->setEditText(QString());
-        combo->setEnabled(false);
-    }
+    clearBoxes({cboCity, cboState, cboLandUse});
     cboCity->clear();
-    for (QCheckBox* box : findChildren<QCheckBox*>()) {
-        box->setChecked(false);
-        box->setEnabled(false);
-    }
-    const auto boxes = bodyBoxes();
-    for (int b = 0; b < 3; ++b)
-        boxes[size_t(b)]->setChecked(m_bodyVisible[size_t(b)]);
     fraExclusion->hide();
-    for (QPushButton* b : {cmdAccept, cmdCalculate, cmdPaymentInfo})
-        b->setEnabled(false);
-    cboAction->setEnabled(true);
-    cboAction->setCurrentIndex(-1);
-    txtBillNo->setEnabled(true);
-    cboAction->setFocus(Qt::OtherFocusReason);
-    m_clearing = false;
-}
-
-void frmREAdjustTaxBill::openFromQuery(const QString& billNo) {
-    clearScreen();
-    m_fromQuery = true;
-    const QSignalBlocker block(txtBillNo);
-    txtBillNo->setText(billNo);
-    cboAction->setFocus(Qt::OtherFocusReason);
-}
-
-AdjustActionFlow frmREAdjustTaxBill::actionFlow() {
-    return {cboAction,
-            txtBillNo,
-            &m_action,
-            &m_loaded,
-            &m_inLeave,
-            [this] { startAddition(); },
-            [this] { loadBill(); }};
-}
-
-void frmREAdjustTaxBill::setAction(int action) {
-    SetAdjustAction(actionFlow(), action);
-}
-
-void frmREAdjustTaxBill::actionChosen(int action) {
-    AdjustActionChosen(actionFlow(), action);
-}
-
-void frmREAdjustTaxBill::billNoLeft() {
-    AdjustBillNoLeft(actionFlow());
+    cmdCalculate->setEnabled(false);
 }
 
 // ---------------------------------------------------------------------------------------------
 // Loading a bill
 // ---------------------------------------------------------------------------------------------
 
-void frmREAdjustTaxBill::loadBill() {
-    const QString title = QString::fromLatin1(AdjustTitle);
-    const QString billNo = PadBillNo(txtBillNo->text());
-    {
-        const QSignalBlocker block(txtBillNo);
-        txtBillNo->setText(billNo);
-    }
-    BillHistory history;
-    const BillNow bill =
-        ReadBillAsItStands(session().DbConnection, Duplicate::RealEstate, billNo, &history);
-    if (bill.status == BillNow::Status::NotFound || bill.status == BillNow::Status::Error) {
-        MsgBox(QStringLiteral("Bill Number Not On File"), title);
-        clearScreen();
-        return;
-    }
+QString frmREAdjustTaxBill::paymentInfoText(const QString& billNo) const {
+    return RealEstatePaymentInfoText(m_flags, m_btFlag,
+                                     ReadRealEstatePaidReceipts(session().DbConnection, billNo));
+}
 
-    m_billNo = billNo;
-    m_flags = BillPayFlagsFromRecord(history.master);
-    if (!ReplayAdjustHistory(
-            bill, history, [this](const QSqlRecord& row) { showImage(row); },
-            [this](const QSqlRecord& row) { showAddress(row); }, &m_nextAdjNo)) {
-        CloseScreen(this);
-        return;
-    }
-
-    session().PaymentInfoText = RealEstatePaymentInfoText(
-        m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, billNo));
-    if (!session().PaymentInfoText.isEmpty())
-        MsgBox(session().PaymentInfoText, QString::fromLatin1(PaymentInfoTitle));
-
-    const std::array<QString, 3> flags{m_flags.cPayFlag, m_flags.tPayFlag, m_flags.sPayFlag};
-    if (m_action != Unexonerate) {
-        if (RefuseSettledBill(m_bodyVisible, {bodySettled(0), bodySettled(1), bodySettled(2)},
-                              flags)) {
-            clearScreen();
-            return;
-        }
-    } else if (RefuseNotExonerated(m_bodyVisible, flags)) {
-        clearScreen();
-        return;
-    }
-
-    m_loaded = true;
+void frmREAdjustTaxBill::billLoaded() {
     chkInstallments->setChecked(!(MoneyField(m_image.value("Payment1")) > Money()));
-    cboAction->setEnabled(false);
-    txtBillNo->setEnabled(false);
-    cmdPaymentInfo->setEnabled(true);
-    cmdAccept->setEnabled(true);
     if (m_action == Exonerate)
         startExoneration();
     else if (m_action == Unexonerate)
@@ -811,33 +633,13 @@ void frmREAdjustTaxBill::enableAmountFields() {
 // Field leave
 // ---------------------------------------------------------------------------------------------
 
-bool frmREAdjustTaxBill::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease)
-        return SwallowRefusedRelease(watched) || QWidget::eventFilter(watched, event);
-    // While a query hands a bill over, the fields' own checks stand down.
-    if (!IsFieldLeave(event) || m_clearing || m_inLeave ||
-        session().QueryOpenedScreen.contains(objectName()))
-        return QWidget::eventFilter(watched, event);
-    auto* field = qobject_cast<QLineEdit*>(watched);
-    if (!field || !field->isEnabled())
-        return QWidget::eventFilter(watched, event);
-
-    QPointer<QWidget> target = QApplication::focusWidget();
-    // Only a move to another widget of this screen leaves the field. A press on a button that
-    // takes no focus (Exit, Clear Screen, Query, Print Screen, Payment Info) passes the focus
-    // through the screen's own window and back, and a screen closing gives it to the main
-    // window: neither checks the field or computes.
-    if (!target || target == field || target->isAncestorOf(field) || !isAncestorOf(target))
-        return QWidget::eventFilter(watched, event);
+bool frmREAdjustTaxBill::fieldLeft(QLineEdit* field, QWidget* target) {
     // Accept checks the faces itself; a value typed last into an assessment still counts.
     const bool toAccept = target == cmdAccept;
-    m_inLeave = true;
     bool refused = false;
     const auto faces = faceFields();
     const auto payments = paymentFields();
-    if (field == txtBillNo) {
-        billNoLeft();
-    } else if (field == txtAssLand) {
+    if (field == txtAssLand) {
         refused = !assessmentLeft(field, "Assessed land must be numeric");
     } else if (field == txtAssImpr) {
         refused = !assessmentLeft(field, "Assessed improvements must be numeric");
@@ -856,10 +658,7 @@ bool frmREAdjustTaxBill::eventFilter(QObject* watched, QEvent* event) {
     } else if (field == txtZipCode) {
         zipCodeLeft();
     }
-    m_inLeave = false;
-    if (refused)
-        MarkRefusedClick(this, target, event);
-    return FieldTookFocusBack(watched) || QWidget::eventFilter(watched, event);
+    return refused;
 }
 
 bool frmREAdjustTaxBill::assessmentLeft(QLineEdit* field, const char* message) {
@@ -1266,12 +1065,4 @@ bool frmREAdjustTaxBill::accept() {
     if (printBill)
         OpenREPrintTaxBillsFor(billNo, true);
     return true;
-}
-
-void frmREAdjustTaxBill::showPaymentInfo() {
-    ShowAdjustPaymentInfo(
-        m_loaded
-            ? RealEstatePaymentInfoText(
-                  m_flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, m_billNo))
-            : QString());
 }

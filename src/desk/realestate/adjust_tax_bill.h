@@ -5,6 +5,7 @@
 // adjustment is a whole new image in TCAdjust.
 
 #include "core/tax_database.h"
+#include "desk/realestate/adjust_common.h"
 #include "desk/realestate/adjust_writes.h"
 #include "desk/realestate/payment_rules.h"
 
@@ -21,23 +22,11 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-class frmREAdjustTaxBill : public QWidget {
+class frmREAdjustTaxBill : public AdjustTaxBillScreen {
     Q_OBJECT
 public:
     explicit frmREAdjustTaxBill(QWidget* parent = nullptr);
 
-    // A query screen hands a bill over: the screen is cleared, the number stands in the bill
-    // field, and the bill loads once "Adjust An Existing Tax Bill" is chosen.
-    void openFromQuery(const QString& billNo);
-
-    // The positions of cboAction. Only the first two are listed; the other two are reached by
-    // setAction alone.
-    enum Action { NoAction = -1, AdjustBill = 0, AddBill = 1, Exonerate = 2, Unexonerate = 3 };
-    // Runs the choice of an action, as a choice in the list does.
-    void setAction(int action);
-
-    QComboBox* cboAction = nullptr;
-    QLineEdit* txtBillNo = nullptr;
     QLineEdit* txtAdjNo = nullptr;
 
     QLineEdit* txtControl = nullptr;
@@ -104,52 +93,34 @@ public:
     QLineEdit* txtHDiscount = nullptr;
     QLineEdit* txtHPenalty = nullptr;
 
-    QLineEdit* txtReason = nullptr;
-    QCheckBox* chkPrintBill = nullptr;
-    QCheckBox* chkReportable = nullptr;
-    QCheckBox* chkUSPS = nullptr;
-
-    QPushButton* cmdAccept = nullptr;
-    QPushButton* cmdPaymentInfo = nullptr;
-    QPushButton* CmdQuery = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
-
-Q_SIGNALS:
-    // A bill was added, adjusted, exonerated or unexonerated; a query list that handed the bill
-    // over refreshes.
-    void billSaved(const QString& billNo);
-
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool fieldLeft(QLineEdit* field, QWidget* target) override;
 
 private:
     void buildScreen();
     void loadRates();
-    void clearScreen();
-    struct AdjustActionFlow actionFlow();
-    void actionChosen(int action);
+    void clearOwn() override;
+    void handedOver() override { m_fromQuery = true; }
 
     // Loading.
-    void billNoLeft();
-    void loadBill();
-    void showImage(const QSqlRecord& image);
-    void showAddress(const QSqlRecord& address);
-    bool bodySettled(int body) const;
+    void showImage(const QSqlRecord& image) override;
+    void showAddress(const QSqlRecord& address) override;
+    bool bodySettled(int body) const override;
+    QString paymentInfoText(const QString& billNo) const override;
+    void billLoaded() override;
     bool bodyVisible(int body) const { return m_bodyVisible[size_t(body)]; }
     void openForAdjustment();
     void startExoneration();
     void exonerationTicked();
     void startUnexoneration();
-    void startAddition();
+    void startAddition() override;
 
     // Fields and computing.
     std::array<QLineEdit*, 9> faceFields() const;
     std::array<QLineEdit*, 3> paymentFields() const {
         return {txtPayment1, txtPayment2, txtPayment3};
     }
-    std::array<QCheckBox*, 3> bodyBoxes() const { return {chkCounty, chkTwp, chkSchool}; }
+    std::array<QCheckBox*, 3> bodyBoxes() const override { return {chkCounty, chkTwp, chkSchool}; }
     bool assessmentLeft(QLineEdit* field, const char* message);
     bool exclusionLeft(QLineEdit* field, const char* message);
     bool faceLeft(QLineEdit* field);
@@ -164,31 +135,18 @@ private:
     void enableAmountFields();
     void zipCodeLeft();
 
-    bool accept();
+    bool accept() override;
     bool acceptChecks();
     RealEstateBillImage imageOnScreen() const;
-    void showPaymentInfo();
 
     // The rates read at opening.
-    QString m_district;
-    QString m_ward;
-    QString m_taxYear;
-    QString m_btFlag;
     RealEstateRates m_rates;
     std::array<QString, 3> m_specialName{};
-    std::array<bool, 3> m_bodyVisible{};
 
     // The bill on the screen.
-    int m_action = NoAction;
-    bool m_loaded = false;
-    QString m_billNo;
-    QSqlRecord m_image;   // the image shown last: master or last adjustment
-    BillPayFlags m_flags; // the master's pay flags
-    int m_nextAdjNo = 1;
+    QSqlRecord m_image;       // the image shown last: master or last adjustment
     RealEstateAmounts m_held; // discount and penalty of each line, exclusion, installments
     // The image's amounts while an exoneration is chosen.
     RealEstateAmounts m_beforeExoneration;
     bool m_fromQuery = false;
-    bool m_inLeave = false;
-    bool m_clearing = false;
 };
