@@ -5,6 +5,7 @@
 //   bench_adjust [--parcels N] [--persons N] [--bills N]
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
+#include "bench_desk_support.h"
 #include "bench_support.h"
 #include "core/messages.h"
 #include "core/session.h"
@@ -97,22 +98,9 @@ int main(int argc, char** argv) {
     const int bills = Argument(args, "--bills", 100);
 
     QTemporaryDir dir;
-    const QString path = dir.filePath("KestLevyDsk2013.sqlite");
-    QString error;
-    if (!CreateDemoDatabase(path, options, &error)) {
-        std::fprintf(stderr, "demo database failed: %s\n", qPrintable(error));
+    if (!OpenDemoSession(dir, options))
         return 1;
-    }
-    if (!OpenSessionDatabase(path, &error)) {
-        std::fprintf(stderr, "cannot open the demo database: %s\n", qPrintable(error));
-        return 1;
-    }
     QSqlDatabase db = session().DbConnection;
-    {
-        QSqlQuery q(db);
-        if (q.exec("SELECT TaxYear FROM Millfile WHERE District || Ward = '000'") && q.next())
-            session().TaxYear = q.value(0).toString().left(4);
-    }
 
     // Bills with nothing paid and no history, spread over the whole file.
     QStringList billNos;

@@ -6,6 +6,7 @@
 //   bench_pc_desk [--parcels N] [--persons N] [--bills N]
 // Run with QT_QPA_PLATFORM=offscreen when there is no display.
 
+#include "bench_desk_support.h"
 #include "bench_support.h"
 #include "core/messages.h"
 #include "core/session.h"
@@ -25,35 +26,6 @@
 #include <memory>
 #include <vector>
 
-namespace {
-
-// Answers every question Yes and every box OK; counts what was asked.
-class YesToEverything final : public MessageService {
-public:
-    int boxes = 0;
-    QStringList unexpected;
-    MsgAnswer message(const QString& title, const QString& text, MsgButtons buttons,
-                      MsgIcon) override {
-        ++boxes;
-        if (text != QLatin1String("Payment Received") &&
-            !text.startsWith(QLatin1String("Are you sure")) &&
-            !text.startsWith(QLatin1String("Do you want")))
-            unexpected << title + QStringLiteral(": ") + text;
-        return buttons == MsgButtons::Ok ? MsgAnswer::Ok : MsgAnswer::Yes;
-    }
-    std::optional<QString> input(const QString&, const QString&, const QString&) override {
-        return QStringLiteral("0");
-    }
-    std::optional<QString> openFileName(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<QString> saveFileName(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-};
-
-} // namespace
-
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
@@ -63,21 +35,8 @@ int main(int argc, char** argv) {
     const int bills = Argument(args, "--bills", 200);
 
     QTemporaryDir dir;
-    const QString path = dir.filePath("KestLevyDsk2013.sqlite");
-    QString error;
-    if (!CreateDemoDatabase(path, options, &error)) {
-        std::fprintf(stderr, "demo database failed: %s\n", qPrintable(error));
+    if (!OpenDemoSession(dir, options))
         return 1;
-    }
-    if (!OpenSessionDatabase(path, &error)) {
-        std::fprintf(stderr, "cannot open the demo database: %s\n", qPrintable(error));
-        return 1;
-    }
-    {
-        QSqlQuery q(session().DbConnection);
-        if (q.exec("SELECT TaxYear FROM Millfile WHERE District || Ward = '000'") && q.next())
-            session().TaxYear = q.value(0).toString().left(4);
-    }
 
     // Bills with nothing paid, spread over the whole file.
     QStringList billNos;
