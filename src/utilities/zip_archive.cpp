@@ -119,7 +119,7 @@ int cZip::run(bool deleting) {
         return 0;
     }
 
-    // The files the specifications name, in their order; each entry once.
+    // The files the file specs name, in their order; each entry once.
     QList<Item> items;
     QSet<QString> taken;
     auto entryName = [&](const QFileInfo& info) {

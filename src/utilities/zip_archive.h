@@ -1,7 +1,7 @@
 #pragma once
-// cZip: a zip archive made or trimmed from a list of file specifications, over libzip.
+// cZip: a zip archive made or trimmed from a list of file specs, over libzip.
 //
-// A specification is a file, a folder, or a file name pattern with * and ? in its last part;
+// A file spec is a file, a folder, or a file name pattern with * and ? in its last part;
 // a relative one is taken from BasePath. An entry is named by the file's bare name, or, with
 // StoreFolderNames, by its path relative to BasePath (from the root when it is not under it).
 
@@ -16,7 +16,7 @@ public:
 
     // The archive written by Zip and trimmed by Delete.
     QString ZipFile;
-    // Where relative specifications and stored folder names start.
+    // Where relative file specs and stored folder names start.
     QString BasePath;
     // Entries are encrypted (AES-256) with the password the Password callback gives.
     bool Encrypt = false;
@@ -47,14 +47,14 @@ public:
     void ClearFileSpecs();
     void AddFileSpec(const QString& fileSpec);
     int FileSpecCount() const { return int(m_fileSpecs.size()); }
-    // 1-based, as the specifications were added; empty out of range.
+    // 1-based, as the file specs were added; empty out of range.
     QString FileSpec(int index) const;
 
-    // Writes the archive from the specifications. 0 on success, else a libzip error number
+    // Writes the archive from the file specs. 0 on success, else a libzip error number
     // (or -1 for an error of the files), with ErrorText saying what went wrong. With no
-    // specification there is nothing to do: 0, and the archive is left as it is.
+    // file spec there is nothing to do: 0, and the archive is left as it is.
     int Zip();
-    // Deletes the entries that match the specifications (names or patterns of entry names)
+    // Deletes the entries that match the file specs (names or patterns of entry names)
     // from the archive. 0 on success, as Zip.
     int Delete();
     QString ErrorText() const { return m_error; }
