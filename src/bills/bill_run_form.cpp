@@ -2,6 +2,7 @@
 
 #include "bills/bill_sheet.h"
 
+#include "core/common_values.h"
 #include "core/messages.h"
 #include "core/screen_host.h"
 #include "core/session.h"
@@ -16,6 +17,7 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <algorithm>
@@ -27,6 +29,46 @@ void exclaim(const QString& text, const char* title) {
 }
 
 } // namespace
+
+bool BillRunForm::checkFrameAndStartBill() {
+    if (!optBillEarly->isChecked() && !optBillLate->isChecked()) {
+        exclaim(QStringLiteral("Billing Time Frame must be selected."), "Enter Billing Time Frame");
+        return false;
+    }
+    if (!txtBillNo->text().trimmed().isEmpty()) {
+        const QString typed = txtBillNo->text().trimmed();
+        bool numeric = false;
+        const double n = typed.toDouble(&numeric);
+        txtBillNo->setText(numeric ? PadFormat(n, "####0") : typed.rightJustified(5));
+    }
+    return true;
+}
+
+std::optional<int> BillRunForm::checkMailers() {
+    const char* const title = "Select Number Of Mailers";
+    const QString mailersText = txtNumberOfMailers->text().trimmed();
+    if (mailersText.isEmpty()) {
+        exclaim(QStringLiteral("Number Of Mailers Must Be Specified"), title);
+        txtNumberOfMailers->setFocus();
+        return std::nullopt;
+    }
+    bool numeric = false;
+    const double mailers = mailersText.toDouble(&numeric);
+    if (!numeric) {
+        exclaim(QStringLiteral("Number Of Mailers Must Be Numeric"), title);
+        txtNumberOfMailers->setFocus();
+        return std::nullopt;
+    }
+    return int(std::max(0.0, std::min(mailers, 2.0e9)));
+}
+
+std::optional<QString> BillRunForm::letterPrinter(const QString& missingPrinter) {
+    const std::optional<QString> device =
+        AssignedPrinter(session().DbConnection, QString::fromLatin1(LetterPrinter));
+    if (!device)
+        MsgBox(missingPrinter, QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
+    return device;
+}
 
 void BillRunForm::closeEvent(QCloseEvent* event) {
     if (m_printing) {

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 class QCheckBox;
 class QCloseEvent;
@@ -58,6 +59,14 @@ protected:
     void showProgress(bool on);
     // Cancel: the run stops after the bill in hand.
     void cancelRun() { m_cancel = true; }
+
+    // The checks every run starts with, each saying what is wrong and putting the focus there:
+    // a billing time frame chosen (and the start bill padded as bill numbers are); the number
+    // of mailers given and numeric; the Letter printer assigned (missingPrinter the message when
+    // it is not).
+    bool checkFrameAndStartBill();
+    std::optional<int> checkMailers();
+    std::optional<QString> letterPrinter(const QString& missingPrinter);
 
     struct RunTexts {
         QString jobName;       // "Real Estate Tax Bills"

@@ -36,7 +36,6 @@ namespace {
 const char* const FormTitle = "Print Real Estate Tax Bills";
 // The title this form shows on its "no bills" and "Printing Complete." messages.
 const char* const PerCapitaTitle = "Print Per Capita Tax Bills";
-const char* const MailersTitle = "Select Number Of Mailers";
 
 void exclaim(const QString& text, const char* title) {
     MsgBox(text, QLatin1String(title), MsgButtons::Ok, MsgIcon::Exclamation);
@@ -165,45 +164,23 @@ void frmREPrintTaxBills::cmdOK_Click() {
     if (printing())
         return;
     QSqlDatabase db = session().DbConnection;
-    // 1. The frame.
-    if (!optBillEarly->isChecked() && !optBillLate->isChecked()) {
-        exclaim(QStringLiteral("Billing Time Frame must be selected."), "Enter Billing Time Frame");
+    // 1, 2. The frame, and the start bill padded as bill numbers are.
+    if (!checkFrameAndStartBill())
         return;
-    }
-    // 2. The start bill, padded as bill numbers are.
-    if (!txtBillNo->text().trimmed().isEmpty()) {
-        const QString typed = txtBillNo->text().trimmed();
-        bool numeric = false;
-        const double n = typed.toDouble(&numeric);
-        txtBillNo->setText(numeric ? PadFormat(n, "####0") : typed.rightJustified(5));
-    }
     // 3. The order.
     if (!optBillNo->isChecked() && !optZipCode->isChecked()) {
         exclaim(QStringLiteral("Either Bill # or Zip Code Order Must Be Selected"), "Select Order");
         optBillNo->setFocus();
         return;
     }
-    // 4. How many.
-    const QString mailersText = txtNumberOfMailers->text().trimmed();
-    if (mailersText.isEmpty()) {
-        exclaim(QStringLiteral("Number Of Mailers Must Be Specified"), MailersTitle);
-        txtNumberOfMailers->setFocus();
+    // 4. How many, 5. the printer.
+    const std::optional<int> mailers = checkMailers();
+    if (!mailers)
         return;
-    }
-    bool numeric = false;
-    const double mailers = mailersText.toDouble(&numeric);
-    if (!numeric) {
-        exclaim(QStringLiteral("Number Of Mailers Must Be Numeric"), MailersTitle);
-        txtNumberOfMailers->setFocus();
+    const std::optional<QString> device =
+        letterPrinter(QStringLiteral("There is currently no Laser size printer assigned."));
+    if (!device)
         return;
-    }
-    // 5. The printer.
-    const std::optional<QString> device = AssignedPrinter(db, QString::fromLatin1(LetterPrinter));
-    if (!device) {
-        MsgBox(QStringLiteral("There is currently no Laser size printer assigned."),
-               QStringLiteral("Printer Error"), MsgButtons::Ok, MsgIcon::Critical);
-        return;
-    }
 
     REBillOffice office;
     QString error;
@@ -219,7 +196,7 @@ void frmREPrintTaxBills::cmdOK_Click() {
     run.samples = chkSamples->isChecked();
     run.ascending = chkPlainPaperCopy->isChecked();
     run.startBill = txtBillNo->text();
-    run.mailers = int(std::max(0.0, std::min(mailers, 2.0e9)));
+    run.mailers = *mailers;
     run.lateBillingRun = session().LateBillingRun;
 
     // 6 to the end: the run as one print job, and how it ended.
