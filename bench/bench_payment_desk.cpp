@@ -37,64 +37,20 @@ int main(int argc, char** argv) {
         return 1;
 
     // Bills with nothing paid, spread over the whole file.
-    QStringList billNos;
-    {
-        QSqlQuery q(session().DbConnection);
-        q.exec("SELECT BillNo FROM TCMaster WHERE trim(CPayFlag) = '' AND trim(TPayFlag) = '' "
-               "AND trim(SPayFlag) = '' AND AdjFlag <> 'A' AND CAddrFlag <> 'A' "
-               "AND TaxClaimFlag <> 'Y' AND County + Twp + School > 0 ORDER BY BillNo");
-        QStringList all;
-        while (q.next())
-            all << q.value(0).toString();
-        const qsizetype step = std::max<qsizetype>(1, all.size() / std::max(1, bills));
-        for (qsizetype i = 0; i < all.size() && billNos.size() < bills; i += step)
-            billNos << all.at(i);
-    }
+    const QStringList billNos = SpreadBills(
+        QString::fromLatin1(
+            "SELECT BillNo FROM TCMaster WHERE trim(CPayFlag) = '' AND trim(TPayFlag) = '' "
+            "AND trim(SPayFlag) = '' AND AdjFlag <> 'A' AND CAddrFlag <> 'A' "
+            "AND TaxClaimFlag <> 'Y' AND County + Twp + School > 0 ORDER BY BillNo"),
+        bills);
     if (billNos.isEmpty()) {
         std::fprintf(stderr, "no unpaid bills in the demo database\n");
         return 1;
     }
-
-    auto* answers = new YesToEverything;
-    installMessageService(std::unique_ptr<MessageService>(answers));
-    auto screen = std::make_unique<frmREReceivePayment>();
-    screen->show();
-    app.processEvents();
-
     std::vector<double> shown;
     std::vector<double> accepted;
-    for (const QString& billNo : billNos) {
-        QElapsedTimer t;
-        t.start();
-        screen->enterBillNo(billNo.trimmed());
-        shown.push_back(t.nsecsElapsed() / 1e6);
-        if (screen->txtName->text().isEmpty()) {
-            std::fprintf(stderr, "bill %s was not shown\n", qPrintable(billNo));
-            return 1;
-        }
-
-        screen->txtPayor->setText(QStringLiteral("BENCH PAYOR"));
-        screen->txtChecknum->setText(QStringLiteral("1000"));
-        screen->chkPrintReceipt->setChecked(false);
-        t.restart();
-        screen->cmdAccept->click();
-        accepted.push_back(t.nsecsElapsed() / 1e6);
-        app.processEvents();
-    }
-
-    QSqlQuery q(session().DbConnection);
-    q.exec("SELECT count(*) FROM TCReceipt WHERE Payor = 'BENCH PAYOR'");
-    const int written = q.next() ? q.value(0).toInt() : 0;
-    std::printf("payment desk on %d parcels, %lld bills:\n", options.parcels,
-                static_cast<long long>(billNos.size()));
-    std::printf("  bill number left -> bill shown:   median %.2f ms, worst %.2f ms\n",
-                Median(shown), Worst(shown));
-    std::printf("  accept -> payment committed:      median %.2f ms, worst %.2f ms\n",
-                Median(accepted), Worst(accepted));
-    std::printf("  receipts written: %d\n", written);
-    for (const QString& box : answers->unexpected)
-        std::printf("  unexpected box: %s\n", qPrintable(box));
-    screen.reset();
-    CloseSessionDatabase();
-    return written == billNos.size() ? 0 : 1;
+    const bool ok = TimePayments(
+        app, std::make_unique<frmREReceivePayment>(), billNos, QStringLiteral("TCReceipt"),
+        QStringLiteral("payment desk on %1 parcels").arg(options.parcels), &shown, &accepted);
+    return ok ? 0 : 1;
 }
