@@ -398,22 +398,14 @@ void frmPCQueryIndividual::setRowButtons(bool enabled) {
 void frmPCQueryIndividual::toAdjust() {
     if (m_position < 0)
         return;
-    auto* target = ShowQueryTarget<frmPCAdjustTaxBill>("frmPCAdjustTaxBill");
-    if (!target)
-        return;
-    connect(target, &frmPCAdjustTaxBill::billSaved, this, &frmPCQueryIndividual::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(txtPBillNo->text());
-    session().QueryOpenedScreen.remove(target->objectName());
+    if (auto* target = HandToScreen<frmPCAdjustTaxBill>("frmPCAdjustTaxBill", txtPBillNo->text(),
+                                                        this, &frmPCAdjustTaxBill::billSaved))
+        session().QueryOpenedScreen.remove(target->objectName());
 }
 
 void frmPCQueryIndividual::toAddress() {
     if (m_position < 0)
         return;
-    auto* target = ShowQueryTarget<frmPCAddressChange>("frmPCAddressChange");
-    if (!target)
-        return;
-    connect(target, &frmPCAddressChange::addressChanged, this, &frmPCQueryIndividual::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(txtPBillNo->text());
+    HandToScreen<frmPCAddressChange>("frmPCAddressChange", txtPBillNo->text(), this,
+                                     &frmPCAddressChange::addressChanged);
 }

@@ -153,25 +153,17 @@ void frmPCQueryTC::toAdjust() {
     const QString billNo = currentNumber();
     if (billNo.isEmpty())
         return;
-    auto* target = ShowQueryTarget<frmPCAdjustTaxBill>("frmPCAdjustTaxBill");
-    if (!target)
-        return;
-    connect(target, &frmPCAdjustTaxBill::billSaved, this, &frmPCQueryTC::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(billNo);
-    session().QueryOpenedScreen.remove(target->objectName());
+    if (auto* target = HandToScreen<frmPCAdjustTaxBill>("frmPCAdjustTaxBill", billNo, this,
+                                                        &frmPCAdjustTaxBill::billSaved))
+        session().QueryOpenedScreen.remove(target->objectName());
 }
 
 void frmPCQueryTC::toAddress() {
     const QString billNo = currentNumber();
     if (billNo.isEmpty())
         return;
-    auto* target = ShowQueryTarget<frmPCAddressChange>("frmPCAddressChange");
-    if (!target)
-        return;
-    connect(target, &frmPCAddressChange::addressChanged, this, &frmPCQueryTC::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(billNo);
+    HandToScreen<frmPCAddressChange>("frmPCAddressChange", billNo, this,
+                                     &frmPCAddressChange::addressChanged);
 }
 
 frmPCQueryReceipts::frmPCQueryReceipts(QWidget* parent)

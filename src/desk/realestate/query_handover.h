@@ -16,6 +16,19 @@ template <typename Screen> Screen* ShowQueryTarget(const char* screenName) {
                                                  [] { return static_cast<QWidget*>(new Screen); }));
 }
 
+// Hands a number to the desk screen of that name as above, through its openFromQuery, and makes
+// the list search again whenever the screen's `saved` signal reports a change. The screen, or
+// nullptr when none could be made.
+template <typename Screen, typename List, typename Signal>
+Screen* HandToScreen(const char* screenName, const QString& number, List* list, Signal saved) {
+    auto* target = ShowQueryTarget<Screen>(screenName);
+    if (!target)
+        return nullptr;
+    QObject::connect(target, saved, list, &List::requery, Qt::UniqueConnection);
+    target->openFromQuery(number);
+    return target;
+}
+
 // Shows the open screen of that name, or a new one made by create, without any flag: a desk
 // screen's Query button opening the list.
 QWidget* ShowScreenNamed(const QString& screenName, const std::function<QWidget*()>& create);

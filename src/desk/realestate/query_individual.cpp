@@ -498,35 +498,23 @@ void frmREQueryIndividual::paymentInfo() {
 void frmREQueryIndividual::toPayment() {
     if (m_position < 0)
         return;
-    auto* target = ShowQueryTarget<frmREReceivePayment>("frmREReceivePayment");
-    if (!target)
-        return;
-    connect(target, &frmREReceivePayment::paymentReceived, this, &frmREQueryIndividual::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(txtPBillNo->text());
+    HandToScreen<frmREReceivePayment>("frmREReceivePayment", txtPBillNo->text(), this,
+                                      &frmREReceivePayment::paymentReceived);
 }
 
 void frmREQueryIndividual::toAddress() {
     if (m_position < 0)
         return;
-    auto* target = ShowQueryTarget<frmREAddressChange>("frmREAddressChange");
-    if (!target)
-        return;
-    connect(target, &frmREAddressChange::addressChanged, this, &frmREQueryIndividual::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(txtPBillNo->text());
+    HandToScreen<frmREAddressChange>("frmREAddressChange", txtPBillNo->text(), this,
+                                     &frmREAddressChange::addressChanged);
 }
 
 void frmREQueryIndividual::toAdjust() {
     if (m_position < 0)
         return;
-    auto* target = ShowQueryTarget<frmREAdjustTaxBill>("frmREAdjustTaxBill");
-    if (!target)
-        return;
-    connect(target, &frmREAdjustTaxBill::billSaved, this, &frmREQueryIndividual::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(txtPBillNo->text());
-    session().QueryOpenedScreen.remove(target->objectName());
+    if (auto* target = HandToScreen<frmREAdjustTaxBill>("frmREAdjustTaxBill", txtPBillNo->text(),
+                                                        this, &frmREAdjustTaxBill::billSaved))
+        session().QueryOpenedScreen.remove(target->objectName());
 }
 
 // ---------------------------------------------------------------------------------------------

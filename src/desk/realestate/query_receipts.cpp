@@ -78,12 +78,8 @@ void frmREQueryReceipts::toVoid() {
     const QString recnum = currentNumber();
     if (recnum.isEmpty())
         return;
-    auto* target = ShowQueryTarget<frmREVoidReceipt>("frmREVoidReceipt");
-    if (!target)
-        return;
-    connect(target, &frmREVoidReceipt::receiptVoided, this, &frmREQueryReceipts::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(recnum);
+    HandToScreen<frmREVoidReceipt>("frmREVoidReceipt", recnum, this,
+                                   &frmREVoidReceipt::receiptVoided);
 }
 
 void frmREQueryReceipts::toReprint() {

@@ -137,38 +137,26 @@ void frmREQueryTC::toPayment() {
     const QString billNo = currentNumber();
     if (billNo.isEmpty())
         return;
-    auto* target = ShowQueryTarget<frmREReceivePayment>("frmREReceivePayment");
-    if (!target)
-        return;
-    connect(target, &frmREReceivePayment::paymentReceived, this, &frmREQueryTC::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(billNo);
+    HandToScreen<frmREReceivePayment>("frmREReceivePayment", billNo, this,
+                                      &frmREReceivePayment::paymentReceived);
 }
 
 void frmREQueryTC::toAdjust() {
     const QString billNo = currentNumber();
     if (billNo.isEmpty())
         return;
-    auto* target = ShowQueryTarget<frmREAdjustTaxBill>("frmREAdjustTaxBill");
-    if (!target)
-        return;
-    connect(target, &frmREAdjustTaxBill::billSaved, this, &frmREQueryTC::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(billNo);
-    // The number is in; the screen's own checks work again once an action is chosen.
-    session().QueryOpenedScreen.remove(target->objectName());
+    if (auto* target = HandToScreen<frmREAdjustTaxBill>("frmREAdjustTaxBill", billNo, this,
+                                                        &frmREAdjustTaxBill::billSaved))
+        // The number is in; the screen's own checks work again once an action is chosen.
+        session().QueryOpenedScreen.remove(target->objectName());
 }
 
 void frmREQueryTC::toAddress() {
     const QString billNo = currentNumber();
     if (billNo.isEmpty())
         return;
-    auto* target = ShowQueryTarget<frmREAddressChange>("frmREAddressChange");
-    if (!target)
-        return;
-    connect(target, &frmREAddressChange::addressChanged, this, &frmREQueryTC::requery,
-            Qt::UniqueConnection);
-    target->openFromQuery(billNo);
+    HandToScreen<frmREAddressChange>("frmREAddressChange", billNo, this,
+                                     &frmREAddressChange::addressChanged);
 }
 
 void frmREQueryTC::printTaxBill() {
