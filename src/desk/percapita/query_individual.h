@@ -4,87 +4,26 @@
 // the reading of the bill and the stepping are those of the real-estate screen.
 
 #include "desk/percapita/adjust_writes.h"
+#include "desk/realestate/individual_query.h"
 
-#include <QSqlRecord>
-#include <QString>
-#include <QStringList>
-#include <QWidget>
 #include <array>
 
-class FieldLeave;
-class QGroupBox;
-class QLabel;
-class QLineEdit;
-class QPushButton;
-class QRadioButton;
-
-class frmPCQueryIndividual : public QWidget {
+class frmPCQueryIndividual : public IndividualQueryScreen {
     Q_OBJECT
 public:
     explicit frmPCQueryIndividual(QWidget* parent = nullptr);
 
-    QRadioButton* optName = nullptr;
-    QRadioButton* optBill = nullptr;
-    QRadioButton* optControl = nullptr;
-    QGroupBox* fraName = nullptr;
-    QGroupBox* fraBill = nullptr;
-    QGroupBox* fraControl = nullptr;
-    QLineEdit* txtName = nullptr;
-    QLineEdit* txtBillNo = nullptr;
-    QLineEdit* txtControl = nullptr;
-    QRadioButton* optDiscount = nullptr;
-    QRadioButton* optFace = nullptr;
-    QRadioButton* optPenalty = nullptr;
-
-    QLineEdit* txtPControl = nullptr;
-    QLineEdit* txtPName = nullptr;
-    QLineEdit* txtPBillNo = nullptr;
-    QLineEdit* txtCPayFlag = nullptr;
-    QLineEdit* txtTPayFlag = nullptr;
-    QLineEdit* txtSPayFlag = nullptr;
-    QLineEdit* txtAdjFlag = nullptr;
-    QLineEdit* txtCAddrFlag = nullptr;
     std::array<QLineEdit*, PerCapitaLineCount> txtLine{}; // txtCPerCapita .. txtSOccupation
-    QLineEdit* txtCTotal = nullptr;
-    QLineEdit* txtTTotal = nullptr;
-    QLineEdit* txtSTotal = nullptr;
-    QLineEdit* txtTotal = nullptr;
 
-    QPushButton* cmdSearch = nullptr;
-    QPushButton* cmdForward = nullptr;
-    QPushButton* cmdBackward = nullptr;
-    QPushButton* cmdClearScreen = nullptr;
-    QPushButton* cmdPrintScreen = nullptr;
-    QPushButton* cmdExit = nullptr;
-    QPushButton* cmdPayment = nullptr;
-    QPushButton* cmdAdjust = nullptr;
-    QPushButton* cmdAddress = nullptr;
-    QPushButton* cmdPrintTaxBill = nullptr;
-    QPushButton* cmdPaymentInfo = nullptr;
-
-public Q_SLOTS:
-    // Shows the bill on the screen again from the file: a target screen has saved.
-    void requery();
-
-private:
-    enum class SearchBy { None, Name, Bill, Control };
-
-    void buildScreen();
-    void loadRates();
-    void choose(SearchBy by);
-    void search();
-    bool showBill(int position);
-    void showAmounts();
-    void clearScreen();
-    void setRowButtons(bool enabled);
-    void toAdjust();
-    void toAddress();
-
-    SearchBy m_by = SearchBy::None;
-    QStringList m_found;
-    int m_position = -1;
-    QSqlRecord m_master;
-    QSqlRecord m_source;
-    QString m_btFlag;
-    FieldLeave* m_leave = nullptr;
+protected:
+    void buildTaxpayer() override;
+    void buildAmounts(QGroupBox* frame, QGridLayout* grid) override;
+    void loadOffice(const IndividualQueryOffice& office) override;
+    void showBillFields() override {}
+    void showLines(QChar period, std::array<Money, 3>& totals) override;
+    QString paymentInfoText() override;
+    void toPayment() override;
+    void toAdjust() override;
+    void toAddress() override;
+    void printTaxBill() override;
 };
