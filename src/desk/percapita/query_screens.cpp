@@ -110,60 +110,31 @@ QString PerCapitaReceiptListSql() {
         .arg(AmountSum(amounts));
 }
 
-frmPCQueryTC::frmPCQueryTC(QWidget* parent) : QueryListScreen(masterListKind(), parent) {
-    dtgMasterList = grid;
-    masterList = model;
-    cmdPayment = rowButton("cmdPayment");
-    cmdAdjust = rowButton("cmdAdjust");
-    cmdAddress = rowButton("cmdAddress");
-    cmdPrintTaxBill = rowButton("cmdPrintTaxBill");
-    cmdPaymentInfo = rowButton("cmdPaymentInfo");
-    m_btFlag = DistrictBTFlag();
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { paymentInfo(); });
-    connect(dtgMasterList, &QTableView::doubleClicked, this, [this] { paymentInfo(); });
-    connect(cmdPayment, &QPushButton::clicked, this, [this] {
-        if (!currentNumber().isEmpty())
-            HandToDeskScreen(QStringLiteral("frmPCReceivePayment"), currentNumber(), this,
-                             SIGNAL(paymentReceived(QString)));
-    });
-    connect(cmdAdjust, &QPushButton::clicked, this, [this] { toAdjust(); });
-    connect(cmdAddress, &QPushButton::clicked, this, [this] { toAddress(); });
-    connect(cmdPrintTaxBill, &QPushButton::clicked, this, [this] {
-        if (!currentNumber().isEmpty())
-            OpenPCPrintTaxBillsFor(currentNumber());
-    });
+frmPCQueryTC::frmPCQueryTC(QWidget* parent) : MasterListScreen(masterListKind(), parent) {}
+
+QString frmPCQueryTC::paymentInfoText(const QString& billNo) {
+    return PerCapitaPaymentInfoText(currentFlags(false), btFlag(),
+                                    ReadPerCapitaReceipts(session().DbConnection, billNo));
 }
 
-void frmPCQueryTC::paymentInfo() {
-    if (currentRow() < 0)
-        return;
-    BillPayFlags flags;
-    auto flag = [this](const char* name) {
-        const QString value = currentText(name);
-        return value.isEmpty() ? QStringLiteral(" ") : value;
-    };
-    flags.cPayFlag = flag("CPayFlag");
-    flags.tPayFlag = flag("TPayFlag");
-    flags.sPayFlag = flag("SPayFlag");
-    ShowListPaymentInfo(PerCapitaPaymentInfoText(
-        flags, m_btFlag, ReadPerCapitaReceipts(session().DbConnection, currentNumber())));
+void frmPCQueryTC::toPayment(const QString& billNo) {
+    HandToDeskScreen(QStringLiteral("frmPCReceivePayment"), billNo, this,
+                     SIGNAL(paymentReceived(QString)));
 }
 
-void frmPCQueryTC::toAdjust() {
-    const QString billNo = currentNumber();
-    if (billNo.isEmpty())
-        return;
+void frmPCQueryTC::toAdjust(const QString& billNo) {
     if (auto* target = HandToScreen<frmPCAdjustTaxBill>("frmPCAdjustTaxBill", billNo, this,
                                                         &frmPCAdjustTaxBill::billSaved))
         session().QueryOpenedScreen.remove(target->objectName());
 }
 
-void frmPCQueryTC::toAddress() {
-    const QString billNo = currentNumber();
-    if (billNo.isEmpty())
-        return;
+void frmPCQueryTC::toAddress(const QString& billNo) {
     HandToScreen<frmPCAddressChange>("frmPCAddressChange", billNo, this,
                                      &frmPCAddressChange::addressChanged);
+}
+
+void frmPCQueryTC::printTaxBill(const QString& billNo) {
+    OpenPCPrintTaxBillsFor(billNo);
 }
 
 frmPCQueryReceipts::frmPCQueryReceipts(QWidget* parent)

@@ -4,7 +4,7 @@
 // with the per capita tables, columns and searches (no map); a found row goes to the per capita
 // desk screens.
 
-#include "desk/realestate/query_list.h"
+#include "desk/realestate/query_tc.h"
 
 #include <QString>
 
@@ -18,25 +18,17 @@ QString PerCapitaAmountsSql();
 // Every per capita receipt with its total, the sum of all 18 amount columns.
 QString PerCapitaReceiptListSql();
 
-class frmPCQueryTC : public QueryListScreen {
+class frmPCQueryTC : public MasterListScreen {
     Q_OBJECT
 public:
     explicit frmPCQueryTC(QWidget* parent = nullptr);
 
-    QTableView* dtgMasterList = nullptr;
-    QueryGridModel* masterList = nullptr;
-    QPushButton* cmdPayment = nullptr;
-    QPushButton* cmdAdjust = nullptr;
-    QPushButton* cmdAddress = nullptr;
-    QPushButton* cmdPrintTaxBill = nullptr;
-    QPushButton* cmdPaymentInfo = nullptr;
-
-private:
-    void paymentInfo();
-    void toAdjust();
-    void toAddress();
-
-    QString m_btFlag;
+protected:
+    QString paymentInfoText(const QString& billNo) override;
+    void toPayment(const QString& billNo) override;
+    void toAdjust(const QString& billNo) override;
+    void toAddress(const QString& billNo) override;
+    void printTaxBill(const QString& billNo) override;
 };
 
 class frmPCQueryReceipts : public QueryListScreen {

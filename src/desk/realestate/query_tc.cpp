@@ -100,7 +100,8 @@ void ShowListPaymentInfo(const QString& text) {
            QString::fromLatin1(PaymentInfoTitle), MsgButtons::Ok, MsgIcon::Information);
 }
 
-frmREQueryTC::frmREQueryTC(QWidget* parent) : QueryListScreen(masterListKind(), parent) {
+MasterListScreen::MasterListScreen(const QueryListKind& kind, QWidget* parent)
+    : QueryListScreen(kind, parent) {
     dtgMasterList = grid;
     masterList = model;
     cmdPayment = rowButton("cmdPayment");
@@ -109,59 +110,63 @@ frmREQueryTC::frmREQueryTC(QWidget* parent) : QueryListScreen(masterListKind(), 
     cmdPrintTaxBill = rowButton("cmdPrintTaxBill");
     cmdPaymentInfo = rowButton("cmdPaymentInfo");
     m_btFlag = DistrictBTFlag();
-    connect(cmdPaymentInfo, &QPushButton::clicked, this, [this] { paymentInfo(); });
-    connect(cmdPayment, &QPushButton::clicked, this, [this] { toPayment(); });
-    connect(cmdAdjust, &QPushButton::clicked, this, [this] { toAdjust(); });
-    connect(cmdAddress, &QPushButton::clicked, this, [this] { toAddress(); });
-    connect(cmdPrintTaxBill, &QPushButton::clicked, this, [this] { printTaxBill(); });
-    connect(dtgMasterList, &QTableView::doubleClicked, this, [this] { paymentInfo(); });
+    auto onRow = [this](void (MasterListScreen::*action)(const QString&)) {
+        return [this, action] {
+            const QString billNo = currentNumber();
+            if (!billNo.isEmpty())
+                (this->*action)(billNo);
+        };
+    };
+    auto paymentInfo = [this] {
+        if (currentRow() >= 0)
+            ShowListPaymentInfo(paymentInfoText(currentNumber()));
+    };
+    connect(cmdPaymentInfo, &QPushButton::clicked, this, paymentInfo);
+    connect(dtgMasterList, &QTableView::doubleClicked, this, paymentInfo);
+    connect(cmdPayment, &QPushButton::clicked, this, onRow(&MasterListScreen::toPayment));
+    connect(cmdAdjust, &QPushButton::clicked, this, onRow(&MasterListScreen::toAdjust));
+    connect(cmdAddress, &QPushButton::clicked, this, onRow(&MasterListScreen::toAddress));
+    connect(cmdPrintTaxBill, &QPushButton::clicked, this, onRow(&MasterListScreen::printTaxBill));
 }
 
-void frmREQueryTC::paymentInfo() {
-    if (currentRow() < 0)
-        return;
-    BillPayFlags flags;
+BillPayFlags MasterListScreen::currentFlags(bool installments) const {
     auto flag = [this](const char* name) {
         const QString value = currentText(name);
         return value.isEmpty() ? QStringLiteral(" ") : value;
     };
+    BillPayFlags flags;
     flags.cPayFlag = flag("CPayFlag");
     flags.tPayFlag = flag("TPayFlag");
     flags.sPayFlag = flag("SPayFlag");
-    flags.payFlag = {flag("Pay1Flag"), flag("Pay2Flag"), flag("Pay3Flag")};
-    ShowListPaymentInfo(RealEstatePaymentInfoText(
-        flags, m_btFlag, ReadRealEstatePaidReceipts(session().DbConnection, currentNumber())));
+    if (installments)
+        flags.payFlag = {flag("Pay1Flag"), flag("Pay2Flag"), flag("Pay3Flag")};
+    return flags;
 }
 
-void frmREQueryTC::toPayment() {
-    const QString billNo = currentNumber();
-    if (billNo.isEmpty())
-        return;
+frmREQueryTC::frmREQueryTC(QWidget* parent) : MasterListScreen(masterListKind(), parent) {}
+
+QString frmREQueryTC::paymentInfoText(const QString& billNo) {
+    return RealEstatePaymentInfoText(currentFlags(true), btFlag(),
+                                     ReadRealEstatePaidReceipts(session().DbConnection, billNo));
+}
+
+void frmREQueryTC::toPayment(const QString& billNo) {
     HandToScreen<frmREReceivePayment>("frmREReceivePayment", billNo, this,
                                       &frmREReceivePayment::paymentReceived);
 }
 
-void frmREQueryTC::toAdjust() {
-    const QString billNo = currentNumber();
-    if (billNo.isEmpty())
-        return;
+void frmREQueryTC::toAdjust(const QString& billNo) {
     if (auto* target = HandToScreen<frmREAdjustTaxBill>("frmREAdjustTaxBill", billNo, this,
                                                         &frmREAdjustTaxBill::billSaved))
         // The number is in; the screen's own checks work again once an action is chosen.
         session().QueryOpenedScreen.remove(target->objectName());
 }
 
-void frmREQueryTC::toAddress() {
-    const QString billNo = currentNumber();
-    if (billNo.isEmpty())
-        return;
+void frmREQueryTC::toAddress(const QString& billNo) {
     HandToScreen<frmREAddressChange>("frmREAddressChange", billNo, this,
                                      &frmREAddressChange::addressChanged);
 }
 
-void frmREQueryTC::printTaxBill() {
-    const QString billNo = currentNumber();
-    if (billNo.isEmpty())
-        return;
+void frmREQueryTC::printTaxBill(const QString& billNo) {
     OpenREPrintTaxBillsFor(billNo, currentText("HFFlag").trimmed() == QLatin1String("A"));
 }

@@ -8,6 +8,7 @@
 #include <QString>
 #include <vector>
 
+struct BillPayFlags;
 class QPushButton;
 class QTableView;
 
@@ -20,11 +21,11 @@ QString MasterAmountsSql();
 // Its keys: Map (Map3 & Map4 & Map5) and UName (the name upper-cased).
 std::vector<QueryGridModel::Derived> MasterListKeys();
 
-class frmREQueryTC : public QueryListScreen {
+// A master list of either duplicate: the five buttons of a found row, the payment information
+// on a double click, and the hand-over of the row's bill to the duplicate's desk screens.
+class MasterListScreen : public QueryListScreen {
     Q_OBJECT
 public:
-    explicit frmREQueryTC(QWidget* parent = nullptr);
-
     QTableView* dtgMasterList = nullptr;
     QueryGridModel* masterList = nullptr;
     QPushButton* cmdPayment = nullptr;
@@ -33,14 +34,34 @@ public:
     QPushButton* cmdPrintTaxBill = nullptr;
     QPushButton* cmdPaymentInfo = nullptr;
 
-private:
-    void paymentInfo();
-    void toPayment();
-    void toAdjust();
-    void toAddress();
-    void printTaxBill();
+protected:
+    MasterListScreen(const QueryListKind& kind, QWidget* parent);
+    // The row's pay flags as the payment information reads them (a blank flag is one space).
+    BillPayFlags currentFlags(bool installments) const;
+    const QString& btFlag() const { return m_btFlag; }
 
+    // Each is called with a row current; billNo is the row's bill number.
+    virtual QString paymentInfoText(const QString& billNo) = 0;
+    virtual void toPayment(const QString& billNo) = 0;
+    virtual void toAdjust(const QString& billNo) = 0;
+    virtual void toAddress(const QString& billNo) = 0;
+    virtual void printTaxBill(const QString& billNo) = 0;
+
+private:
     QString m_btFlag;
+};
+
+class frmREQueryTC : public MasterListScreen {
+    Q_OBJECT
+public:
+    explicit frmREQueryTC(QWidget* parent = nullptr);
+
+protected:
+    QString paymentInfoText(const QString& billNo) override;
+    void toPayment(const QString& billNo) override;
+    void toAdjust(const QString& billNo) override;
+    void toAddress(const QString& billNo) override;
+    void printTaxBill(const QString& billNo) override;
 };
 
 // The payment information of a list's row: the text, or when there is none "There have been no
