@@ -7,7 +7,7 @@ packages=(
     # build
     cmake ninja-build ccache g++ pkg-config
     qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libgl-dev
-    libsqlite3-dev libzint-dev libzip-dev libcurl4-openssl-dev
+    libsqlite3-dev libzint-dev libzip-dev zlib1g-dev libcurl4-openssl-dev
     # fonts the reports ask for (Arial, Arial Narrow, Courier New)
     fonts-liberation2 fonts-liberation fontconfig
     # tests: read printed output and bar codes back, a local mail server

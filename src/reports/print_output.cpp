@@ -14,8 +14,33 @@
 #include <QSqlQuery>
 #include <condition_variable>
 #include <deque>
+#include <dlfcn.h>
 #include <mutex>
 #include <thread>
+#include <zlib.h>
+
+namespace {
+
+// Set on a thread while it writes a PDF. Qt's PDF writer packs every page stream at zlib's
+// default level and offers no way to choose another; on a report of a thousand pages that
+// packing is a third of the writer's time. At a fast level the files grow by about a quarter.
+thread_local bool tFastDeflate = false;
+// The last of zlib's fast levels: as quick as the first, with a quarter smaller files.
+constexpr int FastDeflateLevel = 3;
+
+} // namespace
+
+// Every deflate stream zlib starts in this process passes here, so that the thread that writes
+// a PDF gets a fast level; every other caller gets exactly what it asked for.
+extern "C" int deflateInit_(z_streamp stream, int level, const char* version, int streamSize) {
+    using Init = int (*)(z_streamp, int, const char*, int);
+    static const Init zlibInit = reinterpret_cast<Init>(dlsym(RTLD_NEXT, "deflateInit_"));
+    if (!zlibInit)
+        return Z_VERSION_ERROR;
+    if (tFastDeflate && level == Z_DEFAULT_COMPRESSION)
+        level = FastDeflateLevel;
+    return zlibInit(stream, level, version, streamSize);
+}
 
 namespace {
 
@@ -169,6 +194,7 @@ struct PrintJobStream::PdfThread {
     }
 
     void run() {
+        tFastDeflate = true;
         QPdfWriter writer(path);
         writer.setResolution(1440);
         writer.setTitle(title);
