@@ -15,6 +15,8 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSqlQuery>
@@ -254,8 +256,16 @@ frmScanData::frmScanData(QWidget* parent) : QDialog(parent) {
     connect(cmdClear, &QPushButton::clicked, this, [this] { clearScan(); });
     connect(cmdExit, &QPushButton::clicked, this, [this] { CloseScreen(this); });
 
-    // The action of the desk screen last shown; the payment when there is none.
-    switch (ScanActionForScreen(session().LastScreenName)) {
+    // The action of the desk screen last shown: the one in front in the client area, else the
+    // one the session recorded; the payment when there is none.
+    QString shown = session().LastScreenName;
+    if (ScreenHost* host = screenHost())
+        if (QMdiArea* area = host->mdiArea())
+            if (QMdiSubWindow* sub = area->currentSubWindow();
+                sub && sub->widget() &&
+                ScanActionForScreen(sub->widget()->objectName()) != ScanAction::None)
+                shown = sub->widget()->objectName();
+    switch (ScanActionForScreen(shown)) {
     case ScanAction::Adjust:
         optAdjust->setChecked(true);
         break;
