@@ -15,6 +15,7 @@
 #include "desk/percapita/query_screens.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/adjust_tax_bill.h"
+#include "desk/realestate/mortgage_companies.h"
 #include "desk/realestate/query_individual.h"
 #include "desk/realestate/query_receipts.h"
 #include "desk/realestate/query_tc.h"
@@ -39,6 +40,7 @@
 #include "utilities/email_data_file.h"
 #include "utilities/import_duplicate.h"
 #include "utilities/late_billing_routines.h"
+#include "utilities/scan_data.h"
 #include "utilities/verify_data.h"
 
 #include <QHash>
@@ -127,6 +129,9 @@ const QHash<QString, ScreenEntry>& catalog() {
          entry<frmPCPrintDistributionTwp>("frmPCPrintDistributionTwp")},
         {"mnuPCDistributionPrintSchool",
          entry<frmPCPrintDistributionSchool>("frmPCPrintDistributionSchool")},
+        {"mnuScanData", entry<frmScanData>("frmScanData", true)},
+        {"mnuREPaymentsMortgageCompanies",
+         {"frmREMortgageCompanies", false, &frmREMortgageCompanies::open}},
         {"mnuUtilitiesLateBillingRoutine",
          {"frmLateBillingRoutines", false, &frmLateBillingRoutines::open}},
         {"mnuUilitiesEditSpecialTaxpayers",

@@ -41,6 +41,8 @@ void exclaim(const QString& text, const char* title) {
 
 frmPCPrintTaxBills::frmPCPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
     setObjectName(QStringLiteral("frmPCPrintTaxBills"));
+    // The scan screen presets its action from the screen last shown.
+    session().LastScreenName = objectName();
     setWindowTitle(QLatin1String(FormTitle));
 
     auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);

@@ -45,6 +45,8 @@ void exclaim(const QString& text, const char* title) {
 
 frmREPrintTaxBills::frmREPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
     setObjectName(QStringLiteral("frmREPrintTaxBills"));
+    // The scan screen presets its action from the screen last shown.
+    session().LastScreenName = objectName();
     setWindowTitle(QLatin1String(FormTitle));
 
     auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);

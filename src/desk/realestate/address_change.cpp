@@ -219,11 +219,16 @@ void AddressChangeScreen::layOutScreen(QLayout* search) {
 
 void AddressChangeScreen::connectCommon(const std::function<void()>& openQuery) {
     for (QLineEdit* field : {txtBillNo, txtControl})
-        connect(field, &QLineEdit::textChanged, this, [field](const QString& text) {
-            // A "*" alone is the scanner's call; it never stays in the field.
+        connect(field, &QLineEdit::textChanged, this, [this, field](const QString& text) {
+            // A "*" alone is the scanner's call; it never stays in the field, and in the bill
+            // number it opens the scan screen.
             if (text == QLatin1String("*")) {
-                const QSignalBlocker block(field);
-                field->clear();
+                {
+                    const QSignalBlocker block(field);
+                    field->clear();
+                }
+                if (field == txtBillNo && field->hasFocus())
+                    OpenScanScreen(this);
             }
         });
     connect(optBillNo, &QRadioButton::clicked, this, [this] { chooseSearch(true); });

@@ -6,6 +6,7 @@
 #include "core/screen_host.h"
 #include "core/session.h"
 #include "desk/realestate/payment_rules.h"
+#include "desk/realestate/query_handover.h"
 #include "desk/realestate/receive_payment.h"
 #include "reports/print_output.h"
 #include "reports/print_screen.h"
@@ -276,6 +277,16 @@ void AdjustTaxBillScreen::setAction(int action) {
     SetAdjustAction(actionFlow(), action);
 }
 
+void AdjustTaxBillScreen::enterBillNo(const QString& billNo) {
+    clearScreen();
+    {
+        const QSignalBlocker block(txtBillNo);
+        txtBillNo->setText(billNo);
+    }
+    // Choosing the action loads the number that stands in the field.
+    setAction(AdjustBill);
+}
+
 void AdjustTaxBillScreen::actionChosen(int action) {
     AdjustActionChosen(actionFlow(), action);
 }
@@ -443,10 +454,15 @@ void AdjustTaxBillScreen::connectCommon(const std::function<void()>& openQuery) 
         b->installEventFilter(this);
     connect(cboAction, &QComboBox::activated, this, [this](int index) { actionChosen(index); });
     connect(txtBillNo, &QLineEdit::textChanged, this, [this](const QString& text) {
-        // A "*" is the scanner's call, which has no screen of its own yet: it never stays.
+        // A "*" never stays; typed into the empty field it is the scanner's call for the scan
+        // screen.
         if (text.contains(QLatin1Char('*'))) {
-            const QSignalBlocker block(txtBillNo);
-            txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
+            {
+                const QSignalBlocker block(txtBillNo);
+                txtBillNo->setText(QString(text).remove(QLatin1Char('*')));
+            }
+            if (text == QLatin1String("*") && txtBillNo->hasFocus())
+                OpenScanScreen(this);
             return;
         }
         // The fifth character typed loads the bill, as leaving the field does.

@@ -100,6 +100,9 @@ public:
     void openFromQuery(const QString& billNo);
     // Runs the choice of an action, as a choice in the list does.
     void setAction(int action);
+    // The scan screen's way in: "Adjust An Existing Tax Bill" chosen, the number put in the
+    // bill field and the field's leave action run.
+    void enterBillNo(const QString& billNo);
 
     QComboBox* cboAction = nullptr;
     QLineEdit* txtBillNo = nullptr;

@@ -211,6 +211,9 @@ bool PaymentScreen::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void PaymentScreen::enterBillNo(const QString& billNo) {
+    // A bill on the screen gives way to the one scanned.
+    if (m_billLoaded || !txtBillNo->isEnabled())
+        clearScreen();
     if (!txtBillNo->isEnabled())
         return;
     txtBillNo->setText(billNo);

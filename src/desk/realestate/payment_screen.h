@@ -29,7 +29,8 @@ class QLabel;
 class PaymentScreen : public QWidget, public PaymentScreenParts {
     Q_OBJECT
 public:
-    // Puts a bill number in and runs the field's leave action, as the scan screen does.
+    // Puts a bill number in and runs the field's leave action, as the scan screen does; a bill
+    // on the screen is cleared away first.
     void enterBillNo(const QString& billNo);
     // A query screen hands a bill over: the screen is cleared and the bill loaded at once; the
     // bill number stays locked while the query's flag is raised.

@@ -1,6 +1,7 @@
 #include "desk/realestate/payment_screen_parts.h"
 
 #include "core/named_widgets.h"
+#include "desk/realestate/query_handover.h"
 #include "reports/print_output.h"
 #include "reports/print_screen.h"
 
@@ -136,17 +137,22 @@ PaymentScreenParts BuildPaymentScreenParts(QWidget* screen) {
     p.buttons->addWidget(p.cmdExit);
 
     QLineEdit* billNo = p.txtBillNo;
-    QObject::connect(billNo, &QLineEdit::textChanged, screen, [billNo](const QString& text) {
-        // Upper case as typed. A "*" never stays: typed alone into the empty field it is the
-        // scanner's call for the scan screen, which has no screen of its own yet.
-        const QString fixed = text.toUpper().remove(QLatin1Char('*'));
-        if (fixed == text)
-            return;
-        const int cursor = billNo->cursorPosition();
-        const QSignalBlocker block(billNo);
-        billNo->setText(fixed);
-        billNo->setCursorPosition(std::min<int>(cursor, int(fixed.size())));
-    });
+    QObject::connect(billNo, &QLineEdit::textChanged, screen,
+                     [billNo, screen](const QString& text) {
+                         // Upper case as typed. A "*" never stays: typed alone into the empty field
+                         // it is the scanner's call for the scan screen.
+                         const QString fixed = text.toUpper().remove(QLatin1Char('*'));
+                         if (fixed == text)
+                             return;
+                         const int cursor = billNo->cursorPosition();
+                         {
+                             const QSignalBlocker block(billNo);
+                             billNo->setText(fixed);
+                             billNo->setCursorPosition(std::min<int>(cursor, int(fixed.size())));
+                         }
+                         if (text == QLatin1String("*") && billNo->hasFocus())
+                             OpenScanScreen(screen);
+                     });
     QLineEdit* date = p.txtDate;
     QObject::connect(p.cmdDate, &QPushButton::clicked, screen, [date] {
         date->setEnabled(true);

@@ -4,6 +4,7 @@
 #include "core/session.h"
 
 #include <QPointer>
+#include <QTimer>
 
 namespace {
 
@@ -40,4 +41,19 @@ QWidget* ShowQueryTarget(const QString& screenName, const std::function<QWidget*
                          [screenName] { session().QueryOpenedScreen.remove(screenName); });
     }
     return screen;
+}
+
+void OpenScanScreen(QWidget* from) {
+    const QString scan = QStringLiteral("frmScanData");
+    ScreenHost* host = screenHost();
+    if (!host || host->openScreen(scan))
+        return;
+    session().LastScreenName = from->objectName();
+    QTimer::singleShot(0, from, [scan] {
+        ScreenHost* now = screenHost();
+        if (!now || now->openScreen(scan))
+            return;
+        if (QWidget* screen = now->createScreen(scan))
+            now->showScreen(screen, true);
+    });
 }

@@ -32,3 +32,8 @@ Screen* HandToScreen(const char* screenName, const QString& number, List* list, 
 // Shows the open screen of that name, or a new one made by create, without any flag: a desk
 // screen's Query button opening the list.
 QWidget* ShowScreenNamed(const QString& screenName, const std::function<QWidget*()>& create);
+
+// The "*" of a scanner typed into the empty bill field of a desk screen: the scan screen opens
+// modally, unless it is open already, with `from` recorded as the screen last shown. It opens
+// once the keystroke has been dealt with.
+void OpenScanScreen(QWidget* from);

@@ -88,6 +88,8 @@ QString ReprintReceiptScreen::amountText(Money m) {
 ReprintReceiptScreen::ReprintReceiptScreen(const ReprintKind& kind, QWidget* parent)
     : QWidget(parent), m_kind(kind) {
     setObjectName(kind.objectName);
+    // The scan screen presets its action from the screen last shown.
+    session().LastScreenName = objectName();
     setWindowTitle(kind.windowTitle);
 
     txtRecnum = new QLineEdit(this);

@@ -1,0 +1,87 @@
+#pragma once
+// frmScanData: a bar code read by the scanner opens the right desk screen on the right bill or
+// receipt. The collector picks an action and scans; the payload's kind code says real estate or
+// per capita, bill or receipt, and once the bill is found the form closes, the chosen screen
+// opens with the number in its field and runs that field's leave action.
+//
+// Payloads, as the scanner delivers them without the stars:
+//   20, 30 real-estate bill, 21, 31 per capita bill: kind, two-digit year, district, control
+//   (12 characters; year and district are not checked)
+//   40 real-estate receipt, 41 per capita receipt: kind and the receipt number (14 characters)
+
+#include "core/tax_database.h"
+
+#include <QDialog>
+#include <QSqlDatabase>
+#include <QString>
+#include <optional>
+
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+
+struct ScanPayload {
+    QString kind; // the two characters of the kind code
+    Duplicate duplicate = Duplicate::RealEstate;
+    bool receipt = false;
+    QString key; // the control number of a bill, the receipt number of a receipt
+};
+
+// The text has just become a whole payload: a bill kind with 12 characters or a receipt kind
+// with 14 (trimmed). The form then acts without a key pressed.
+bool ScanIsComplete(const QString& text);
+// The payload of a trimmed scan; nothing for a text too short, a bill or receipt kind of the
+// wrong length, or a kind the office does not print.
+std::optional<ScanPayload> DecodeScanPayload(const QString& text);
+
+// The bill a payload stands for: its master row's number and Act 1 flag, with the receipt
+// number when a receipt was scanned.
+struct ScannedBill {
+    QString billNo;
+    QString hfFlag;
+    QString recnum;
+};
+std::optional<ScannedBill> FindScannedBill(QSqlDatabase db, const ScanPayload& payload);
+// The bill's receipt with the highest number, voided or not.
+std::optional<QString> LastReceiptOfBill(QSqlDatabase db, Duplicate duplicate,
+                                         const QString& billNo);
+
+enum class ScanAction { None, Payment, Adjust, Address, VoidReceipt, ReprintReceipt, TaxBill };
+// The action preset for the screen last shown.
+ScanAction ScanActionForScreen(const QString& screenName);
+// Opens the action's screen of the duplicate (or brings the open one forward) on the bill or
+// receipt and runs its field's leave action; the bill forms get the number, one mailer and the
+// focus on OK. The screen opened, or nullptr.
+QWidget* OpenScannedScreen(ScanAction action, Duplicate duplicate, const ScannedBill& bill);
+
+inline constexpr const char* ScanTitle = "Scan Data";
+inline constexpr const char* InvalidScanText = "Invalid Scan - Please Retry";
+inline constexpr const char* ScanBillNotOnFileText = "Bill Number Not On File";
+inline constexpr const char* ScanNoReceiptsText = "There Are No Receipts For This Bill Number";
+
+class frmScanData : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmScanData(QWidget* parent = nullptr);
+
+    QLineEdit* txtScanData = nullptr;
+    QPushButton* cmdAccept = nullptr;
+    QPushButton* cmdClear = nullptr;
+    QPushButton* cmdExit = nullptr;
+    QRadioButton* optPayment = nullptr;
+    QRadioButton* optAdjust = nullptr;
+    QRadioButton* optAddress = nullptr;
+    QRadioButton* optVoidReceipt = nullptr;
+    QRadioButton* optReprintReceipt = nullptr;
+    QRadioButton* optTaxBill = nullptr;
+
+    // The scan processing: Accept, or a whole payload typed.
+    void processScan();
+    ScanAction chosenAction() const;
+
+private:
+    void refuse(const QString& text);
+    void clearScan();
+
+    bool m_processing = false;
+};
