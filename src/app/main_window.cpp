@@ -242,14 +242,25 @@ QAction* frmLevyDeskMain::menuItem(const QString& itemName) const {
 
 bool frmLevyDeskMain::runMenuCommand(const QString& itemName) {
     QAction* action = menuItem(itemName);
-    if (!action || !action->isVisible() || !action->isEnabled() || action->menu())
+    if (!action || action->menu())
         return false;
+    bool shown = action->isVisible();
     // A hidden parent menu hides its items too.
-    for (QObject* p = action->parent(); p && p != this; p = p->parent()) {
+    for (QObject* p = action->parent(); shown && p && p != this; p = p->parent()) {
         if (auto* menu = qobject_cast<QMenu*>(p); menu && !menu->menuAction()->isVisible())
-            return false;
+            shown = false;
     }
-    action->trigger();
+    if (shown) {
+        if (!action->isEnabled())
+            return false;
+        action->trigger();
+        return true;
+    }
+    // An item kept out of sight (Qt disables it too) still opens its screen: the update from
+    // mortgage companies. One without a screen has nothing to run.
+    if (!screenForMenuItem(itemName))
+        return false;
+    openFromMenu(itemName);
     return true;
 }
 

@@ -28,7 +28,7 @@ public:
     static QString versionText();
 
     // Runs a menu command by its item name, as a click on it. False when there is no such
-    // item or it is disabled or hidden.
+    // item, it is disabled, or it is hidden and opens no screen.
     bool runMenuCommand(const QString& itemName);
     QAction* menuItem(const QString& itemName) const;
 
