@@ -6,6 +6,8 @@ set -euo pipefail
 packages=(
     # build
     cmake ninja-build ccache g++ pkg-config
+    # the fuzz targets: clang with its libFuzzer runtime
+    clang libclang-rt-14-dev
     qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libgl-dev
     libsqlite3-dev libzint-dev libzip-dev zlib1g-dev libcurl4-openssl-dev
     # fonts the reports ask for (Arial, Arial Narrow, Courier New)
