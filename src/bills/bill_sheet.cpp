@@ -86,9 +86,8 @@ void useFont(ReportSurface& s, const char* name, double size, bool bold, bool un
 }
 
 void at(ReportSurface& s, double x, double y, const QString& t) {
-    s.CurrentX = x;
     s.CurrentY = y;
-    s.Write(t);
+    s.Place(x, t);
 }
 
 void rightAt(ReportSurface& s, double edge, double y, const QString& t) {

@@ -166,6 +166,10 @@ std::vector<const PrintedBarcode*> RecordedPage::barcodes() const {
     return out;
 }
 
+double PrintedText::width() const {
+    return QFontMetricsF(font.qfont()).horizontalAdvance(text);
+}
+
 QStringList RecordedPage::textLines() const {
     std::vector<const PrintedText*> upright;
     std::vector<const PrintedText*> turned;
@@ -177,6 +181,19 @@ QStringList RecordedPage::textLines() const {
     std::stable_sort(
         upright.begin(), upright.end(),
         [](const PrintedText* a, const PrintedText* b) { return a->baseline() < b->baseline(); });
+
+    // The texts are measured here, as the surface measures them, rather than when drawn: only
+    // reading a page back needs to know where each one ends.
+    std::vector<std::pair<PrintFont, std::unique_ptr<QFontMetricsF>>> metrics;
+    auto width = [&metrics](const PrintedText* t) {
+        auto it = std::find_if(metrics.begin(), metrics.end(),
+                               [t](const auto& m) { return m.first == t->font; });
+        if (it == metrics.end()) {
+            metrics.emplace_back(t->font, std::make_unique<QFontMetricsF>(t->font.qfont()));
+            it = metrics.end() - 1;
+        }
+        return it->second->horizontalAdvance(t->text);
+    };
 
     QStringList lines;
     std::size_t i = 0;
@@ -198,7 +215,7 @@ QStringList RecordedPage::textLines() const {
             if (k > 0 && std::abs(t->x - right) > 10)
                 text += QLatin1Char(' ');
             text += t->text;
-            right = std::max(right, t->x + t->width);
+            right = std::max(right, t->x + width(t));
         }
         lines << text;
         i = end;
@@ -351,20 +368,17 @@ double ReportSurface::penWidth() const {
     return std::max(0.0, DrawWidth) * TwipsPerDot;
 }
 
-double ReportSurface::drawText(double x, const QString& text) {
+void ReportSurface::drawText(double x, const QString& text) {
     if (text.isEmpty())
-        return 0;
-    FontEntry& f = currentFont();
+        return;
+    const FontEntry& f = currentFont();
     PrintedText t;
     t.x = x;
     t.y = CurrentY;
-    t.width = f.width(text);
     t.ascent = f.ascent;
     t.text = text;
     t.font = f.look;
-    const double width = t.width;
     page().items.emplace_back(std::move(t));
-    return width;
 }
 
 void ReportSurface::Print(const QString& text) {
@@ -374,7 +388,13 @@ void ReportSurface::Print(const QString& text) {
 }
 
 void ReportSurface::Write(const QString& text) {
-    CurrentX += drawText(CurrentX, text);
+    drawText(CurrentX, text);
+    CurrentX += TextWidth(text);
+}
+
+void ReportSurface::Place(double x, const QString& text) {
+    CurrentX = x;
+    drawText(x, text);
 }
 
 void ReportSurface::WriteRight(double edge, const QString& text) {
@@ -424,7 +444,6 @@ void ReportSurface::DrawTurnedText(double x, double y, double angle, const QStri
     PrintedText t;
     t.x = x;
     t.y = y;
-    t.width = f.width(text);
     t.ascent = f.ascent;
     t.angle = angle;
     t.text = text;

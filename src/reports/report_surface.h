@@ -60,12 +60,13 @@ struct PrintFont {
 struct PrintedText {
     double x = 0;      // left of the text
     double y = 0;      // top of its line
-    double width = 0;  // its TextWidth
     double ascent = 0; // the baseline lies this far below y
     double angle = 0;  // degrees; 180 is upside down, running leftward from (x, y)
     QString text;
     PrintFont font;
     double baseline() const { return y + ascent; }
+    // Its TextWidth, measured when asked: drawing never needs it.
+    double width() const;
 };
 struct PrintedLine {
     QLineF line;
@@ -149,6 +150,9 @@ public:
     void Print(const QString& text = QString());
     // Draws at CurrentX, CurrentY and stays on the line, CurrentX after the text.
     void Write(const QString& text);
+    // Draws at x on the current line without measuring the text: CurrentX is left at x. For
+    // columns placed by their left edge, where where the text ends does not matter.
+    void Place(double x, const QString& text);
     // Draws with the text's right end at `edge`, on the current line; stays on the line.
     void WriteRight(double edge, const QString& text);
     // Draws centred between 0 and `width` (ScaleWidth when not given); stays on the line.
@@ -199,8 +203,8 @@ private:
     FontEntry& currentFont() const;
     RecordedPage& page();
     double penWidth() const;
-    // Records the text at x on the current line; returns its width.
-    double drawText(double x, const QString& text);
+    // Records the text at x on the current line.
+    void drawText(double x, const QString& text);
 
     // Hands the last page to the sink when there is one.
     void finishPage();

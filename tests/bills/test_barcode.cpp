@@ -230,7 +230,7 @@ void TestBarcode::rotatedTextIsUpsideDown() {
             }
     QVERIFY(inkRight >= 0);
     QVERIFY(inkRight <= 6000 * scale + 2);
-    QVERIFY(inkLeft >= (6000 - texts[0]->width) * scale - 2);
+    QVERIFY(inkLeft >= (6000 - texts[0]->width()) * scale - 2);
     QVERIFY(inkBottom <= 4000 * scale + 2);
     QVERIFY(inkTop < 4000 * scale - 12 * 20 * 0.5 * scale);
 }
@@ -248,12 +248,12 @@ void TestBarcode::justifiedLineFillsItsWidth() {
     const QStringList words = line.split(QLatin1Char(' '));
     QCOMPARE(texts.size(), std::size_t(words.size()));
     QCOMPARE(texts.front()->x, 500.0);
-    const double end = texts.back()->x + texts.back()->width;
+    const double end = texts.back()->x + texts.back()->width();
     QVERIFY2(std::abs(end - 9500) < 0.5, qPrintable(QString::number(end)));
     // The gaps are equal: the space left over is shared evenly.
-    const double gap = texts[1]->x - (texts[0]->x + texts[0]->width);
+    const double gap = texts[1]->x - (texts[0]->x + texts[0]->width());
     for (std::size_t i = 2; i < texts.size(); ++i)
-        QVERIFY(std::abs(texts[i]->x - (texts[i - 1]->x + texts[i - 1]->width) - gap) < 0.01);
+        QVERIFY(std::abs(texts[i]->x - (texts[i - 1]->x + texts[i - 1]->width()) - gap) < 0.01);
     for (const PrintedText* t : texts)
         QCOMPARE(t->y, 1200.0);
     QCOMPARE(surface.recording().textLines(), QStringList{line});

@@ -104,7 +104,7 @@ void TestSchoolStatement::statementWithCoupons() {
         QVERIFY2(lines.contains(QLatin1String(want)),
                  qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + lines));
     for (const PrintedText* t : r.pages[0].texts())
-        QVERIFY2(t->x >= 0 && t->x + t->width <= r.format.scaleWidth() &&
+        QVERIFY2(t->x >= 0 && t->x + t->width() <= r.format.scaleWidth() &&
                      t->baseline() < r.format.scaleHeight(),
                  qPrintable(t->text));
 }

@@ -100,8 +100,8 @@ void TestReportSurface::printMovesLikeAPrinter() {
     QCOMPARE(texts.size(), std::size_t(4));
     QCOMPARE(texts[0]->x, 700.0);
     QCOMPARE(texts[1]->x, 700 + s.TextWidth(QStringLiteral("Date: ")));
-    QCOMPARE(texts[2]->x + texts[2]->width, 5000.0);
-    QCOMPARE(texts[3]->x, (10000 - texts[3]->width) / 2);
+    QCOMPARE(texts[2]->x + texts[2]->width(), 5000.0);
+    QCOMPARE(texts[3]->x, (10000 - texts[3]->width()) / 2);
     QCOMPARE(texts[3]->font.name, QStringLiteral("ARIAL"));
     QCOMPARE(texts[3]->font.size, 9.0);
 

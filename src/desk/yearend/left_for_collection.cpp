@@ -61,8 +61,7 @@ QStringList wrapped(ReportSurface& s, const QString& paragraph, double width) {
 }
 
 void at(ReportSurface& s, double x, const QString& value) {
-    s.CurrentX = x;
-    s.Write(value);
+    s.Place(x, value);
 }
 
 } // namespace
