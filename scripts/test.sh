@@ -12,7 +12,7 @@ if [ "${1:-}" = "--sanitize" ]; then
     build=${LEVYDESK_SANITIZE_BUILD_DIR:-$root/build-sanitize}
     if [ ! -f "$build/build.ninja" ]; then
         cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-            -DLEVYDESK_SANITIZE=ON
+            -DLEVYDESK_SANITIZE=ON -DLEVYDESK_BENCH=OFF
     fi
     cmake --build "$build"
     export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}
