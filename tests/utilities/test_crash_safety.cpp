@@ -257,6 +257,38 @@ bool payRealEstate(Office& o) {
     return true;
 }
 
+// The next school installment of a bill paying in installments, paid exactly.
+bool payInstallment(Office& o) {
+    const char* action = "real-estate installment";
+    const QString billNo = o.pick(QStringLiteral(
+        "SELECT BillNo FROM TCMaster WHERE Payment1 > 0 AND SPayFlag IN (' ', 'I') AND (Pay1Flag "
+        "= ' ' OR Pay2Flag = ' ' OR Pay3Flag = ' ') AND AdjFlag IN (' ', 'A') AND CAddrFlag IN "
+        "(' ', 'A') ORDER BY BillNo"));
+    if (billNo.isEmpty())
+        return false;
+    const BillNow bill = billOf(o, Duplicate::RealEstate, billNo, action);
+    const BillPayFlags flags = BillPayFlagsFromRecord(bill.bill);
+    const InstallmentView installments = InstallmentsForDate(
+        InstallmentsFromRecord(bill.bill), flags.payFlag, o.calendar.installmentDates, CrashToday);
+    const int next = installments.nextUnpaid;
+    if (next < 0 || installments.line[std::size_t(next)].pastDate)
+        return false;
+    PaymentChoice choice;
+    choice.selection.school = true;
+    choice.selection.installment[std::size_t(next)] = true;
+    choice.periods = PeriodsForDate(o.calendar, CrashToday);
+    choice.district39 = bill.text("District") == QLatin1String("39");
+    const PeriodAmounts shown = AmountsForPeriods(BillLinesFromRecord(bill.bill), choice.periods);
+    RealEstatePosting posting = BuildRealEstatePosting(bill, choice, shown, installments);
+    if (TotalDue(choice.selection, shown, installments) <= Money())
+        return false;
+    fillPayor(posting.receipt, o);
+    const PostingResult posted = PostRealEstatePayment(o.db, posting, CrashToday);
+    if (!posted.ok)
+        childFailed(action, posted.error);
+    return true;
+}
+
 bool voidReceipt(Office& o, Duplicate duplicate) {
     const bool re = duplicate == Duplicate::RealEstate;
     const char* action = re ? "real-estate void" : "per capita void";
@@ -465,6 +497,69 @@ bool adjustPerCapita(Office& o) {
     return true;
 }
 
+bool exoneratePerCapita(Office& o) {
+    const char* action = "per capita exoneration";
+    const QString billNo = o.pick(QStringLiteral(
+        "SELECT BillNo FROM PCMaster WHERE CPayFlag = ' ' AND TPayFlag = ' ' AND SPayFlag = ' ' "
+        "AND AdjFlag IN (' ', 'A') AND CAddrFlag IN (' ', 'A') ORDER BY BillNo"));
+    if (billNo.isEmpty())
+        return false;
+    const BillNow bill = billOf(o, Duplicate::PerCapita, billNo, action);
+    if (bill.adjNo >= 90)
+        return false;
+    PerCapitaAdjustment a;
+    a.exonerate = true;
+    a.image = perCapitaImageOf(bill);
+    a.image.amounts = PerCapitaBillAmounts{};
+    a.adjNo = bill.adjNo + 1;
+    a.adjDate = CrashToday;
+    a.reason = QStringLiteral("DECEASED, PER SON'S LETTER");
+    QString error;
+    if (!RecordPerCapitaAdjustment(o.db, a, &error))
+        childFailed(action, error);
+    return true;
+}
+
+bool unexoneratePerCapita(Office& o) {
+    const char* action = "per capita unexoneration";
+    const QString billNo = o.pick(QStringLiteral(
+        "SELECT m.BillNo FROM PCMaster m WHERE m.CPayFlag = 'X' AND m.AdjFlag = 'A' AND "
+        "(SELECT a.AdjFlag FROM PCAdjust a WHERE a.BillNo = m.BillNo ORDER BY a.AdjNo DESC "
+        "LIMIT 1) = 'X' ORDER BY m.BillNo"));
+    if (billNo.isEmpty())
+        return false;
+    const BillNow bill = billOf(o, Duplicate::PerCapita, billNo, action);
+    QString error;
+    if (!RecordPerCapitaUnexoneration(o.db, billNo, bill.adjNo, &error))
+        childFailed(action, error);
+    return true;
+}
+
+bool addPerCapitaBill(Office& o) {
+    const char* action = "per capita added bill";
+    const QString model = o.pick(QStringLiteral("SELECT BillNo FROM PCMaster WHERE BillNo < 'A' "
+                                                "AND AdjFlag IN (' ', 'A') ORDER BY BillNo"));
+    const QString billNo = nextAddedBill(o, "PCBillNum");
+    if (model.isEmpty() || billNo.mid(1).toInt() > 9000)
+        return false;
+    const BillNow bill = billOf(o, Duplicate::PerCapita, model, action);
+    PerCapitaAddition a;
+    a.image = perCapitaImageOf(bill);
+    a.image.billNo = billNo;
+    a.image.control = QStringLiteral("A%1").arg(billNo.mid(1).toInt(), 5, 10, QLatin1Char('0'));
+    a.image.lName = QStringLiteral("O'REILLY");
+    a.image.name = a.image.fName + QStringLiteral(" O'REILLY");
+    a.district = bill.text("District");
+    a.ward = bill.text("Ward");
+    a.taxYear = o.taxYear;
+    a.addDate = CrashToday;
+    a.reason = QStringLiteral("NEW RESIDENT");
+    QString error;
+    if (!AddPerCapitaBill(o.db, a, &error))
+        childFailed(action, error);
+    return true;
+}
+
 // A distribution of some of the bodies up to today, numbered after each body's last one, and
 // its files, as the distribution screen makes them.
 bool distribute(Office& o, const DistributionTables& tables) {
@@ -481,7 +576,9 @@ bool distribute(Office& o, const DistributionTables& tables) {
             ReadLastDistribution(o.db, tables.disbType, tables.body(body).cts);
         if (last.number >= 99)
             return false;
-        run.bodies.push_back({body, last.number + 1, CrashToday});
+        // Now and then the last number again: its date moves and its rows grow.
+        const bool again = last.exists() && o.between(0, 3) == 0;
+        run.bodies.push_back({body, again ? last.number : last.number + 1, CrashToday});
     }
     std::vector<BodyOutcome> outcomes;
     QString error;
@@ -593,6 +690,7 @@ struct CrashAction {
 const std::vector<CrashAction>& CrashActions() {
     static const std::vector<CrashAction> actions{
         {"real-estate payment and refund", payRealEstate},
+        {"real-estate installment", payInstallment},
         {"real-estate void", [](Office& o) { return voidReceipt(o, Duplicate::RealEstate); }},
         {"real-estate adjustment", [](Office& o) { return adjustRealEstate(o, false); }},
         {"real-estate exoneration", [](Office& o) { return adjustRealEstate(o, true); }},
@@ -602,6 +700,9 @@ const std::vector<CrashAction>& CrashActions() {
         {"per capita payment and refund", payPerCapita},
         {"per capita void", [](Office& o) { return voidReceipt(o, Duplicate::PerCapita); }},
         {"per capita adjustment", adjustPerCapita},
+        {"per capita exoneration", exoneratePerCapita},
+        {"per capita unexoneration", unexoneratePerCapita},
+        {"per capita added bill", addPerCapitaBill},
         {"per capita address change", changePerCapitaAddress},
         {"real-estate distribution", [](Office& o) { return distribute(o, RealEstateTables()); }},
         {"per capita distribution", [](Office& o) { return distribute(o, PerCapitaTables()); }},
@@ -731,6 +832,13 @@ std::vector<Rule> Rules() {
         add("a voided receipt without its void row, or a void row without its receipt's date",
             sql("SELECT r.Recnum FROM $receipt r WHERE (NOT $live) <> EXISTS (SELECT 1 FROM "
                 "$voids v WHERE v.Recnum = r.Recnum)"));
+        add("a void row whose amounts are not the receipt's negated",
+            sql("SELECT v.Recnum FROM $voids v JOIN $receipt r ON r.Recnum = v.Recnum WHERE "
+                "v.Overage <> -r.Overage OR v.Refund <> -r.Refund OR v.%1 <> -r.%1 OR v.%2 <> "
+                "-r.%2 OR v.%3 <> -r.%3")
+                .arg(d.installments ? QStringLiteral("County") : QStringLiteral("CPerCapita"),
+                     d.installments ? QStringLiteral("Twp") : QStringLiteral("TPerCapita"),
+                     d.installments ? QStringLiteral("School") : QStringLiteral("SPerCapita")));
         add("a void row without its receipt",
             sql("SELECT v.Recnum FROM $voids v WHERE NOT EXISTS (SELECT 1 FROM $receipt r WHERE "
                 "r.Recnum = v.Recnum)"));
@@ -797,6 +905,12 @@ std::vector<Rule> Rules() {
                             "(SELECT 1 FROM %1 r WHERE r.Recnum = s.Recnum AND r.%3 = s.%3)"));
             }
     }
+    // A void takes a receipt's refunds away when none of them was distributed.
+    add("a voided receipt that kept only undistributed refunds",
+        QStringLiteral("SELECT r.Recnum FROM TCReceipt r WHERE r.VDate IS NOT NULL AND r.VDate <> "
+                       "'' AND EXISTS (SELECT 1 FROM TCRefund f WHERE f.RecNum = r.Recnum) AND NOT "
+                       "EXISTS (SELECT 1 FROM TCRefund f WHERE f.RecNum = r.Recnum AND "
+                       "substr(f.DisbNum, 5, 2) <> '00')"));
     add("the special taxpayer's amount not on the bill",
         QStringLiteral("SELECT p.Control FROM Specpay p JOIN TCMaster m ON m.Control = "
                        "p.Control WHERE p.TaxKey = '%1' AND m.S3Face <> p.Amount")
