@@ -7,7 +7,9 @@
 //   test_crash_safety --kills N [--seed S] a soak run; prints RESULT crash_kills=N crash_s=S
 //   test_crash_safety --crash-child DB S   the child (started by the parent)
 //
-// The seed of a run is printed first; the same seed gives the same actions and the same delays.
+// The seed of a run is printed first (LEVYDESK_CRASH_SEED fixes it for the test): the same seed
+// gives every child the same seed and every kill the same delay, so a failure can be replayed;
+// how far a child gets before its kill still depends on the machine's pace.
 
 #include "support/test_support.h"
 
