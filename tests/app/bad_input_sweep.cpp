@@ -226,8 +226,9 @@ QList<QWidget*> TypedFields(QWidget* screen) {
 }
 
 // The buttons that act on what the screen holds, pressed once every field holds a bad input:
-// accept, save, void, distribute, search, figure, print and create a file. Not pressed: those
-// that send mail, copy to the desktop, back up, restore or import, and those that write on no
+// accept, save, void, distribute, search, figure, print, create a file, restore and import
+// (both check what they are given before anything is replaced). Not pressed: those that send
+// mail, copy to the desktop or back up (a file named by the input), and those that write on no
 // input at all (verify, the late billing run, delete).
 const QStringList AcceptButtons{
     QStringLiteral("cmdAccept"),         QStringLiteral("cmdOK"),
@@ -235,7 +236,8 @@ const QStringList AcceptButtons{
     QStringLiteral("cmdSearch"),         QStringLiteral("cmdCalculate"),
     QStringLiteral("cmdCalcDates"),      QStringLiteral("cmdCalcDatesEarly"),
     QStringLiteral("cmdCalcDatesLate"),  QStringLiteral("cmdPrint"),
-    QStringLiteral("cmdReprintReceipt"), QStringLiteral("cmdCreate")};
+    QStringLiteral("cmdReprintReceipt"), QStringLiteral("cmdCreate"),
+    QStringLiteral("cmdRestore"),        QStringLiteral("cmdImport")};
 
 // Inputs a screen takes as valid when every field holds them: its accept button then writes,
 // as it should. The millage screens save a blank rate as 0 and take any number as a rate.
