@@ -826,9 +826,11 @@ std::vector<Rule> Rules() {
                     "AND NOT EXISTS (SELECT 1 FROM $receipt r WHERE r.BillNo = m.BillNo AND "
                     "trim(r.%1) <> '' AND $live)")
                     .arg(flag));
+            // The bill carries the letter its live receipt paid with.
             add("a receipt without its pay flag",
-                sql("SELECT r.Recnum || ' %1' FROM $receipt r JOIN $master m ON m.BillNo = "
-                    "r.BillNo WHERE $live AND trim(r.%1) <> '' AND trim(m.%1) = ''")
+                sql("SELECT r.Recnum || ' %1 ' || r.%1 || '/' || m.%1 FROM $receipt r JOIN "
+                    "$master m ON m.BillNo = r.BillNo WHERE $live AND trim(r.%1) <> '' AND m.%1 "
+                    "<> r.%1")
                     .arg(flag));
         }
         add("a voided receipt without its void row, or a void row without its receipt's date",
