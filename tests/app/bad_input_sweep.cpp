@@ -305,29 +305,18 @@ class Sweep {
 public:
     explicit Sweep(frmLevyDeskMain* window) : m_window(window), m_keys(Keys::read()) {}
 
+    // The screen twice: once typing and leaving only, once more pressing its accept buttons
+    // after each input (a press may take fields away, as a search shows its list).
     ScreenReport run(const QString& menuItem, const ScreenEntry& entry) {
         ScreenReport report;
         report.screen = entry.screenName;
         const QByteArray before = DumpDatabase();
         m_before = before;
-        bool done = false;
-        // A modal screen runs its own loop: the sweep runs inside it.
-        QTimer::singleShot(0, [&] {
-            g_messages->opening = false;
-            sweepScreen(entry, &report);
-            if (entry.modal)
-                closeAll();
-            done = true;
-        });
-        doing(QStringLiteral("opening %1").arg(menuItem));
-        g_messages->opening = true;
         g_messages->boxes.clear();
-        m_window->runMenuCommand(menuItem);
-        while (!done) {
-            QApplication::processEvents(QEventLoop::AllEvents, 50);
-            ++g_beat;
+        for (const bool pressing : {false, true}) {
+            m_pressing = pressing;
+            runOnce(menuItem, entry, &report);
         }
-        closeAll();
         report.boxes = int(g_messages->boxes.size());
         report.distinctBoxes = g_messages->boxes;
         report.distinctBoxes.removeDuplicates();
@@ -339,6 +328,26 @@ public:
     }
 
 private:
+    void runOnce(const QString& menuItem, const ScreenEntry& entry, ScreenReport* report) {
+        bool done = false;
+        // A modal screen runs its own loop: the sweep runs inside it.
+        QTimer::singleShot(0, [&] {
+            g_messages->opening = false;
+            sweepScreen(entry, report);
+            if (entry.modal)
+                closeAll();
+            done = true;
+        });
+        doing(QStringLiteral("opening %1").arg(menuItem));
+        g_messages->opening = true;
+        m_window->runMenuCommand(menuItem);
+        while (!done) {
+            QApplication::processEvents(QEventLoop::AllEvents, 50);
+            ++g_beat;
+        }
+        closeAll();
+    }
+
     QWidget* screenOf(const ScreenEntry& entry) {
         if (QWidget* modal = QApplication::activeModalWidget())
             return modal;
@@ -350,7 +359,7 @@ private:
         if (!screen)
             return; // it did not open (its question was declined, or nothing to work on)
         std::set<QString> swept;
-        sweepFields(screen, entry, report, &swept, true, QStringLiteral("as opened"));
+        sweepFields(screen, entry, report, &swept, QStringLiteral("as opened"));
         // What opens more fields: an option button (the search by bill or by control), an
         // entry of a list box (the adjustment's action), a tick (a body to distribute). Then a
         // record loaded by its key opens the rest.
@@ -368,7 +377,7 @@ private:
             QString why;
             SetTicked(opener, true, &why);
             if (screen)
-                sweepFields(screen, entry, report, &swept, false, Describe(opener));
+                sweepFields(screen, entry, report, &swept, Describe(opener));
         }
         QList<QPointer<QComboBox>> lists;
         if (screen)
@@ -387,13 +396,13 @@ private:
                 if (screen)
                     loadKeys(screen, entry);
                 if (screen)
-                    sweepFields(screen, entry, report, &swept, true, text);
+                    sweepFields(screen, entry, report, &swept, text);
             }
         }
         if (screen)
             loadKeys(screen, entry);
         if (screen)
-            sweepFields(screen, entry, report, &swept, true, QStringLiteral("loaded"));
+            sweepFields(screen, entry, report, &swept, QStringLiteral("loaded"));
     }
 
     // A bill or receipt that stands, typed into its key field and left: the screen loads it.
@@ -422,53 +431,67 @@ private:
         }
     }
 
-    // The fields not swept yet, with each input; press: the accept buttons after each input
-    // (only while no bill or record is loaded, so that nothing valid stands behind them).
+    // The fields not swept yet, with each input; in the pressing round the accept buttons are
+    // pressed once every field holds the input (the fields swept before hold the last one), so
+    // that nothing valid stands behind the press.
     void sweepFields(QPointer<QWidget> screen, const ScreenEntry& entry, ScreenReport* report,
-                     std::set<QString>* swept, bool press, const QString& how) {
+                     std::set<QString>* swept, const QString& how) {
         QList<QPointer<QWidget>> fields;
         for (QWidget* f : TypedFields(screen))
             if (swept->insert(f->objectName()).second)
                 fields << f;
         if (fields.isEmpty())
             return;
-        report->fields += int(fields.size());
+        if (!m_pressing)
+            report->fields += int(fields.size());
         for (const QString& input : BadInputs()) {
-            for (const QPointer<QWidget>& field : fields) {
-                if (!screen || !field || !field->isVisible() || !field->isEnabled())
-                    continue;
-                doing(QStringLiteral("%1: %2 <- %3")
-                          .arg(entry.screenName, field->objectName(), shown(input)));
-                Enter(field, input);
-                if (field) {
-                    QString why;
-                    LeaveWidget(field, &why);
-                }
-                ++report->entries;
-            }
             if (!screen)
                 return;
-            const bool valid = TakenAsValid(entry.screenName, input);
-            for (const QString& name : press && !valid ? AcceptButtons : QStringList()) {
-                auto* button = screen->findChild<QPushButton*>(name);
-                if (!button || !button->isVisible() || !button->isEnabled())
-                    continue;
-                doing(QStringLiteral("%1: %2 with every field %3")
-                          .arg(entry.screenName, name, shown(input)));
-                QString why;
-                ClickWidget(button, &why);
-                ++report->presses;
-                if (!screen)
-                    return;
-            }
+            enterAll(fields, entry, input, report);
+            if (m_pressing && !TakenAsValid(entry.screenName, input) &&
+                !pressAccept(screen, entry, input, report))
+                return;
             // Where a write happened is told by the input that made it.
             const QStringList changed = ChangedTables(m_before, DumpDatabase());
             if (!changed.isEmpty() && report->faults.isEmpty())
                 report->faults
-                    << QStringLiteral("%1 wrote to %2 on %3 (%4); its last boxes: %5")
+                    << QStringLiteral("%1 wrote to %2 on %3 (%4%5); its last boxes: %6")
                            .arg(entry.screenName, changed.join(u' '), shown(input), how,
+                                m_pressing ? QStringLiteral(", pressed") : QString(),
                                 g_messages->boxes.mid(g_messages->boxes.size() - 3).join(u'/'));
         }
+    }
+
+    void enterAll(const QList<QPointer<QWidget>>& fields, const ScreenEntry& entry,
+                  const QString& input, ScreenReport* report) {
+        for (const QPointer<QWidget>& field : fields) {
+            if (!field || !field->isVisible() || !field->isEnabled())
+                continue;
+            doing(QStringLiteral("%1: %2 <- %3")
+                      .arg(entry.screenName, field->objectName(), shown(input)));
+            Enter(field, input);
+            if (field) {
+                QString why;
+                LeaveWidget(field, &why);
+            }
+            ++report->entries;
+        }
+    }
+
+    // False when the screen closed.
+    bool pressAccept(QPointer<QWidget> screen, const ScreenEntry& entry, const QString& input,
+                     ScreenReport* report) {
+        for (const QString& name : AcceptButtons) {
+            auto* button = screen ? screen->findChild<QPushButton*>(name) : nullptr;
+            if (!button || !button->isVisible() || !button->isEnabled())
+                continue;
+            doing(QStringLiteral("%1: %2 with every field %3")
+                      .arg(entry.screenName, name, shown(input)));
+            QString why;
+            ClickWidget(button, &why);
+            ++report->presses;
+        }
+        return !screen.isNull();
     }
 
     void closeAll() {
@@ -498,6 +521,7 @@ private:
 
     frmLevyDeskMain* m_window;
     Keys m_keys;
+    bool m_pressing = false;
     QByteArray m_before;
 };
 
