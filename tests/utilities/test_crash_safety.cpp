@@ -683,6 +683,27 @@ bool lateBilling(Office& o, bool adds) {
     return true;
 }
 
+// Verify Data Integrity as its screen runs it: the walk with its repairs, the Nulls cleaned,
+// the file compacted with no connection open on it, the connection opened again.
+bool verifyData(Office& o) {
+    const char* action = "verify data integrity";
+    const VerifyWalk walk = VerifyDataWalk(o.db, QStringLiteral("Township"), {});
+    if (!walk.ok)
+        childFailed(action, walk.error);
+    QString error;
+    if (!CleanNulls(o.db, &error))
+        childFailed(action, error);
+    const QString path = session().DatabasePath;
+    o.db = QSqlDatabase();
+    CloseSessionDatabase();
+    if (!CompactDatabaseFile(path, &error))
+        childFailed(action, error);
+    if (!OpenSessionDatabase(path, &error))
+        childFailed(action, error);
+    o.db = session().DbConnection;
+    return true;
+}
+
 // Every user action that writes. One more action is one more entry.
 struct CrashAction {
     const char* name;
@@ -716,6 +737,7 @@ const std::vector<CrashAction>& CrashActions() {
         {"special taxpayer amount", saveSpecialTaxpayer},
         {"late billing adds", [](Office& o) { return lateBilling(o, true); }},
         {"late billing exonerations", [](Office& o) { return lateBilling(o, false); }},
+        {"verify data integrity", verifyData},
     };
     return actions;
 }
@@ -925,9 +947,12 @@ std::vector<Rule> Rules() {
 // The county's rates as a text, to compare before and after (the special's name may be either
 // of the two the child writes).
 QString countyRates(QSqlDatabase db) {
-    return column(db, QStringLiteral("SELECT SMR || '|' || S1MR || '|' || SD || '|' || SP || '|' "
-                                     "|| SMO || '|' || SPC || '|' || PCSD || '|' || PCSP FROM "
-                                     "Millfile WHERE District || Ward = '000'"))
+    // A Null rate is 0 (Verify Data Integrity makes it so).
+    QStringList rates;
+    for (const char* rate : {"SMR", "S1MR", "SD", "SP", "SMO", "SPC", "PCSD", "PCSP"})
+        rates << QStringLiteral("ifnull(%1, 0)").arg(QLatin1String(rate));
+    return column(db, QStringLiteral("SELECT %1 FROM Millfile WHERE District || Ward = '000'")
+                          .arg(rates.join(QStringLiteral(" || '|' || "))))
         .join(u';');
 }
 
