@@ -41,7 +41,6 @@
 #include <QSqlRecord>
 #include <QTemporaryDir>
 #include <QTest>
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <functional>
@@ -57,6 +56,8 @@ namespace {
 const QDate CrashToday(2013, 10, 15);
 const char* const ChildFlag = "--crash-child";
 
+// The first column of a query's rows. A query that fails gives one row with its error, so that
+// a rule that cannot run is reported and a child that cannot pick stops with the reason.
 QStringList column(QSqlDatabase db, const QString& sql) {
     QStringList out;
     QSqlQuery q(db);
