@@ -133,9 +133,16 @@ public:
         return std::nullopt;
     }
 
+    // Boxes that show the database's own words: a statement built from typed text.
+    QStringList sqlErrors;
+
 private:
     void keep(const QString& title, const QString& text) {
         boxes << title + QStringLiteral(": ") + text.left(120);
+        for (const char* word : {"syntax error", "unrecognized token", "no such column",
+                                 "no such table", "Unable to execute", "Parameter count"})
+            if (text.contains(QLatin1String(word), Qt::CaseInsensitive))
+                sqlErrors << g_doing + QStringLiteral(": ") + title + QStringLiteral(": ") + text;
         ++g_beat;
     }
 };
@@ -318,6 +325,8 @@ public:
             runOnce(menuItem, entry, &report);
         }
         report.boxes = int(g_messages->boxes.size());
+        report.faults << g_messages->sqlErrors;
+        g_messages->sqlErrors.clear();
         report.distinctBoxes = g_messages->boxes;
         report.distinctBoxes.removeDuplicates();
         const QStringList changed = ChangedTables(before, DumpDatabase());
@@ -541,8 +550,20 @@ QString GroupOf(const QString& item) {
 
 } // namespace
 
+// Qt's own warnings of a query used wrongly (a value read from a failed query, a statement
+// that did not prepare), with what the sweep was doing.
+QStringList g_queryWarnings;
+
+void keepQueryWarnings(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type != QtDebugMsg && text.startsWith(QLatin1String("QSqlQuery::")))
+        g_queryWarnings << g_doing + QStringLiteral(": ") + text;
+    else if (type != QtDebugMsg && !text.startsWith(QLatin1String("This plugin does not")))
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
+    qInstallMessageHandler(keepQueryWarnings);
     const QString group = app.arguments().value(1, QStringLiteral("all"));
     const bool listBoxes = app.arguments().contains(QStringLiteral("--boxes"));
     std::thread(watchdog).detach();
@@ -603,6 +624,8 @@ int main(int argc, char** argv) {
         faults << r.faults;
     }
     std::printf("%zu screens, %d fields, %d entries\n", screens.size(), fields, entries);
+    g_queryWarnings.removeDuplicates();
+    faults << g_queryWarnings;
     for (const QString& fault : faults)
         std::printf("FAULT: %s\n", qPrintable(fault));
     std::fflush(stdout);
