@@ -1132,7 +1132,12 @@ CrashRun RunCrashLoop(const QString& self, int kills, quint32 seed) {
     const QByteArray file = path.toLocal8Bit();
     for (int kill = 1; kill <= kills; ++kill) {
         const quint32 childSeed = rng();
-        const int delayUs = std::uniform_int_distribution<int>(0, 60000)(rng);
+        // Mostly within the first few actions; one kill in five lets the child run longer, so
+        // that the long actions (a distribution, the late billing run, the integrity utility
+        // on a grown file) are cut too.
+        const bool longer = std::uniform_int_distribution<int>(0, 4)(rng) == 0;
+        const int delayUs = longer ? std::uniform_int_distribution<int>(60000, 300000)(rng)
+                                   : std::uniform_int_distribution<int>(0, 60000)(rng);
         int pipeFds[2];
         if (pipe(pipeFds) != 0) {
             run.faults << QStringLiteral("pipe failed");
