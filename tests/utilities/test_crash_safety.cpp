@@ -21,6 +21,7 @@
 #include "desk/percapita/pc_receipt_writes.h"
 #include "desk/realestate/address_change.h"
 #include "desk/realestate/adjust_writes.h"
+#include "desk/realestate/mortgage_update.h"
 #include "desk/realestate/receipt_writes.h"
 #include "distribution/distribution_file.h"
 #include "distribution/distribution_numbers.h"
@@ -417,6 +418,32 @@ bool addRealEstateBill(Office& o) {
     return true;
 }
 
+// A mortgage company's file of up to three open bills paid at face, posted as the screen posts
+// it; a bill the county or township has already been paid on is listed, not posted.
+bool postMortgageFile(Office& o) {
+    const char* action = "mortgage company posting";
+    QByteArray bytes;
+    for (int i = 0; i < 3; ++i) {
+        const QString billNo = o.pick(QStringLiteral(
+            "SELECT BillNo FROM TCMaster WHERE CPayFlag = ' ' AND TPayFlag = ' ' AND BillNo < 'A' "
+            "AND AdjFlag IN (' ', 'A') AND CAddrFlag IN (' ', 'A') ORDER BY BillNo"));
+        if (billNo.isEmpty())
+            break;
+        const BillNow bill = billOf(o, Duplicate::RealEstate, billNo, action);
+        const Money face = MortgageTotal(MortgageAmountsAt(bill, QChar(PeriodFace)));
+        bytes += bill.text("Control").leftJustified(6, u' ', true).toLatin1() +
+                 billNo.trimmed().rightJustified(5, u' ').toLatin1() +
+                 QByteArray::number(face.units() / 100).rightJustified(9, '0') + "CK" +
+                 QByteArray::number(i + 1).rightJustified(4, '0') + "MORTGAGE CO O'NEILL\r\n";
+    }
+    if (bytes.isEmpty())
+        return false;
+    const MortgageRun run = RunMortgageUpdate(o.db, ParseMortgageCompanyFile(bytes), CrashToday);
+    if (run.end == MortgageRun::End::Failed)
+        childFailed(action, run.error);
+    return true;
+}
+
 bool payPerCapita(Office& o) {
     const char* action = "per capita payment";
     const QString billNo = o.pick(OpenBills.arg(QStringLiteral("PCMaster")));
@@ -721,6 +748,7 @@ const std::vector<CrashAction>& CrashActions() {
         {"real-estate unexoneration", unexonerateRealEstate},
         {"real-estate address change", changeRealEstateAddress},
         {"real-estate added bill", addRealEstateBill},
+        {"mortgage company posting", postMortgageFile},
         {"per capita payment and refund", payPerCapita},
         {"per capita void", [](Office& o) { return voidReceipt(o, Duplicate::PerCapita); }},
         {"per capita adjustment", adjustPerCapita},
