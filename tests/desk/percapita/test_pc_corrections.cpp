@@ -1,7 +1,7 @@
 // The per capita corrections on temporary databases: the amounts from the rates (flat or on the
 // occupation value), the names built from their parts, and the writes of the adjustment chain,
-// the added bill and the address chain (what each leaves, in which order, and nothing on a
-// failure).
+// the added bill and the address chain (in which order, what the next read makes of them, and
+// nothing on a failure). The columns each screen writes are proved by the pc_* scenarios.
 #include "desk/percapita/address_change.h"
 #include "desk/percapita/adjust_writes.h"
 #include "desk/percapita/person_name.h"
@@ -220,14 +220,6 @@ void TestPerCapitaCorrections::addedBill() {
     QString error;
     QVERIFY2(AddPerCapitaBill(t.db(), a, &error), qPrintable(error));
     QCOMPARE(writeLog(t), QString("UPDATE PCBillNum;INSERT PCMaster;INSERT PCAdds"));
-    QCOMPARE(rows(t.db(), "SELECT BillNum FROM PCBillNum"), QString("43"));
-    QCOMPARE(rows(t.db(), "SELECT Control, BillNo, Name, Addr2, District, TaxYear, AdjFlag, "
-                          "CPayFlag, CAddrFlag, Over65, Birthdate, CPerCapita, DTOccupation "
-                          "FROM PCMaster"),
-             QString("A00042|A0042|O'BRIEN, PAT|5 OAK LN|12|2013| | | | |<null>|50000|196000"));
-    QCOMPARE(rows(t.db(), "SELECT Control, BillNo, AdjDate, Reason FROM PCAdds"),
-             QString("A00042|A0042|2013-05-06|MOVED IN"));
-    QCOMPARE(rows(t.db(), "SELECT count(*) FROM PCAdjust"), QString("0"));
 
     // A birth date given is written as typed; a number that is not "A" and digits is refused.
     a.image.billNo = QStringLiteral("A0043");
@@ -262,10 +254,6 @@ void TestPerCapitaCorrections::adjustmentChain() {
     QCOMPARE(rows(t.db(), "SELECT BillNo, AdjFlag, CPayFlag, TPayFlag, SPayFlag, CPerCapita FROM "
                           "PCMaster ORDER BY BillNo"),
              QString("   42|A| | | |50000;   43| | | | |50000"));
-    QCOMPARE(rows(t.db(), "SELECT AdjNo, Name, OccuValue, CPerCapita, PTOccupation, AdjDate, "
-                          "Reason, AdjFlag, Birthdate FROM PCAdjust ORDER BY AdjNo"),
-             QString("1|O'BRIEN, PAT|300|50000|220000|2013-05-06|NEW JOB|A|<null>;"
-                     "2|O'BRIEN, PAT|300|60000|220000|2013-05-06|NEW JOB|A|<null>"));
     // The chain reads back as the bill in force.
     const BillNow now = ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42"));
     QVERIFY(now.found());
@@ -363,10 +351,6 @@ void TestPerCapitaCorrections::addressChain() {
              QString("UPDATE PCMaster;INSERT PCAddress;UPDATE PCMaster;INSERT PCAddress"));
     QCOMPARE(rows(t.db(), "SELECT BillNo, CAddrFlag FROM PCMaster ORDER BY BillNo"),
              QString("   42|A;   43| "));
-    QCOMPARE(rows(t.db(), "SELECT AddrID, Name, Prefix, FName, LName, Suffix, Addr2, ADate, "
-                          "Reportable, USPS FROM PCAddress ORDER BY AddrID"),
-             QString("1|O'HARA III, DR ANN|DR|ANN|O'HARA|III|9 ELM RD|2013-05-06|1|1;"
-                     "2|O'HARA III, DR ANN|DR|ANN|O'HARA|III|9 ELM RD|2013-05-06|0|0"));
     // The address in force is the last change, apostrophe and all.
     const BillNow now = ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42"));
     QCOMPARE(now.addrId, 2);
