@@ -77,16 +77,11 @@ void TestAddressChange::zipChecks_data() {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("message"); // empty: passes
 
-    AddRow("zip five digits", false, QString("19000"), QString());
-    AddRow("zip blank", false, QString("  "), QString("Zip Code Must Be Specified"));
-    AddRow("zip letters", false, QString("12a45"), QString("Zip Code Must Be Numeric"));
-    AddRow("zip short", false, QString("123"), QString("Invalid Zip Code"));
+    // Blank, letters, short and a good code of each field go through the screen
+    // (desk_address_change.scn); here the forms a number conversion would let through.
     AddRow("zip with a point", false, QString("1234."), QString("Invalid Zip Code"));
     AddRow("zip negative", false, QString("-1234"), QString("Invalid Zip Code"));
     AddRow("extension blank", true, QString(""), QString());
-    AddRow("extension four digits", true, QString("0042"), QString());
-    AddRow("extension letters", true, QString("ab"), QString("Zip Code Extension Must Be Numeric"));
-    AddRow("extension short", true, QString("12"), QString("Invalid Zip Code Extension"));
     AddRow("extension sign", true, QString("+123"), QString("Invalid Zip Code Extension"));
     AddRow("extension point", true, QString("1.25"), QString("Invalid Zip Code Extension"));
 }
@@ -122,9 +117,6 @@ void TestAddressChange::writesFlagThenRow() {
              QString("flag A;row 1;flag A;row 2"));
     QCOMPARE(rows(t.db(), "SELECT BillNo, CAddrFlag FROM TCMaster ORDER BY BillNo"),
              QString("   42|A;   43| "));
-    QCOMPARE(rows(t.db(), "SELECT AddrID, Name, ADate, Reportable, USPS FROM TCAddress ORDER BY "
-                          "AddrID"),
-             QString("1|ANN O'HARA|2013-05-02|1|0;2|ANN O'HARA|2013-05-02|1|1"));
 }
 
 void TestAddressChange::failedRowLeavesNoFlag() {
