@@ -163,37 +163,20 @@ void TestDemoDatabase::cleanupTestCase() {
     TaxDatabase::close(QStringLiteral("demo"));
 }
 
+// The office's rates, read as the adjustment screen reads them.
 RealEstateRates TestDemoDatabase::rates() {
     const QSqlRecord county =
         Row(m_db, QStringLiteral("SELECT * FROM Millfile WHERE District||Ward = '000'"));
     const QSqlRecord municipal = Row(m_db, QStringLiteral("SELECT m.* FROM Millfile m JOIN "
                                                           "tbl_District d ON m.District = "
                                                           "d.District AND m.Ward = d.Ward"));
-    RealEstateRates r;
-    r.countyMill = county.value("SMR").toDouble();
-    r.countySpecialMill = county.value("S1MR").toDouble();
-    r.countyDiscountPct = std::nearbyint(county.value("SD").toDouble());
-    r.countyPenaltyPct = std::nearbyint(county.value("SP").toDouble());
-    r.libraryMill = municipal.value("LMR").toDouble();
-    r.twpMill = municipal.value("TMR").toDouble();
-    r.twpDiscountPct = municipal.value("TD").toDouble();
-    r.twpPenaltyPct = municipal.value("TP").toDouble();
+    std::array<double, 3> specials{};
     QSqlQuery q(m_db);
     q.exec(QStringLiteral("SELECT s.Mill FROM Spectax s JOIN tbl_District d ON s.District = "
                           "d.District AND s.Ward = d.Ward ORDER BY s.TaxKey"));
     for (int slot = 0; slot < 3 && q.next(); ++slot)
-        r.specialMill[slot] = q.value(0).toDouble();
-    r.school = {municipal.value("SMR").toDouble(),
-                UsesSchoolFormula(TextOf(municipal, "SchoolFormula")),
-                municipal.value("SchoolMarketRatio").toDouble(),
-                municipal.value("SchoolStebRatio").toDouble()};
-    r.schoolSpecial = {municipal.value("S1MR").toDouble(),
-                       UsesSchoolFormula(TextOf(municipal, "School1Formula")),
-                       municipal.value("School1MarketRatio").toDouble(),
-                       municipal.value("School1StebRatio").toDouble()};
-    r.schoolDiscountPct = municipal.value("SD").toDouble();
-    r.schoolPenaltyPct = municipal.value("SP").toDouble();
-    return r;
+        specials[slot] = q.value(0).toDouble();
+    return RealEstateRatesFromMillfile(county, municipal, specials);
 }
 
 void TestDemoDatabase::sizesAndCounters_data() {
