@@ -55,7 +55,6 @@ private Q_SLOTS:
     void cleanup();
     void earlyBillWithMailingPage();
     void secondNoticeListsUnpaidBodiesOnly();
-    void queries();
     void runs_data();
     void runs();
     void streamedPdfReadsBack();
@@ -157,20 +156,6 @@ void TestPCTaxBill::secondNoticeListsUnpaidBodiesOnly() {
     const QString plain = joined(drawBill(QStringLiteral("    3"), look).textLines());
     QVERIFY(plain.contains(QLatin1String("TOTAL TAX DUE 12.74 13.00 14.30")));
     QVERIFY(!plain.contains(QLatin1String("SECOND NOTICE")));
-}
-
-void TestPCTaxBill::queries() {
-    QCOMPARE(PCBillQuery(true, PCBillOrder::Name, true, true),
-             QStringLiteral("SELECT * FROM PCMaster WHERE BillNo = '    1' ORDER BY BillNo DESC"));
-    QCOMPARE(PCBillQuery(false, PCBillOrder::Name, false, false),
-             QStringLiteral("SELECT * FROM PCMaster ORDER BY Name DESC, BillNo DESC"));
-    QCOMPARE(PCBillQuery(false, PCBillOrder::ZipCode, true, true),
-             QStringLiteral("SELECT * FROM PCMaster WHERE (CPayFlag = ' ' OR TPayFlag = ' ' OR "
-                            "SPayFlag = ' ') ORDER BY ZipCode, ZipCode2, BillNo"));
-    QCOMPARE(
-        PCMailingName(
-            ReadBillAsItStands(m_db->db(), Duplicate::PerCapita, QStringLiteral("    1")).bill),
-        QStringLiteral("JANE DOE"));
 }
 
 void TestPCTaxBill::runs_data() {

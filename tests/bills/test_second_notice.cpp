@@ -195,8 +195,6 @@ void TestSecondNotice::listedAmounts() {
     QCOMPARE(labelsOf(NoticeLines(pc, pc.bodies(NoticeFrame::Both), NoticeForm::County,
                                   bill(Duplicate::PerCapita, "    3"))),
              QStringLiteral("SCHOOL P/C=5.50"));
-    QCOMPARE(NoticeClauses(Duplicate::PerCapita, {true, false, true}),
-             QStringLiteral("trim(CPayFlag) = '' OR trim(SPayFlag) = ''"));
     QCOMPARE(NoticePayload(Duplicate::PerCapita, NoticeFrame::Both, QDate(2026, 11, 16),
                            QStringLiteral("12"), QStringLiteral("000102")),
              QStringLiteral("212612000102"));
