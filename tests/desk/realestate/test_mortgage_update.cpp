@@ -203,7 +203,7 @@ void TestMortgageUpdate::exceptionsWriteNothing_data() {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QString>("cFlag");
     QTest::addColumn<QString>("tFlag");
-    // A wrong control number and a malformed record: mortgage_companies.scn.
+    // A wrong control number: mortgage_companies.scn.
     AddRow("bill not on file", record("004200", "   99", "000036500", "CK0001", "BANK"),
            QStringLiteral(" "), QStringLiteral(" "));
     AddRow("county paid", record("004200", "   42", "000036500", "CK0001", "BANK"),
@@ -211,6 +211,8 @@ void TestMortgageUpdate::exceptionsWriteNothing_data() {
     AddRow("township exonerated", record("004200", "   42", "000036500", "CK0001", "BANK"),
            QStringLiteral(" "), QStringLiteral("X"));
     AddRow("no period matches", record("004200", "   42", "000036501", "CK0001", "BANK"),
+           QStringLiteral(" "), QStringLiteral(" "));
+    AddRow("malformed record", record("004200", "   42", "0003650O0", "CK0001", "BANK"),
            QStringLiteral(" "), QStringLiteral(" "));
 }
 
