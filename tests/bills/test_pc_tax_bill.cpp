@@ -190,8 +190,6 @@ void TestPCTaxBill::runs_data() {
            QStringList{"1", "2", "A0001"});
     AddRow("second notice late", true, byBill, true, true, none, 99, false, int(S::Finished),
            QStringList{"1", "2", "3", "4", "A0001"});
-    AddRow("start not found", false, byBill, true, false, QString("   77"), 5, false,
-           int(S::StartNotFound), QStringList{});
     AddRow("late billing run", true, byBill, true, false, none, 99, true, int(S::Finished),
            QStringList{"2", "A0001"});
 }

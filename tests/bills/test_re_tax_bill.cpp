@@ -235,8 +235,6 @@ void TestRETaxBill::runs_data() {
            QStringList{"1"});
     AddRow("zip descending", false, true, false, false, none, 99, false, int(S::Finished),
            QStringList{"2", "1", "A0001"});
-    AddRow("start not found", false, false, true, false, QString("   77"), 5, false,
-           int(S::StartNotFound), QStringList{});
     AddRow("late billing run", true, false, true, false, none, 99, true, int(S::Finished),
            QStringList{"2", "A0001"});
 }
