@@ -55,7 +55,6 @@ private Q_SLOTS:
     void cleanup();
     void earlyBillWithMailingPage();
     void secondNoticeListsUnpaidBodiesOnly();
-    void queries();
     void runs_data();
     void runs();
     void streamedPdfReadsBack();
@@ -159,20 +158,6 @@ void TestPCTaxBill::secondNoticeListsUnpaidBodiesOnly() {
     QVERIFY(!plain.contains(QLatin1String("SECOND NOTICE")));
 }
 
-void TestPCTaxBill::queries() {
-    QCOMPARE(PCBillQuery(true, PCBillOrder::Name, true, true),
-             QStringLiteral("SELECT * FROM PCMaster WHERE BillNo = '    1' ORDER BY BillNo DESC"));
-    QCOMPARE(PCBillQuery(false, PCBillOrder::Name, false, false),
-             QStringLiteral("SELECT * FROM PCMaster ORDER BY Name DESC, BillNo DESC"));
-    QCOMPARE(PCBillQuery(false, PCBillOrder::ZipCode, true, true),
-             QStringLiteral("SELECT * FROM PCMaster WHERE (CPayFlag = ' ' OR TPayFlag = ' ' OR "
-                            "SPayFlag = ' ') ORDER BY ZipCode, ZipCode2, BillNo"));
-    QCOMPARE(
-        PCMailingName(
-            ReadBillAsItStands(m_db->db(), Duplicate::PerCapita, QStringLiteral("    1")).bill),
-        QStringLiteral("JANE DOE"));
-}
-
 void TestPCTaxBill::runs_data() {
     QTest::addColumn<bool>("late");
     QTest::addColumn<int>("order");
@@ -205,8 +190,6 @@ void TestPCTaxBill::runs_data() {
            QStringList{"1", "2", "A0001"});
     AddRow("second notice late", true, byBill, true, true, none, 99, false, int(S::Finished),
            QStringList{"1", "2", "3", "4", "A0001"});
-    AddRow("start not found", false, byBill, true, false, QString("   77"), 5, false,
-           int(S::StartNotFound), QStringList{});
     AddRow("late billing run", true, byBill, true, false, none, 99, true, int(S::Finished),
            QStringList{"2", "A0001"});
 }

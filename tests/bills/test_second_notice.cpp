@@ -195,8 +195,6 @@ void TestSecondNotice::listedAmounts() {
     QCOMPARE(labelsOf(NoticeLines(pc, pc.bodies(NoticeFrame::Both), NoticeForm::County,
                                   bill(Duplicate::PerCapita, "    3"))),
              QStringLiteral("SCHOOL P/C=5.50"));
-    QCOMPARE(NoticeClauses(Duplicate::PerCapita, {true, false, true}),
-             QStringLiteral("trim(CPayFlag) = '' OR trim(SPayFlag) = ''"));
     QCOMPARE(NoticePayload(Duplicate::PerCapita, NoticeFrame::Both, QDate(2026, 11, 16),
                            QStringLiteral("12"), QStringLiteral("000102")),
              QStringLiteral("212612000102"));
@@ -309,7 +307,6 @@ void TestSecondNotice::perCapitaRunFollowsNames() {
     // Early bodies only: bill 3 has its township paid and the county takes nothing.
     QCOMPARE(run("    3", NoticeFrame::Early, BillRunResult::Stop::Finished),
              (QStringList{"000901", "000101", "000102"}));
-    QCOMPARE(run("   77", NoticeFrame::Both, BillRunResult::Stop::StartNotFound), QStringList{});
 }
 
 void TestSecondNotice::streamedPdfReadsBack() {

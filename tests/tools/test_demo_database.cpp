@@ -1,6 +1,7 @@
 #include "core/common_values.h"
 #include "core/tax_database.h"
 #include "demo/demo_database.h"
+#include "desk/percapita/adjust_writes.h"
 #include "desk/realestate/payment_rules.h"
 #include "support/test_support.h"
 
@@ -12,7 +13,6 @@
 #include <QSqlRecord>
 #include <QTemporaryDir>
 #include <QTest>
-#include <cmath>
 #include <map>
 
 namespace {
@@ -163,37 +163,20 @@ void TestDemoDatabase::cleanupTestCase() {
     TaxDatabase::close(QStringLiteral("demo"));
 }
 
+// The office's rates, read as the adjustment screen reads them.
 RealEstateRates TestDemoDatabase::rates() {
     const QSqlRecord county =
         Row(m_db, QStringLiteral("SELECT * FROM Millfile WHERE District||Ward = '000'"));
     const QSqlRecord municipal = Row(m_db, QStringLiteral("SELECT m.* FROM Millfile m JOIN "
                                                           "tbl_District d ON m.District = "
                                                           "d.District AND m.Ward = d.Ward"));
-    RealEstateRates r;
-    r.countyMill = county.value("SMR").toDouble();
-    r.countySpecialMill = county.value("S1MR").toDouble();
-    r.countyDiscountPct = std::nearbyint(county.value("SD").toDouble());
-    r.countyPenaltyPct = std::nearbyint(county.value("SP").toDouble());
-    r.libraryMill = municipal.value("LMR").toDouble();
-    r.twpMill = municipal.value("TMR").toDouble();
-    r.twpDiscountPct = municipal.value("TD").toDouble();
-    r.twpPenaltyPct = municipal.value("TP").toDouble();
+    std::array<double, 3> specials{};
     QSqlQuery q(m_db);
     q.exec(QStringLiteral("SELECT s.Mill FROM Spectax s JOIN tbl_District d ON s.District = "
                           "d.District AND s.Ward = d.Ward ORDER BY s.TaxKey"));
     for (int slot = 0; slot < 3 && q.next(); ++slot)
-        r.specialMill[slot] = q.value(0).toDouble();
-    r.school = {municipal.value("SMR").toDouble(),
-                UsesSchoolFormula(TextOf(municipal, "SchoolFormula")),
-                municipal.value("SchoolMarketRatio").toDouble(),
-                municipal.value("SchoolStebRatio").toDouble()};
-    r.schoolSpecial = {municipal.value("S1MR").toDouble(),
-                       UsesSchoolFormula(TextOf(municipal, "School1Formula")),
-                       municipal.value("School1MarketRatio").toDouble(),
-                       municipal.value("School1StebRatio").toDouble()};
-    r.schoolDiscountPct = municipal.value("SD").toDouble();
-    r.schoolPenaltyPct = municipal.value("SP").toDouble();
-    return r;
+        specials[slot] = q.value(0).toDouble();
+    return RealEstateRatesFromMillfile(county, municipal, specials);
 }
 
 void TestDemoDatabase::sizesAndCounters_data() {
@@ -440,22 +423,10 @@ void TestDemoDatabase::perCapitaAmountsFollowTheRates() {
         Row(m_db, QStringLiteral("SELECT m.* FROM Millfile m JOIN tbl_District d ON m.District = "
                                  "d.District AND m.Ward = d.Ward"));
     QVERIFY(TextOf(municipal, "District") != QLatin1String("37"));
-    auto flat = [](const QSqlRecord& r, const char* column, const char* d, const char* p,
-                   bool whole) {
-        const Money face = Money::fromRounded(RoundTo(r.value(column).toDouble(), 2));
-        double dp = r.value(d).toDouble(), pp = r.value(p).toDouble();
-        if (whole) {
-            dp = std::nearbyint(dp);
-            pp = std::nearbyint(pp);
-        }
-        return TripleFromFace(face, dp, pp);
-    };
-    const AmountTriple expected[6] = {flat(county, "SPC", "PCSD", "PCSP", true),
-                                      flat(county, "SMO", "PCSD", "PCSP", true),
-                                      flat(municipal, "TPC", "PCTD", "PCTP", false),
-                                      flat(municipal, "TMO", "PCTD", "PCTP", false),
-                                      flat(municipal, "SPC", "PCSD", "PCSP", false),
-                                      flat(municipal, "SMO", "PCSD", "PCSP", false)};
+    // Flat amounts at the rates, as the per capita adjustment reads and figures them.
+    const PerCapitaBillAmounts expected = ComputePerCapitaAmounts(
+        {}, 0, {true, true, true},
+        PerCapitaRatesFromMillfile(county, municipal, TextOf(municipal, "District"), QString()));
     QSqlQuery q(m_db);
     QVERIFY(q.exec(QStringLiteral("SELECT * FROM PCMaster")));
     int taxed = 0;
@@ -464,8 +435,8 @@ void TestDemoDatabase::perCapitaAmountsFollowTheRates() {
         const bool taxable = TextOf(row, "OccuCode") == QLatin1String("TAX");
         taxed += taxable;
         for (int i = 0; i < 6; ++i)
-            QCOMPARE(Triple(row, PcLines[i]),
-                     taxable ? Triple(expected[i]) : QStringLiteral("0.00/0.00/0.00"));
+            QCOMPARE(Triple(row, PcLines[i]), taxable ? Triple(expected.line[std::size_t(i)])
+                                                      : QStringLiteral("0.00/0.00/0.00"));
     }
     QVERIFY(taxed > 500);
 }

@@ -9,6 +9,9 @@
 #include <QSqlQuery>
 #include <QTest>
 
+// The per capita adds and exonerations are proved through the screen in
+// utilities_late_billing_pc.scn.
+
 namespace {
 
 QString amounts(const std::array<Money, 3>& t) {
@@ -30,7 +33,6 @@ private Q_SLOTS:
     void perCapitaAmounts();
     void addsWriteOnlyTheLateBodies();
     void exonerations();
-    void perCapitaExonerations();
 
 private:
     LateBillingOffice office();
@@ -183,17 +185,6 @@ void TestLateBilling::addsWriteOnlyTheLateBodies() {
     // Bills not added are not touched.
     QCOMPARE(rows(QStringLiteral("SELECT School FROM TCMaster WHERE BillNo = '    1'")),
              QStringList{"6000000"});
-
-    // Per capita: the added person's school part.
-    QVERIFY(m_db->exec(QStringLiteral(
-        "UPDATE PCMaster SET SPerCapita = 0, DSPerCapita = 0, PSPerCapita = 0 WHERE BillNo = "
-        "'A0001'")));
-    const LateBillingResult pc = UpdateLateBillingAdds(m_db->db(), Duplicate::PerCapita, office());
-    QVERIFY2(pc.ok, qPrintable(pc.error));
-    QCOMPARE(pc.count, 1);
-    QCOMPARE(rows(QStringLiteral("SELECT DSPerCapita, SPerCapita, PSPerCapita, TPerCapita FROM "
-                                 "PCMaster WHERE BillNo = 'A0001'")),
-             QStringList{"49000|50000|55000|50000"});
 }
 
 void TestLateBilling::exonerations() {
@@ -245,19 +236,6 @@ void TestLateBilling::exonerations() {
                  "SELECT AdjNo, Twp, DTwp, PTwp, School FROM TCAdjust WHERE BillNo = '    5' AND "
                  "AdjNo = 3")),
              QStringList{"3|0|0|0|0"});
-}
-
-void TestLateBilling::perCapitaExonerations() {
-    // Person 2 is adjusted; the county takes nothing from anyone, the school bills late.
-    const LateBillingResult r =
-        ExonerateLateBodies(m_db->db(), Duplicate::PerCapita, office(), QDate(2013, 7, 10));
-    QVERIFY2(r.ok, qPrintable(r.error));
-    QCOMPARE(r.count, 1);
-    QCOMPARE(rows(QStringLiteral(
-                 "SELECT AdjNo, SPerCapita, PSPerCapita, SOccupation, TPerCapita, TOccupation, "
-                 "Reason, AdjFlag, Prefix FROM PCAdjust WHERE BillNo = '    2' ORDER BY AdjNo")),
-             (QStringList{"1|50000|55000|0|50000|60000|NEW OCCUPATION|A|MR",
-                          "2|0|0|0|50000|60000|UPDATED FROM LATE BILLING ROUT|A|MR"}));
 }
 
 QTEST_MAIN(TestLateBilling)

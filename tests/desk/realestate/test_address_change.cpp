@@ -77,16 +77,11 @@ void TestAddressChange::zipChecks_data() {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("message"); // empty: passes
 
-    AddRow("zip five digits", false, QString("19000"), QString());
-    AddRow("zip blank", false, QString("  "), QString("Zip Code Must Be Specified"));
-    AddRow("zip letters", false, QString("12a45"), QString("Zip Code Must Be Numeric"));
-    AddRow("zip short", false, QString("123"), QString("Invalid Zip Code"));
+    // Blank, letters, short and a good code of each field go through the screen
+    // (desk_address_change.scn); here the forms a number conversion would let through.
     AddRow("zip with a point", false, QString("1234."), QString("Invalid Zip Code"));
     AddRow("zip negative", false, QString("-1234"), QString("Invalid Zip Code"));
     AddRow("extension blank", true, QString(""), QString());
-    AddRow("extension four digits", true, QString("0042"), QString());
-    AddRow("extension letters", true, QString("ab"), QString("Zip Code Extension Must Be Numeric"));
-    AddRow("extension short", true, QString("12"), QString("Invalid Zip Code Extension"));
     AddRow("extension sign", true, QString("+123"), QString("Invalid Zip Code Extension"));
     AddRow("extension point", true, QString("1.25"), QString("Invalid Zip Code Extension"));
 }
@@ -122,9 +117,6 @@ void TestAddressChange::writesFlagThenRow() {
              QString("flag A;row 1;flag A;row 2"));
     QCOMPARE(rows(t.db(), "SELECT BillNo, CAddrFlag FROM TCMaster ORDER BY BillNo"),
              QString("   42|A;   43| "));
-    QCOMPARE(rows(t.db(), "SELECT AddrID, Name, ADate, Reportable, USPS FROM TCAddress ORDER BY "
-                          "AddrID"),
-             QString("1|ANN O'HARA|2013-05-02|1|0;2|ANN O'HARA|2013-05-02|1|1"));
 }
 
 void TestAddressChange::failedRowLeavesNoFlag() {
@@ -143,15 +135,13 @@ void TestAddressChange::criteria_data() {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QStringList>("typed");
     QTest::addColumn<QString>("criterion");
+    // A short number and a full map go through the list screen (query_master_list.scn).
 
-    AddRow("bill number padded", QString("bill"), QStringList{"7"}, QString("    7"));
     AddRow("bill number with blanks", QString("bill"), QStringList{" 12 "}, QString("   12"));
     AddRow("added bill upper-cased", QString("bill"), QStringList{"a0001"}, QString("A0001"));
     AddRow("blank bill stays", QString("bill"), QStringList{""}, QString(""));
     AddRow("map padded 4 3 5", QString("map"), QStringList{"12", "3", "45"},
            QString("12  3  45   "));
-    AddRow("map full", QString("map"), QStringList{"1201", "001", "00002"},
-           QString("120100100002"));
     AddRow("map apostrophe kept", QString("map"), QStringList{"O'", "", ""},
            QString("O'          "));
 }
@@ -193,11 +183,11 @@ void TestAddressChange::masterListOrderAndUnion() {
     // Every row of bill 2 carries the master's amounts.
     QCOMPARE(list.data(list.index(3, 1)).toString(), QString("$100.00"));
 
-    // Found at or after the criterion; beyond the last, the last row.
+    // Found at or after the criterion in binary order (beyond the last, the last row:
+    // query_master_list.scn).
     QCOMPARE(list.findAtOrAfter(list.field("UName"), "ANN O'N"), 1);
     QCOMPARE(list.findAtOrAfter(list.field("UName"), "C"), 3);
     QCOMPARE(list.findAtOrAfter(list.field("UName"), "ZED OWNER"), 5);
-    QCOMPARE(list.findAtOrAfter(list.field("UName"), "ZZZ"), 5);
 
     // By bill number as text: the padded numbers in numeric order, bill 2 under its three
     // names, and the added bill after every number.
@@ -207,14 +197,6 @@ void TestAddressChange::masterListOrderAndUnion() {
         bills << list.text(r, list.field("BillNo"));
     QCOMPARE(bills, QStringList({"    1", "    2", "    2", "    2", "   10", "A0001"}));
     QCOMPARE(list.findAtOrAfter(list.field("BillNo"), "    3"), 4);
-
-    // A write to the file is seen by the next load.
-    t.exec("UPDATE TCMaster SET Name = 'AARON' WHERE BillNo = '   10'");
-    QVERIFY(list.load(t.db(), MasterListSql(), {}, {"UName", "BillNo"}, true, &error));
-    QCOMPARE(list.text(0, list.field("Name")), QString("AARON"));
-    list.clear();
-    QCOMPARE(list.rowCount(), 0);
-    QVERIFY(!list.loaded());
 }
 
 void TestAddressChange::individualPeriod_data() {

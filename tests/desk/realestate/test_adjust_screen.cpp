@@ -1,5 +1,6 @@
 // What the action list does not offer: exonerating and unexonerating a bill through the
-// screen's own logic and writes; and a query's hand-over, which waits for the action.
+// screen's own logic and writes. (A query's hand-over, which waits for the action:
+// query_joins.scn.)
 #include "desk/realestate/adjust_tax_bill.h"
 #include "support/test_support.h"
 
@@ -11,7 +12,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTest>
@@ -44,7 +44,6 @@ private Q_SLOTS:
     void exonerationDeclined();
     void exonerateOneBody();
     void unexonerateRefusesABillNotExonerated();
-    void queryHandOverWaitsForTheAction();
 
 private:
     std::unique_ptr<TempTaxDatabase> m_db;
@@ -173,29 +172,6 @@ void TestAdjustScreen::unexonerateRefusesABillNotExonerated() {
                                          "exonerated tax bill."});
     QCOMPARE(script.titles(), QStringList{"Unexonerate Tax Bill"});
     QVERIFY(!screen.cmdAccept->isEnabled());
-}
-
-void TestAdjustScreen::queryHandOverWaitsForTheAction() {
-    MessageScript script;
-    frmREAdjustTaxBill screen;
-    screen.show();
-    QSignalSpy saved(&screen, &frmREAdjustTaxBill::billSaved);
-    screen.openFromQuery(QStringLiteral("    1"));
-    QCOMPARE(screen.txtBillNo->text(), QStringLiteral("    1"));
-    QVERIFY(screen.txtName->text().isEmpty());
-    QVERIFY(script.texts().isEmpty());
-    screen.setAction(frmREAdjustTaxBill::AdjustBill);
-    QCOMPARE(screen.txtName->text(), QStringLiteral("JOHN Q OWNER"));
-    QVERIFY(!screen.txtBillNo->isEnabled());
-    screen.txtTwp->setText(QStringLiteral("60"));
-    screen.txtReason->setText(QStringLiteral("TWP CORRECTED"));
-    screen.cmdAccept->click();
-    QCOMPARE(script.texts(), QStringList{"Adjustment Recorded"});
-    QCOMPARE(saved.count(), 1);
-    QCOMPARE(saved.at(0).at(0).toString(), QStringLiteral("    1"));
-    // A face typed by hand gets its discount and penalty on Accept.
-    QCOMPARE(rows("SELECT DTwp, Twp, PTwp, DCounty FROM TCAdjust"),
-             QStringLiteral("588000|600000|660000|980000"));
 }
 
 QTEST_MAIN(TestAdjustScreen)

@@ -203,9 +203,8 @@ void TestMortgageUpdate::exceptionsWriteNothing_data() {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QString>("cFlag");
     QTest::addColumn<QString>("tFlag");
+    // A wrong control number: mortgage_companies.scn.
     AddRow("bill not on file", record("004200", "   99", "000036500", "CK0001", "BANK"),
-           QStringLiteral(" "), QStringLiteral(" "));
-    AddRow("wrong control", record("004299", "   42", "000036500", "CK0001", "BANK"),
            QStringLiteral(" "), QStringLiteral(" "));
     AddRow("county paid", record("004200", "   42", "000036500", "CK0001", "BANK"),
            QStringLiteral("F"), QStringLiteral(" "));

@@ -69,7 +69,6 @@ private Q_SLOTS:
     void cleanup();
     void receiptAsExpected();
     void rowsFollowTheFlags();
-    void installmentsVoidAndDuplicate();
     void installmentWording_data();
     void installmentWording();
     void printsFromTheCallingScreen();
@@ -168,23 +167,6 @@ void TestREReceipt::rowsFollowTheFlags() {
     QVERIFY(borough.contains(QStringLiteral("2013 BOROUGH 1.750 $106.40 $106.40")));
     QVERIFY(borough.join(QLatin1Char(' '))
                 .contains(QLatin1String("(County paid at Penalty. Borough paid at Face. )")));
-}
-
-void TestREReceipt::installmentsVoidAndDuplicate() {
-    const QStringList lines = draw(ReceiptFixture::InstallmentRecnum, true).textLines();
-    const QString all = lines.join(QLatin1Char('\n'));
-    // The third installment's penalty shows in the school row's penalty column.
-    QVERIFY2(lines.contains(QStringLiteral("2013 SCHOOL 25.300 $1,025.49 $51.27 $1,076.76")),
-             qPrintable(all));
-    // The installment's penalty is in no amount column but PenPayment3: the total takes it as
-    // the school row does, so the total is what the receipt took in.
-    QVERIFY2(lines.contains(QStringLiteral("TOTAL PAYMENT: $1,025.49 $. $51.27 $1,076.76")),
-             qPrintable(all));
-    QVERIFY(lines.contains(QStringLiteral("DUPLICATE RECEIPT")));
-    QVERIFY(lines.contains(QStringLiteral("Installment payments received. (Payment #2 paid at "
-                                          "Face. Payment #3 paid at Penalty. )")));
-    QVERIFY(lines.contains(QStringLiteral("VOIDED 10/30/2013")));
-    QVERIFY(lines.contains(QStringLiteral("Your payment was credited on 10/28/13. ()")));
 }
 
 void TestREReceipt::installmentWording_data() {

