@@ -4,6 +4,7 @@
 
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QUuid>
 #include <cstdio>
 
@@ -95,4 +96,18 @@ bool TempTaxDatabase::exec(const QString& sql) const {
         return false;
     }
     return true;
+}
+
+QString QueryRows(const QSqlDatabase& db, const QString& sql) {
+    QSqlQuery q(db);
+    if (!q.exec(sql))
+        return QStringLiteral("ERROR ") + sql;
+    QStringList out;
+    while (q.next()) {
+        QStringList cells;
+        for (int i = 0; i < q.record().count(); ++i)
+            cells << (q.value(i).isNull() ? QStringLiteral("<null>") : q.value(i).toString());
+        out << cells.join(u'|');
+    }
+    return out.join(u';');
 }

@@ -15,19 +15,7 @@
 
 namespace {
 
-QString rows(const QSqlDatabase& db, const QString& sql) {
-    QSqlQuery q(db);
-    if (!q.exec(sql))
-        return QStringLiteral("ERROR ") + sql;
-    QStringList out;
-    while (q.next()) {
-        QStringList cells;
-        for (int i = 0; i < q.record().count(); ++i)
-            cells << (q.value(i).isNull() ? QStringLiteral("<null>") : q.value(i).toString());
-        out << cells.join(u'|');
-    }
-    return out.join(u';');
-}
+const auto rows = &QueryRows;
 
 void insertBill(TempTaxDatabase& t, const char* billNo, const char* control, const char* name,
                 const char* map3 = "01") {

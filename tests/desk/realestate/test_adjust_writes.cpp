@@ -11,19 +11,7 @@
 
 namespace {
 
-QString rows(const QSqlDatabase& db, const QString& sql) {
-    QSqlQuery q(db);
-    if (!q.exec(sql))
-        return QStringLiteral("ERROR ") + sql;
-    QStringList out;
-    while (q.next()) {
-        QStringList cells;
-        for (int i = 0; i < q.record().count(); ++i)
-            cells << (q.value(i).isNull() ? QStringLiteral("<null>") : q.value(i).toString());
-        out << cells.join(u'|');
-    }
-    return out.join(u';');
-}
+const auto rows = &QueryRows;
 
 // Every write to the tables the screen touches lands in a log, in order.
 void logWrites(TempTaxDatabase& t) {

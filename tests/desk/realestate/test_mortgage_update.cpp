@@ -35,19 +35,7 @@ QString summary(const MortgageFile& f) {
     return out.join(u';');
 }
 
-QString rows(const QSqlDatabase& db, const QString& sql) {
-    QSqlQuery q(db);
-    if (!q.exec(sql))
-        return QStringLiteral("ERROR ") + sql;
-    QStringList out;
-    while (q.next()) {
-        QStringList cells;
-        for (int i = 0; i < q.record().count(); ++i)
-            cells << q.value(i).toString();
-        out << cells.join(u'|');
-    }
-    return out.join(u';');
-}
+const auto rows = &QueryRows;
 
 // Bill "   42", control 004200: county 98/100/110, library 9.80/10/11, county special
 // 4.90/5/5.50, township 196/200/220, specials 19.60/20/22 and 29.40/30/33, school 490/500/550.
