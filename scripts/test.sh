@@ -16,7 +16,6 @@ if [ "${1:-}" = "--sanitize" ]; then
     fi
     cmake --build "$build"
     export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}
-    export LSAN_OPTIONS=${LSAN_OPTIONS:-suppressions=$root/tests/sanitize/leaks.supp:print_suppressions=0}
     export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
     cd "$build"
     ctest --output-on-failure -j2
