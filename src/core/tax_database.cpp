@@ -416,15 +416,24 @@ void close(const QString& connectionName) {
 }
 
 bool isValidTaxDatabase(const QString& path, QString* why) {
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.exists() || !info.isFile()) {
+        if (why)
+            *why = QStringLiteral("The database file %1 does not exist.").arg(path);
+        return false;
+    }
     const QString name =
         QStringLiteral("levydesk-check-") + QUuid::createUuid().toString(QUuid::Id128);
     bool ok = false;
     {
-        QString error;
-        QSqlDatabase db = open(path, name, &error);
-        if (!db.isValid()) {
+        // The chosen file is only read: no pragma, journal or header change may touch it, even
+        // when it says it is of another journal mode than ours.
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        db.setDatabaseName(path);
+        if (!db.open()) {
             if (why)
-                *why = error;
+                *why = db.lastError().text();
         } else {
             QSqlQuery q(db);
             if (!q.exec(QStringLiteral("PRAGMA integrity_check")) || !q.next() ||

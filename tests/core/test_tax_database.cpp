@@ -204,6 +204,27 @@ void TestTaxDatabase::validityCheck() {
     QVERIFY(!TaxDatabase::isValidTaxDatabase(other, &why));
     QVERIFY(why.contains("missing"));
 
+    // A file in write-ahead mode is checked as it is: the check never turns it into our
+    // journal mode, which would rewrite the chosen file's header.
+    const QString wal = t.folder() + "/wal.sqlite";
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "wal");
+        db.setDatabaseName(wal);
+        QVERIFY(db.open());
+        QSqlQuery(db).exec("PRAGMA journal_mode=WAL");
+        QSqlQuery(db).exec("CREATE TABLE Foo (x)");
+        db.close();
+    }
+    QSqlDatabase::removeDatabase("wal");
+    QFile walFile(wal);
+    QVERIFY(walFile.open(QIODevice::ReadOnly));
+    const QByteArray before = walFile.readAll();
+    walFile.close();
+    QCOMPARE(before.at(18), char(2));
+    QVERIFY(!TaxDatabase::isValidTaxDatabase(wal, &why));
+    QVERIFY(walFile.open(QIODevice::ReadOnly));
+    QCOMPARE(walFile.readAll(), before);
+
     // One table dropped from a tax database.
     QVERIFY(t.exec("DROP TABLE Specpay"));
     QVERIFY(!TaxDatabase::isValidTaxDatabase(t.path(), &why));
