@@ -9,9 +9,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using TaxDatabase::ColumnType;
-    static const ColumnType kinds[] = {ColumnType::Text,    ColumnType::Money,
-                                       ColumnType::Integer, ColumnType::Real,
-                                       ColumnType::Date,    ColumnType::Boolean};
+    static const ColumnType kinds[] = {ColumnType::Text, ColumnType::Money, ColumnType::Integer,
+                                       ColumnType::Real, ColumnType::Date,  ColumnType::Boolean};
     CsvReader reader(QByteArray(reinterpret_cast<const char*>(data), qsizetype(size)));
     std::vector<CsvBytes> fields;
     std::vector<ColumnPlan> plans;

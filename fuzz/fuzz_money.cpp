@@ -7,8 +7,7 @@
 #include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const QString typed =
-        QString::fromUtf8(reinterpret_cast<const char*>(data), qsizetype(size));
+    const QString typed = QString::fromUtf8(reinterpret_cast<const char*>(data), qsizetype(size));
     const std::optional<Money> amount = Money::parse(typed);
     if (!amount)
         return 0;
