@@ -68,22 +68,6 @@ double rateOf(const QSqlRecord& row, const char* column) {
     return v.isNull() ? 0.0 : v.toDouble();
 }
 
-// Cuts a text to what fits in `width` twips in the surface's current font.
-QString fitted(ReportSurface& s, const QString& text, double width) {
-    if (s.TextWidth(text) <= width)
-        return text;
-    qsizetype fits = 0;
-    qsizetype over = text.size();
-    while (over - fits > 1) {
-        const qsizetype mid = (fits + over) / 2;
-        if (s.TextWidth(text.left(mid)) <= width)
-            fits = mid;
-        else
-            over = mid;
-    }
-    return text.left(fits);
-}
-
 } // namespace
 
 DistributionReportPlan DistributionReportFor(QSqlDatabase db, const DistributionTables& tables,
@@ -351,8 +335,8 @@ bool DistributionReport::draw(ReportPage& page) {
                                         QLatin1Char('.') +
                                         TextField(r.value(QStringLiteral("Map5"))));
                 page.text(receiptX, recnum);
-                page.text(nameX, fitted(s, TextField(r.value(QStringLiteral("Name"))),
-                                        AmountsLeft + width - 950 - nameX));
+                page.text(nameX, FittedText(s, TextField(r.value(QStringLiteral("Name"))),
+                                            AmountsLeft + width - 950 - nameX));
                 Money due;
                 for (std::size_t i = 0; i < n; ++i) {
                     page.money(edge(2 * i), row[i].face, u"#,###,###.00");

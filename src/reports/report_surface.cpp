@@ -601,3 +601,18 @@ bool PrintRecording(const Recording& recording, QPrinter& printer, QString* erro
     painter.end();
     return true;
 }
+
+QString FittedText(ReportSurface& surface, const QString& text, double width) {
+    if (surface.TextWidth(text) <= width)
+        return text;
+    qsizetype fits = 0;
+    qsizetype over = text.size();
+    while (over - fits > 1) {
+        const qsizetype mid = (fits + over) / 2;
+        if (surface.TextWidth(text.left(mid)) <= width)
+            fits = mid;
+        else
+            over = mid;
+    }
+    return text.left(fits);
+}

@@ -222,6 +222,8 @@ private:
 // Prints one line of words stretched to `width`, from CurrentX on the current line: the gap
 // left by the text is shared out over its blanks. Leaves CurrentY on the printed line.
 void PrintJustified(ReportSurface& surface, const QString& text, double width);
+// Cuts a text to what fits in `width` twips in the surface's current font.
+QString FittedText(ReportSurface& surface, const QString& text, double width);
 
 // Replaying a recording.
 // Draws one page with the painter's units being twips of the printable area.

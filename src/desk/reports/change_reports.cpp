@@ -52,14 +52,6 @@ QString mapOf(const QSqlRecord& r, QChar joint) {
     return text(r, "Map3") + joint + text(r, "Map4") + joint + text(r, "Map5");
 }
 
-// Cuts a text to what fits in `width` twips in the surface's current font.
-QString fitted(ReportSurface& s, const QString& value, double width) {
-    QString out = value;
-    while (!out.isEmpty() && s.TextWidth(out) > width)
-        out.chop(1);
-    return out;
-}
-
 // The marker of a body's pay flag, blank when unpaid.
 QString paidMarker(const QString& word, const QString& flag) {
     if (flag == u"D")
@@ -317,7 +309,7 @@ bool AdjustmentReport::draw(ReportPage& page) {
             startBlock(page, re ? 3 + int(faces.size()) : 6 + int(faces.size()), re ? 9 : 8);
             if (re) {
                 page.text(ControlX, text(row, "Control"));
-                page.text(NameX, fitted(s, text(row, "Name2"), NameWidth));
+                page.text(NameX, FittedText(s, text(row, "Name2"), NameWidth));
                 auto assessed = [](const QSqlRecord& r, const char* c) {
                     return FormatNumber(double(r.value(QString::fromLatin1(c)).toLongLong()),
                                         u"#,###,###,##0");
@@ -330,7 +322,7 @@ bool AdjustmentReport::draw(ReportPage& page) {
                 page.money(AdjTaxEdge, afterTax, u"$#,###,##0.00");
                 page.money(NetEdge, afterTax - beforeTax, u"$#,###,##0.00");
                 page.text(DateX, date);
-                page.text(ReasonX, fitted(s, reason, s.ScaleWidth() - ReasonX));
+                page.text(ReasonX, FittedText(s, reason, s.ScaleWidth() - ReasonX));
                 page.nextLine();
                 page.text(ControlX, bill);
                 page.text(NameX, mapOf(row, QLatin1Char('-')));

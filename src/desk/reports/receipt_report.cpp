@@ -63,22 +63,6 @@ QString label16(const QString& name) {
     return name.left(16).rightJustified(16) + QStringLiteral(": ");
 }
 
-// Cuts a text to what fits in `width` twips in the surface's current font.
-QString fitted(ReportSurface& s, const QString& text, double width) {
-    if (s.TextWidth(text) <= width)
-        return text;
-    qsizetype fits = 0;
-    qsizetype over = text.size();
-    while (over - fits > 1) {
-        const qsizetype mid = (fits + over) / 2;
-        if (s.TextWidth(text.left(mid)) <= width)
-            fits = mid;
-        else
-            over = mid;
-    }
-    return text.left(fits);
-}
-
 } // namespace
 
 ReceiptReport::ReceiptReport(QSqlDatabase db, const ReportTables& tables,
@@ -294,7 +278,7 @@ bool ReceiptReport::draw(ReportPage& page) {
                                 TextField(r.value(map5At)));
         amounts(row, MoneyField(r.value(overageAt)), MoneyField(r.value(refundAt)));
         page.nextLine();
-        page.text(BillX, fitted(s, TextField(r.value(nameAt)), NameWidth));
+        page.text(BillX, FittedText(s, TextField(r.value(nameAt)), NameWidth));
         page.text(RecNumX, TextField(r.value(recnumAt)) + QStringLiteral(" / ") +
                                TextField(r.value(checknumAt)));
         page.nextLine();

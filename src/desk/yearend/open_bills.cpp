@@ -253,18 +253,3 @@ QString ParcelNumber(const QString& district, const QString& billNo) {
     const QString districtText = PadFormat(double(district.trimmed().toInt()), "000");
     return districtText + u'-' + (numeric ? PadFormat(double(n), "000000") : billNo.trimmed());
 }
-
-QString FittedText(ReportSurface& s, const QString& text, double width) {
-    if (s.TextWidth(text) <= width)
-        return text;
-    qsizetype fits = 0;
-    qsizetype over = text.size();
-    while (over - fits > 1) {
-        const qsizetype mid = (fits + over) / 2;
-        if (s.TextWidth(text.left(mid)) <= width)
-            fits = mid;
-        else
-            over = mid;
-    }
-    return text.left(fits);
-}

@@ -92,6 +92,3 @@ QVariant BillField(const QSqlRecord& bill, const char* column);
 
 // "012-000001": District as "000" and the bill number as "000000" (an added bill as it is).
 QString ParcelNumber(const QString& district, const QString& billNo);
-
-// Cuts a text to what fits in `width` twips in the surface's current font.
-QString FittedText(ReportSurface& s, const QString& text, double width);
