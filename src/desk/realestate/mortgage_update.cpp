@@ -51,13 +51,8 @@ MortgageMatch MatchMortgageRecord(const BillNow& bill, const MortgageRecord& rec
 RealEstatePosting BuildMortgagePosting(const MortgagePayment& payment) {
     const BillNow& bill = payment.bill;
     const QString period(payment.period);
-    RealEstatePosting p;
+    RealEstatePosting p = StartRealEstatePosting(bill);
     RealEstateReceipt& r = p.receipt;
-    r.takeBill(bill);
-    p.billNo = r.billNo;
-    r.map3 = bill.text("Map3");
-    r.map4 = bill.text("Map4");
-    r.map5 = bill.text("Map5");
     const PeriodAmounts amounts = MortgageAmountsAt(bill, payment.period);
     for (int i = LineCounty; i <= LastMortgageLine; ++i) {
         const LineTake& t = amounts.line[i];

@@ -79,9 +79,7 @@ Money RealEstateReceipt::linesTotal() const {
     return sum;
 }
 
-RealEstatePosting BuildRealEstatePosting(const BillNow& bill, const PaymentChoice& choice,
-                                         const PeriodAmounts& shown,
-                                         const InstallmentView& installments) {
+RealEstatePosting StartRealEstatePosting(const BillNow& bill) {
     RealEstatePosting p;
     RealEstateReceipt& r = p.receipt;
     r.takeBill(bill);
@@ -89,6 +87,14 @@ RealEstatePosting BuildRealEstatePosting(const BillNow& bill, const PaymentChoic
     r.map3 = bill.text("Map3");
     r.map4 = bill.text("Map4");
     r.map5 = bill.text("Map5");
+    return p;
+}
+
+RealEstatePosting BuildRealEstatePosting(const BillNow& bill, const PaymentChoice& choice,
+                                         const PeriodAmounts& shown,
+                                         const InstallmentView& installments) {
+    RealEstatePosting p = StartRealEstatePosting(bill);
+    RealEstateReceipt& r = p.receipt;
 
     const PaymentSelection& sel = choice.selection;
     auto take = [&](int from, int to) {

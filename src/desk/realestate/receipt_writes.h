@@ -129,6 +129,9 @@ struct RealEstatePosting {
     RealEstateReceipt receipt;
 };
 
+// A posting on the bill with its receipt's bill part filled in (control, number, name, map);
+// the amounts and flags are the caller's.
+RealEstatePosting StartRealEstatePosting(const BillNow& bill);
 // The flags and the receipt's amounts of a payment: the bill as it stands, the amounts shown
 // (after any street light choice) and the installments on the date credited. Payor, check,
 // date, overage and refund are left for the caller.
