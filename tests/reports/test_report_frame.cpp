@@ -10,7 +10,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -36,11 +35,6 @@ ReportDefinition sampleReport(int rows, bool* bodyRan = nullptr) {
     report.body = [rows, bodyRan](ReportPage& page) {
         if (bodyRan)
             *bodyRan = true;
-        if (rows == 0) {
-            MsgBox(QStringLiteral("There are no receipts to print."),
-                   QStringLiteral("Print Sample Report"));
-            return false;
-        }
         Money total;
         for (int i = 1; i <= rows; ++i) {
             page.startRow();
@@ -74,7 +68,6 @@ private Q_SLOTS:
     void copiesQuestionCancels();
     void printPathNeedsALetterPrinter();
     void printPathCopiesAndSilentPrint();
-    void printPathWithoutData();
     void headerFrameAndPageFull();
     void previewDrawsWhatPrintDraws();
 
@@ -99,36 +92,24 @@ void TestReportFrame::cleanup() {
 }
 
 void TestReportFrame::copiesQuestionLoops() {
+    // A wrong word, too many copies and a cancel taken back go through desk_county_then_rest.scn.
     MessageScript script;
-    script.answer(MsgAnswer::Ok, QStringLiteral("two"));
-    script.answer(MsgAnswer::Ok); // "must be numeric"
     // Blanks are an answer, not a cancel: they are no number.
     script.answer(MsgAnswer::Ok, QStringLiteral("  "));
-    script.answer(MsgAnswer::Ok);
+    script.answer(MsgAnswer::Ok); // "must be numeric"
     script.answer(MsgAnswer::Ok, QStringLiteral("10"));
     script.answer(MsgAnswer::Ok); // "between 0 and 9"
     script.answer(MsgAnswer::Ok, QStringLiteral("2.5"));
     script.answer(MsgAnswer::Ok);
     script.answer(MsgAnswer::Ok, QStringLiteral("-1"));
     script.answer(MsgAnswer::Ok);
-    script.answer(MsgAnswer::Cancel);
-    script.answer(MsgAnswer::No); // not cancelled after all: asked again
     script.answer(MsgAnswer::Ok, QStringLiteral(" 3 "));
-    const std::optional<int> copies = AskCopies(CopiesQuestion::receipt());
-    QCOMPARE(copies, std::optional<int>(3));
+    QCOMPARE(AskCopies(CopiesQuestion::receipt()), std::optional<int>(3));
     const QString numeric = QStringLiteral("Number Of Receipts Must Be Numeric.");
     const QString range =
         QStringLiteral("Invalid Number Of Receipts. Number must be between 0 and 9.");
     const QString ask = QStringLiteral("Enter the number of receipts to print:");
-    QCOMPARE(script.texts(),
-             (QStringList{ask, numeric, ask, numeric, ask, range, ask, range, ask, range, ask,
-                          QStringLiteral("Are you sure you want to cancel the printing of this "
-                                         "receipt?"),
-                          ask}));
-    QCOMPARE(script.titles().at(0), QStringLiteral("Print Receipt"));
-    QCOMPARE(script.titles().at(1), QStringLiteral("Print Receipt"));
-    QCOMPARE(script.titles().at(3), QStringLiteral("Print Receipt"));
-    QCOMPARE(script.titles().at(11), QStringLiteral("Cancel Print Receipt"));
+    QCOMPARE(script.texts(), (QStringList{ask, numeric, ask, range, ask, range, ask, range, ask}));
     QCOMPARE(script.service().unanswered, 0);
 
     // The distribution reports' question has its own words, the complaints stay the receipt's.
@@ -190,23 +171,12 @@ void TestReportFrame::printPathNeedsALetterPrinter() {
 }
 
 void TestReportFrame::printPathCopiesAndSilentPrint() {
+    // Two copies as two jobs and a report's own closing words: distribution_reports.scn and
+    // distribution_refunds.scn.
     ReportDefinition report = sampleReport(3);
     report.copies = CopiesQuestion::distributionReport();
     {
-        MessageScript script;
-        script.answer(MsgAnswer::Ok, QStringLiteral("2"));
-        QVERIFY(PrintReport(report, m_db->db()));
-        // Each copy is a job of its own, each a PDF under Printouts/.
-        QCOMPARE(PrintCapture::jobCount(), 2);
-        QVERIFY(
-            PrintCapture::lastJobPdf().startsWith(m_db->folder() + QStringLiteral("/Printouts/")));
-        QVERIFY(QFileInfo::exists(PrintCapture::lastJobPdf()));
-        QCOMPARE(script.texts().last(), QStringLiteral("Printing Complete."));
-        QCOMPARE(script.titles().last(), QStringLiteral("Print Sample Report"));
-    }
-    {
         // 0 copies: no page, and still the closing message.
-        PrintCapture::clear();
         MessageScript script;
         script.answer(MsgAnswer::Ok, QStringLiteral("0"));
         QVERIFY(PrintReport(report, m_db->db()));
@@ -215,32 +185,12 @@ void TestReportFrame::printPathCopiesAndSilentPrint() {
     }
     {
         // Under SilentPrint: one copy, no question, no closing message.
-        PrintCapture::clear();
         session().SilentPrint = true;
         MessageScript script;
         QVERIFY(PrintReport(report, m_db->db()));
         QCOMPARE(PrintCapture::jobCount(), 1);
         QVERIFY(script.texts().isEmpty());
-        session().SilentPrint = false;
     }
-    {
-        // A report's own closing words.
-        PrintCapture::clear();
-        ReportDefinition refunds = sampleReport(1);
-        refunds.completeText = QStringLiteral("Printing Complete");
-        refunds.completeTitle = QStringLiteral("Print Distributed Refunds");
-        MessageScript script;
-        QVERIFY(PrintReport(refunds, m_db->db()));
-        QCOMPARE(script.texts(), QStringList{QStringLiteral("Printing Complete")});
-        QCOMPARE(script.titles(), QStringList{QStringLiteral("Print Distributed Refunds")});
-    }
-}
-
-void TestReportFrame::printPathWithoutData() {
-    MessageScript script;
-    QVERIFY(!PrintReport(sampleReport(0), m_db->db()));
-    QCOMPARE(script.texts(), QStringList{QStringLiteral("There are no receipts to print.")});
-    QCOMPARE(PrintCapture::jobCount(), 0);
 }
 
 void TestReportFrame::headerFrameAndPageFull() {
@@ -253,13 +203,6 @@ void TestReportFrame::headerFrameAndPageFull() {
     QString diff;
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("report_header.txt"), r.dump(), &diff),
              qPrintable(diff));
-
-    const QStringList page2 = r.pages[1].textLines();
-    QCOMPARE(page2.at(0), QStringLiteral("Date: 09/16/2013 Page: 2"));
-    QCOMPARE(page2.at(1), QStringLiteral("072 ALDER TOWNSHIP"));
-    QCOMPARE(page2.at(2), QStringLiteral("SAMPLE RECEIPTS REPORT Interim #2"));
-    QCOMPARE(page2.at(3), QStringLiteral("Distribution # 4"));
-    QCOMPARE(page2.at(4), QStringLiteral("RECEIPT # NAME AMOUNT"));
 
     // The test stands before each row: the last row of a page began at or above the page's
     // height less the margin, and the next one would have begun below it.
