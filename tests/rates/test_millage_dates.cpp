@@ -9,35 +9,12 @@
 class TestMillageDates : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void addMonths_data();
-    void addMonths();
     void figure_data();
     void figure();
     void invalidMailDate();
     void shortText_data();
     void shortText();
 };
-
-void TestMillageDates::addMonths_data() {
-    QTest::addColumn<QDate>("from");
-    QTest::addColumn<int>("months");
-    QTest::addColumn<QDate>("expected");
-    AddRow("plain", QDate(2024, 3, 15), 2, QDate(2024, 5, 15));
-    AddRow("jan 31 to end of march", QDate(2024, 1, 31), 2, QDate(2024, 3, 31));
-    AddRow("dec 31 to leap feb", QDate(2023, 12, 31), 2, QDate(2024, 2, 29));
-    AddRow("dec 31 to common feb", QDate(2024, 12, 31), 2, QDate(2025, 2, 28));
-    AddRow("jul 31 to sep 30", QDate(2024, 7, 31), 2, QDate(2024, 9, 30));
-    AddRow("nov 30 into next year", QDate(2024, 11, 30), 2, QDate(2025, 1, 30));
-    AddRow("century not leap", QDate(2099, 12, 31), 2, QDate(2100, 2, 28));
-    AddRow("400 years leap", QDate(1999, 12, 31), 2, QDate(2000, 2, 29));
-}
-
-void TestMillageDates::addMonths() {
-    QFETCH(QDate, from);
-    QFETCH(int, months);
-    QFETCH(QDate, expected);
-    QCOMPARE(AddMonthsKeepingDay(from, months), expected);
-}
 
 void TestMillageDates::figure_data() {
     QTest::addColumn<QDate>("mail");
