@@ -36,6 +36,8 @@ const char* const PcLines[6][3] = {
     {"DTPerCapita", "TPerCapita", "PTPerCapita"}, {"DTOccupation", "TOccupation", "PTOccupation"},
     {"DSPerCapita", "SPerCapita", "PSPerCapita"}, {"DSOccupation", "SOccupation", "PSOccupation"}};
 const char PcBody[6] = {'C', 'C', 'T', 'T', 'S', 'S'};
+const char* const BillColumns[3] = {"BillCounty", "BillTwp", "BillSchool"};
+const char* const FlagColumns[3] = {"CPayFlag", "TPayFlag", "SPayFlag"};
 
 Money MoneyOf(const QSqlRecord& r, const char* column) {
     return MoneyField(r.value(column));
@@ -52,11 +54,29 @@ QString Triple(const AmountTriple& t) {
     return t.discount.toPlain() + u'/' + t.face.toPlain() + u'/' + t.penalty.toPlain();
 }
 
+// What a receipt took of one line of its bill, paid at period `flag` (blank: not paid): the
+// face, and the discount or penalty as the difference from the face.
+QString PaidTriple(const QString& flag, Money discounted, Money face, Money penalised) {
+    if (flag == QLatin1String(" "))
+        return QStringLiteral("0.00/0.00/0.00");
+    return Triple(AmountTriple{flag == QLatin1String("D") ? discounted - face : Money(), face,
+                               flag == QLatin1String("P") ? penalised - face : Money()});
+}
+
 QSqlRecord Row(QSqlDatabase db, const QString& sql) {
     QSqlQuery q(db);
     if (!q.exec(sql) || !q.next())
         return {};
     return q.record();
+}
+
+// The office's county row and the row of its own municipality.
+QSqlRecord CountyRow(QSqlDatabase db) {
+    return Row(db, QStringLiteral("SELECT * FROM Millfile WHERE District||Ward = '000'"));
+}
+QSqlRecord MunicipalRow(QSqlDatabase db) {
+    return Row(db, QStringLiteral("SELECT m.* FROM Millfile m JOIN tbl_District d ON "
+                                  "m.District = d.District AND m.Ward = d.Ward"));
 }
 
 qint64 Number(QSqlDatabase db, const QString& sql) {
@@ -165,11 +185,8 @@ void TestDemoDatabase::cleanupTestCase() {
 
 // The office's rates, read as the adjustment screen reads them.
 RealEstateRates TestDemoDatabase::rates() {
-    const QSqlRecord county =
-        Row(m_db, QStringLiteral("SELECT * FROM Millfile WHERE District||Ward = '000'"));
-    const QSqlRecord municipal = Row(m_db, QStringLiteral("SELECT m.* FROM Millfile m JOIN "
-                                                          "tbl_District d ON m.District = "
-                                                          "d.District AND m.Ward = d.Ward"));
+    const QSqlRecord county = CountyRow(m_db);
+    const QSqlRecord municipal = MunicipalRow(m_db);
     std::array<double, 3> specials{};
     QSqlQuery q(m_db);
     q.exec(QStringLiteral("SELECT s.Mill FROM Spectax s JOIN tbl_District d ON s.District = "
@@ -184,7 +201,6 @@ void TestDemoDatabase::sizesAndCounters_data() {
     QTest::addColumn<int>("persons");
 
     AddRow("default", 1000, 600);
-    AddRow("small", 25, 60);
     AddRow("one parcel, nobody", 1, 0);
     AddRow("empty", 0, 0);
 }
@@ -417,11 +433,8 @@ void TestDemoDatabase::realEstateAmountsFollowTheRates() {
 }
 
 void TestDemoDatabase::perCapitaAmountsFollowTheRates() {
-    const QSqlRecord county =
-        Row(m_db, QStringLiteral("SELECT * FROM Millfile WHERE District||Ward = '000'"));
-    const QSqlRecord municipal =
-        Row(m_db, QStringLiteral("SELECT m.* FROM Millfile m JOIN tbl_District d ON m.District = "
-                                 "d.District AND m.Ward = d.Ward"));
+    const QSqlRecord county = CountyRow(m_db);
+    const QSqlRecord municipal = MunicipalRow(m_db);
     QVERIFY(TextOf(municipal, "District") != QLatin1String("37"));
     // Flat amounts at the rates, as the per capita adjustment reads and figures them.
     const PerCapitaBillAmounts expected = ComputePerCapitaAmounts(
@@ -442,12 +455,8 @@ void TestDemoDatabase::perCapitaAmountsFollowTheRates() {
 }
 
 void TestDemoDatabase::receiptsMatchTheirBills() {
-    const QSqlRecord municipal =
-        Row(m_db, QStringLiteral("SELECT m.* FROM Millfile m JOIN tbl_District d ON m.District = "
-                                 "d.District AND m.Ward = d.Ward"));
+    const QSqlRecord municipal = MunicipalRow(m_db);
     const Money tolerance = MoneyOf(municipal, "Tolerance");
-    const char* const billColumns[3] = {"BillCounty", "BillTwp", "BillSchool"};
-    const char* const flagColumns[3] = {"CPayFlag", "TPayFlag", "SPayFlag"};
     const char* const installmentFlags[3] = {"Pay1Flag", "Pay2Flag", "Pay3Flag"};
     const char* const payments[3] = {"Payment1", "Payment2", "Payment3"};
     const char* const penalties[3] = {"PenPayment1", "PenPayment2", "PenPayment3"};
@@ -475,7 +484,7 @@ void TestDemoDatabase::receiptsMatchTheirBills() {
 
         for (int body = 0; body < 3; ++body) {
             const char bodyLetter = "CTS"[body];
-            const QString flag = TextOf(receipt, flagColumns[body]);
+            const QString flag = TextOf(receipt, FlagColumns[body]);
             if (flag == QLatin1String("I")) {
                 QCOMPARE(bodyLetter, 'S');
                 Money school;
@@ -504,21 +513,14 @@ void TestDemoDatabase::receiptsMatchTheirBills() {
             if (flag != QLatin1String(" ")) {
                 ++counts[body];
                 QCOMPARE(what + flag,
-                         what + QLatin1Char(PeriodOn(municipal, billColumns[body], day)));
+                         what + QLatin1Char(PeriodOn(municipal, BillColumns[body], day)));
             }
             for (int i = 0; i < 9; ++i) {
                 if (ReBody[i] != bodyLetter)
                     continue;
-                const Money face = bill.money(ReLines[i][1]);
-                QString expected = QStringLiteral("0.00/0.00/0.00");
-                if (flag != QLatin1String(" ")) {
-                    const Money d =
-                        flag == QLatin1String("D") ? bill.money(ReLines[i][0]) - face : Money();
-                    const Money p =
-                        flag == QLatin1String("P") ? bill.money(ReLines[i][2]) - face : Money();
-                    expected = d.toPlain() + u'/' + face.toPlain() + u'/' + p.toPlain();
-                }
-                QCOMPARE(what + Triple(receipt, ReLines[i]), what + expected);
+                QCOMPARE(what + Triple(receipt, ReLines[i]),
+                         what + PaidTriple(flag, bill.money(ReLines[i][0]),
+                                           bill.money(ReLines[i][1]), bill.money(ReLines[i][2])));
             }
         }
     }
@@ -532,7 +534,7 @@ void TestDemoDatabase::receiptsMatchTheirBills() {
         const std::array<int, 6> counts =
             found == taken.end() ? std::array<int, 6>{} : found->second;
         for (int body = 0; body < 3; ++body) {
-            const QString flag = TextOf(bill, flagColumns[body]);
+            const QString flag = TextOf(bill, FlagColumns[body]);
             const bool paid = flag != QLatin1String(" ") && flag != QLatin1String("X") &&
                               flag != QLatin1String("I");
             QCOMPARE(counts[body], paid ? 1 : 0);
@@ -544,11 +546,7 @@ void TestDemoDatabase::receiptsMatchTheirBills() {
 }
 
 void TestDemoDatabase::perCapitaReceiptsMatchTheirBills() {
-    const QSqlRecord municipal =
-        Row(m_db, QStringLiteral("SELECT m.* FROM Millfile m JOIN tbl_District d ON m.District = "
-                                 "d.District AND m.Ward = d.Ward"));
-    const char* const billColumns[3] = {"BillCounty", "BillTwp", "BillSchool"};
-    const char* const flagColumns[3] = {"CPayFlag", "TPayFlag", "SPayFlag"};
+    const QSqlRecord municipal = MunicipalRow(m_db);
 
     std::map<QString, QSqlRecord> bills;
     QSqlQuery q(m_db);
@@ -566,26 +564,18 @@ void TestDemoDatabase::perCapitaReceiptsMatchTheirBills() {
         const QDate day = DateField(receipt.value("RDate"));
         auto& counts = taken[bill->first];
         for (int body = 0; body < 3; ++body) {
-            const QString flag = TextOf(receipt, flagColumns[body]);
+            const QString flag = TextOf(receipt, FlagColumns[body]);
             if (flag != QLatin1String(" ")) {
                 ++counts[body];
-                QCOMPARE(flag, QString(QLatin1Char(PeriodOn(municipal, billColumns[body], day))));
+                QCOMPARE(flag, QString(QLatin1Char(PeriodOn(municipal, BillColumns[body], day))));
             }
             for (int i = 0; i < 6; ++i) {
                 if (PcBody[i] != "CTS"[body])
                     continue;
-                const Money face = MoneyOf(bill->second, PcLines[i][1]);
-                QString expected = QStringLiteral("0.00/0.00/0.00");
-                if (flag != QLatin1String(" ")) {
-                    const Money d = flag == QLatin1String("D")
-                                        ? MoneyOf(bill->second, PcLines[i][0]) - face
-                                        : Money();
-                    const Money p = flag == QLatin1String("P")
-                                        ? MoneyOf(bill->second, PcLines[i][2]) - face
-                                        : Money();
-                    expected = d.toPlain() + u'/' + face.toPlain() + u'/' + p.toPlain();
-                }
-                QCOMPARE(Triple(receipt, PcLines[i]), expected);
+                const QSqlRecord& b = bill->second;
+                QCOMPARE(Triple(receipt, PcLines[i]),
+                         PaidTriple(flag, MoneyOf(b, PcLines[i][0]), MoneyOf(b, PcLines[i][1]),
+                                    MoneyOf(b, PcLines[i][2])));
             }
         }
     }
@@ -594,7 +584,7 @@ void TestDemoDatabase::perCapitaReceiptsMatchTheirBills() {
         const auto found = taken.find(billNo);
         for (int body = 0; body < 3; ++body)
             QCOMPARE(found == taken.end() ? 0 : found->second[body],
-                     TextOf(bill, flagColumns[body]) == QLatin1String(" ") ? 0 : 1);
+                     TextOf(bill, FlagColumns[body]) == QLatin1String(" ") ? 0 : 1);
     }
 }
 
@@ -637,13 +627,8 @@ void TestDemoDatabase::aTaxYearIsInItsDiscountPeriod() {
     {
         QSqlDatabase db = open(path, QStringLiteral("year"));
         QVERIFY(db.isOpen());
-        QCOMPARE(TextOf(Row(db, QStringLiteral(
-                                    "SELECT TaxYear FROM Millfile WHERE District||Ward = '000'")),
-                        "TaxYear"),
-                 QString::number(year));
-        const QSqlRecord municipal = Row(db, QStringLiteral("SELECT m.* FROM Millfile m JOIN "
-                                                            "tbl_District d ON m.District = "
-                                                            "d.District AND m.Ward = d.Ward"));
+        QCOMPARE(TextOf(CountyRow(db), "TaxYear"), QString::number(year));
+        const QSqlRecord municipal = MunicipalRow(db);
         const PaymentPeriods periods = PeriodsForDate(PaymentCalendarFromMillfile(municipal), day);
         QCOMPARE(QString(periods.county) + periods.twp + periods.school, QStringLiteral("DDD"));
         const QDate mail = DateField(municipal.value("MailDate"));
