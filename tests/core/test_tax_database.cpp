@@ -227,15 +227,10 @@ void TestTaxDatabase::validityCheck() {
 
 void TestTaxDatabase::typedFields() {
     QCOMPARE(MoneyField(QVariant()), Money());
-    QCOMPARE(MoneyField(QVariant(qlonglong(12345600))), *Money::parse(u"1234.56"));
-    QCOMPARE(MoneyValue(*Money::parse(u"-2.50")).toLongLong(), -25000LL);
-    QCOMPARE(DateField(QVariant("2013-04-30")), QDate(2013, 4, 30));
     QVERIFY(!DateField(QVariant()).isValid());
     QVERIFY(DateValue(QDate()).isNull());
-    QCOMPARE(DateValue(QDate(2013, 1, 2)).toString(), QStringLiteral("2013-01-02"));
     QCOMPARE(FlagField(QVariant()), QStringLiteral(" "));
     QCOMPARE(FlagField(QVariant(QString())), QStringLiteral(" "));
-    QCOMPARE(FlagField(QVariant("D")), QStringLiteral("D"));
 }
 
 void TestTaxDatabase::paddedBillNumbersCompareAsText() {
