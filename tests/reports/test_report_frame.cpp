@@ -221,7 +221,6 @@ void TestReportFrame::headerFrameAndPageFull() {
     QVERIFY(m_db->exec(QStringLiteral("UPDATE tbl_Twpboro SET BTFlag = ' '")));
     const ReportLookups lookups = ReportLookups::read(m_db->db());
     QCOMPARE(lookups.bodyWord, QString());
-    QCOMPARE(BodyWord(QStringLiteral("B")), QStringLiteral("Borough"));
     ReportDefinition county = sampleReport(1);
     county.countyWide = true;
     QCOMPARE(DrawReport(county, ReportMode::Print, m_db->db())->pages[0].textLines().at(1),

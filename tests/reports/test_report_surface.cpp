@@ -288,8 +288,6 @@ void TestReportSurface::printerReplayMatchesThePdf() {
 
 void TestReportSurface::captureMatching() {
     PrintCapture::setEnabled(true);
-    QCOMPARE(PrintCapture::jobCount(), 0);
-    QVERIFY(!PrintCapture::lastJob());
     QVERIFY(!PrintCapture::lastJobPrinted(QStringLiteral("Payor")));
 
     ReportSurface s;
@@ -324,7 +322,6 @@ void TestReportSurface::captureMatching() {
     PrintCapture::clear();
     QCOMPARE(PrintCapture::jobCount(), 0);
     PrintCapture::setEnabled(false);
-    QVERIFY(!PrintCapture::isEnabled());
 }
 
 void TestReportSurface::previewStacksPagesAndPrintsThroughItsCaller() {
