@@ -164,9 +164,8 @@ void TestCommonValues::roundTo_data() {
     QTest::addColumn<double>("places");
     QTest::addColumn<double>("expected");
 
-    AddRow("2.345", 2.345, 2.0, 2.35);
+    // 2.345 and -1.254 to two places: driver_values.scn.
     AddRow("small negative cut to zero", -0.004, 2.0, 0.0);
-    AddRow("negative cut toward zero", -1.254, 2.0, -1.24);
     // -124.99999999999999 prints as -125 with 15 digits, and the text is what is cut.
     AddRow("negative whole by text", -1.255, 2.0, -1.25);
     AddRow("1.005 by text", 1.005, 2.0, 1.01);
@@ -226,7 +225,6 @@ void TestCommonValues::typedDates_data() {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("shown"); // empty: no date
     AddRow("short", "3/7/2024", "03/07/2024");
-    AddRow("padded", "03/07/2024", "03/07/2024");
     AddRow("dashes", "3-7-2024", "03/07/2024");
     AddRow("two digits 20xx", "12/31/29", "12/31/2029");
     AddRow("two digits 19xx", "1/1/30", "01/01/1930");

@@ -326,17 +326,11 @@ void TestTaxDatabase::incompleteChainsAreRefusedWithTheirMessages() {
     QCOMPARE(ReadBillAsItStands(t.db(), Duplicate::RealEstate, "    6").status,
              BillNow::Status::IncompleteAddress);
 
+    // One message for each refused bill; their words: adjust_history_and_refusals.scn.
     QCOMPARE(script.titles(),
              (QStringList{"Database Integrity Error", "Database Integrity Error"}));
-    QCOMPARE(script.texts().at(0),
-             QStringLiteral(
-                 "The system has detected an incomplete adjustment transaction. Please got to the "
-                 "UTILITIES menu and run the VERIFY DATA INTEGRITY option to correct this issue."));
-    QCOMPARE(
-        script.texts().at(1),
-        QStringLiteral(
-            "The system has detected an incomplete address change transaction. Please got to "
-            "the UTILITIES menu and run the VERIFY DATA INTEGRITY option to correct this issue."));
+    QVERIFY(script.texts().at(0).contains("incomplete adjustment transaction"));
+    QVERIFY(script.texts().at(1).contains("incomplete address change transaction"));
 
     // A missing bill shows nothing here: the screens give their own message.
     QVERIFY(!CheckBillIntegrity(ReadBillAsItStands(t.db(), Duplicate::RealEstate, "99999")));
