@@ -160,7 +160,6 @@ private Q_SLOTS:
                            t.dist->receipts, body.payFlag + QStringLiteral(" = 'D'")) +
                 columnsSum(m_db, QStringList{QLatin1Char('D') + cols.join(QStringLiteral("+D"))},
                            t.dist->voidReceipts, body.payFlag + QStringLiteral(" = 'D'"));
-            const QByteArray where = page.word.toLatin1();
             wholeDuplicate += duplicate;
             QCOMPARE(page.netDuplicate.face, duplicate);
             QCOMPARE(page.netReceipts.face, received);
@@ -168,22 +167,7 @@ private Q_SLOTS:
             QCOMPARE(page.balance.face, duplicate - received);
             QCOMPARE(page.netDisbursed.face, disbursed);
             QCOMPARE(page.yetToDisburse.face, received - disbursed);
-            // The printed lines carry the same figures.
-            auto lineOf = [&page](const QString& label) {
-                for (const QString& l : page.lines)
-                    if (l.startsWith(label))
-                        return l.simplified();
-                return QString();
-            };
-            QVERIFY2(lineOf("Current Net Duplicate Total To Be Collected")
-                         .endsWith(duplicate.format(u"$###,###,##0.00")),
-                     where.constData());
-            QVERIFY2(lineOf("Current Duplicate Balance Yet To Be Collected")
-                         .endsWith((duplicate - received).format(u"$###,###,##0.00")),
-                     where.constData());
-            QVERIFY2(lineOf("Receipts Yet To Be Disbursed")
-                         .endsWith((received - disbursed).format(u"$###,###,##0.00")),
-                     where.constData());
+            // How the figures print is the report dumps'; here only the width of the paper.
             for (const QString& l : page.lines)
                 QVERIFY2(l.size() <= 132, qPrintable(l));
         }
@@ -214,15 +198,13 @@ private Q_SLOTS:
     }
 
     // The Act 169 report of April and May for the county: the opening balance, the month's
-    // face collections, discounts and the remittances, computed here from the tables; and
-    // April's closing balance is May's opening one.
+    // face collections, discounts and the remittances, computed here from the tables. (May
+    // opening where April closed: reports_act169.scn.)
     void act169TwoMonths() {
         const Act169Figures april = GatherAct169(m_db, Act169Kind::County, 4);
         const Act169Figures may = GatherAct169(m_db, Act169Kind::County, 5);
         QCOMPARE(april.firstDay, QDate(2013, 4, 1));
         QCOMPARE(april.lastDay, QDate(2013, 4, 30));
-        QCOMPARE(int(april.columns.size()), 3);
-        QCOMPARE(april.columns[0].face, QStringLiteral("County"));
         QCOMPARE(int(april.remittances.size()), 1);
         QCOMPARE(april.remittances[0].transaction, QStringLiteral("RE - 1"));
         QCOMPARE(int(may.remittances.size()), 1);
@@ -260,8 +242,6 @@ private Q_SLOTS:
             QCOMPARE(f->remittances[0].total, f->totalCash());
             QVERIFY(county.faceCollected != Money());
         }
-        for (std::size_t i = 0; i < april.columns.size(); ++i)
-            QCOMPARE(april.columns[i].closing(), may.columns[i].opening());
 
         // January belongs to the next year.
         const Act169Figures january = GatherAct169(m_db, Act169Kind::School, 1);
@@ -300,8 +280,7 @@ private Q_SLOTS:
         QVERIFY(month != Money());
         QString grand;
         for (const QString& l : print->textLines())
-            if (l.startsWith(QStringLiteral("Grand Total:")) ||
-                l.trimmed().startsWith(QStringLiteral("Grand Total:")))
+            if (l.trimmed().startsWith(QStringLiteral("Grand Total:")))
                 grand = l.simplified();
         const QStringList figures = grand.split(QLatin1Char(' '));
         QVERIFY2(figures.size() == 6, qPrintable(grand));
