@@ -304,6 +304,7 @@ void TestPerCapitaCorrections::failedWriteLeavesNothing() {
 }
 
 void TestPerCapitaCorrections::addressChain() {
+    // The columns, the apostrophe and the address read back are pc_address_change.scn's.
     TempTaxDatabase t;
     insertPerson(t, "   42");
     insertPerson(t, "   43");
@@ -312,36 +313,17 @@ void TestPerCapitaCorrections::addressChain() {
     c.control = QStringLiteral("100042");
     c.billNo = QStringLiteral("   42");
     c.addrId = 1;
-    c.prefix = QStringLiteral("DR");
-    c.fName = QStringLiteral("ANN");
-    c.lName = QStringLiteral("O'HARA");
-    c.suffix = QStringLiteral("III");
-    c.name = BuildPersonName({c.prefix, c.fName, QString(), c.lName, c.suffix});
-    c.streetNumber = QStringLiteral("9");
-    c.streetName = QStringLiteral("ELM RD");
-    c.addr2 = BuildStreetLine(c.streetNumber, c.streetName);
-    c.city = QStringLiteral("OAKTON");
-    c.state = QStringLiteral("PA");
-    c.zipCode = QStringLiteral("19111");
-    c.reason = QStringLiteral("MARRIED");
+    c.name = QStringLiteral("O'HARA, ANN");
     c.aDate = QDate(2013, 5, 6);
-    c.usps = true;
-    c.reportable = true;
     QString error;
     QVERIFY2(RecordPerCapitaAddressChange(t.db(), c, &error), qPrintable(error));
     c.addrId = 2;
-    c.usps = false;
-    c.reportable = false;
     QVERIFY2(RecordPerCapitaAddressChange(t.db(), c, &error), qPrintable(error));
     QCOMPARE(writeLog(t),
              QString("UPDATE PCMaster;INSERT PCAddress;UPDATE PCMaster;INSERT PCAddress"));
     QCOMPARE(rows(t.db(), "SELECT BillNo, CAddrFlag FROM PCMaster ORDER BY BillNo"),
              QString("   42|A;   43| "));
-    // The address in force is the last change, apostrophe and all.
-    const BillNow now = ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42"));
-    QCOMPARE(now.addrId, 2);
-    QCOMPARE(now.text("LName"), QString("O'HARA"));
-    QCOMPARE(now.text("Name"), QString("O'HARA III, DR ANN"));
+    QCOMPARE(ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42")).addrId, 2);
 }
 
 QTEST_GUILESS_MAIN(TestPerCapitaCorrections)
