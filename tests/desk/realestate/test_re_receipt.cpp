@@ -176,8 +176,6 @@ void TestREReceipt::installmentWording_data() {
     QTest::addColumn<QString>("sentence");
     AddRow("first at face", "F", " ", " ",
            "Installment payments received. (Payment #1 paid at Face. )");
-    AddRow("first at penalty", "P", " ", " ",
-           "Installment payments received. (Payment #1 paid at Penalty. )");
     // The second's penalty wording follows the third flag.
     AddRow("second at penalty, third unpaid", " ", "P", " ", "Installment payments received. ()");
     AddRow("second unpaid, third at penalty", " ", " ", "P",
@@ -205,10 +203,6 @@ void TestREReceipt::installmentWording() {
 
 void TestREReceipt::printsFromTheCallingScreen() {
     std::unique_ptr<QWidget> screen(paymentScreen());
-    const ReceiptScreenText fields = ReceiptScreenText::fromScreen(screen.get());
-    QCOMPARE(fields.payor, QStringLiteral("JOHN Q PAYOR"));
-    QCOMPARE(fields.pState, QStringLiteral("PA"));
-
     MessageScript script;
     script.answer(MsgAnswer::Ok, QStringLiteral("2"));
     QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
@@ -303,24 +297,13 @@ void TestREReceipt::noReceiptPrinter() {
 }
 
 void TestREReceipt::copiesQuestionBeforePrinting() {
+    // No copies asked for prints nothing. (A cancelled question: desk_county_then_rest.scn.)
     std::unique_ptr<QWidget> screen(paymentScreen());
-    {
-        // Cancelled: nothing printed, and no printer looked at.
-        QVERIFY(m_db->exec(QStringLiteral("DELETE FROM tbl_Printers")));
-        MessageScript script;
-        script.answer(MsgAnswer::Cancel);
-        script.answer(MsgAnswer::Yes);
-        QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
-                 ReceiptPrintOutcome::Cancelled);
-        QCOMPARE(script.texts().last(), QStringLiteral("Receipt NOT printed."));
-    }
-    {
-        MessageScript script;
-        script.answer(MsgAnswer::Ok, QStringLiteral("0"));
-        QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
-                 ReceiptPrintOutcome::NoCopies);
-        QCOMPARE(script.texts().size(), 1);
-    }
+    MessageScript script;
+    script.answer(MsgAnswer::Ok, QStringLiteral("0"));
+    QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
+             ReceiptPrintOutcome::NoCopies);
+    QCOMPARE(script.texts().size(), 1);
     QCOMPARE(PrintCapture::jobCount(), 0);
 }
 
