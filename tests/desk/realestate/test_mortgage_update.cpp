@@ -117,8 +117,6 @@ void TestMortgageUpdate::parse_data() {
            QStringLiteral("1!short record: the file ends inside it"));
     AddRow("amount not numeric", record("004200", "   42", "00012A345", "CHK001", "BANK"),
            QStringLiteral("1!the amount is not a whole number of cents"));
-    AddRow("amount blank", record("004200", "   42", "         ", "CHK001", "BANK"),
-           QStringLiteral("1!the amount is not a whole number of cents"));
     AddRow("amount negative", record("004200", "   42", "-00000100", "CHK001", "BANK"),
            QStringLiteral("1!the amount is not a whole number of cents"));
     AddRow("bill number blank", record("004200", "     ", "000000100", "CHK001", "BANK"),
@@ -151,11 +149,10 @@ void TestMortgageUpdate::postsAtEachPeriod_data() {
     QTest::addColumn<QByteArray>("amount");
     QTest::addColumn<QString>("period");
     QTest::addColumn<QString>("receipt");
-    // County, DCounty, PCounty, Library.., C1Face.., Twp.., S1Face.., S3Face.., School
+    // County, DCounty, PCounty, Library.., C1Face.., Twp.., S1Face.., S3Face.., School. (At
+    // face: secondRunListsEverything.)
     AddRow("discount", QByteArray("000035770"), QStringLiteral("D"),
            QStringLiteral("100|-2|0|10|-0.2|0|5|-0.1|0|200|-4|0|20|-0.4|0|30|-0.6|0|0"));
-    AddRow("face", QByteArray("000036500"), QStringLiteral("F"),
-           QStringLiteral("100|0|0|10|0|0|5|0|0|200|0|0|20|0|0|30|0|0|0"));
     AddRow("penalty", QByteArray("000040150"), QStringLiteral("P"),
            QStringLiteral("100|0|10|10|0|1|5|0|0.5|200|0|20|20|0|2|30|0|3|0"));
 }
