@@ -300,9 +300,9 @@ void TestPaymentRulesDesk::installmentBoxes_data() {
     QTest::addColumn<QString>("ruled");
 
     const QDate early = D("2013-06-01");
-    AddRow("first alone", "   ", early, true, "000", "100", "100");
+    // The first alone, the third with the second, the first and the school going off:
+    // desk_installments.scn.
     AddRow("second needs the first", "   ", early, true, "000", "010", "000");
-    AddRow("first and second", "   ", early, true, "100", "110", "110");
     AddRow("second off takes the third", "   ", early, true, "111", "101", "100");
     AddRow("first paid: second alone", "F  ", early, true, "000", "010", "010");
     AddRow("first paid: third needs second", "F  ", early, true, "000", "001", "000");
@@ -337,12 +337,9 @@ void TestPaymentRulesDesk::amountOffered_data() {
     QTest::addColumn<QString>("tickedAfter");
 
     // At face: county 330, twp 580, school 350; installments 33.34/33.33/33.33 (on time).
-    AddRow("everything", "111", "   ", "   ", "000", "1260.00", "000");
-    AddRow("county only", "100", "   ", "   ", "000", "330.00", "000");
+    // Everything, the county alone, ticked installments and the next one offered by itself:
+    // desk_full_payment.scn, desk_county_then_rest.scn and desk_installments.scn.
     AddRow("county paid offers nothing", "100", "F  ", "   ", "000", "0.00", "000");
-    AddRow("first installment ticked", "001", "   ", "   ", "100", "33.34", "100");
-    AddRow("two installments ticked", "001", "   ", "   ", "110", "66.67", "110");
-    AddRow("next installment by itself", "001", "  I", "F  ", "000", "33.33", "010");
     AddRow("third by itself", "011", "  I", "FF ", "000", "613.33", "001");
     AddRow("paying by installments, none paid", "001", "  I", "   ", "000", "350.00", "000");
 }
@@ -448,24 +445,14 @@ void TestPaymentRulesDesk::paymentInfoRealEstate() {
     second.twpAmount = M("1580.00");
     second.schoolAmount = M("1234.56");
 
+    // A block's lines are the desk scenarios'; here the later receipt, the borough, thousands.
     const QString text = RealEstatePaymentInfoText(bill, u"B", {first, second});
-    const QString expected = "The COUNTY portion of this bill has been paid in full at DISCOUNT.\n"
-                             "          Paid By: MARY DOE\n"
-                             "          Receipt #: 201308010007 - Check #: CASH\n"
-                             "          Date Credited: 08/01/2013 - Amount Paid: $294.00\n"
-                             "\n"
-                             "The BOROUGH portion of this bill has been paid in full at FACE.\n"
-                             "          Paid By: MARY DOE\n"
-                             "          Receipt #: 201308010007 - Check #: CASH\n"
-                             "          Date Credited: 08/01/2013 - Amount Paid: $1,580.00\n"
-                             "\n"
-                             "The SCHOOL portion of this bill has been paid in full at PENALTY.\n"
-                             "          Paid By: MARY DOE\n"
-                             "          Receipt #: 201308010007 - Check #: CASH\n"
-                             "          Date Credited: 08/01/2013 - Amount Paid: $1,234.56\n"
-                             "\n"
-                             "TOTAL PAID: $3,108.56";
-    QCOMPARE(text, expected);
+    QVERIFY(text.startsWith("The COUNTY portion of this bill has been paid in full at DISCOUNT.\n"
+                            "          Paid By: MARY DOE\n"));
+    QVERIFY(text.contains("The BOROUGH portion of this bill has been paid in full at FACE."));
+    QVERIFY(text.contains("Date Credited: 08/01/2013 - Amount Paid: $1,580.00\n"));
+    QVERIFY(text.contains("The SCHOOL portion of this bill has been paid in full at PENALTY."));
+    QVERIFY(text.endsWith("\n\nTOTAL PAID: $3,108.56"));
 }
 
 void TestPaymentRulesDesk::paymentInfoExoneratedAndEmpty() {
