@@ -54,14 +54,7 @@ PerCapitaBillImage image(const QString& billNo) {
     PerCapitaBillImage b;
     b.control = QStringLiteral("100042");
     b.billNo = billNo;
-    b.lName = QStringLiteral("O'BRIEN");
-    b.fName = QStringLiteral("PAT");
-    b.name = BuildPersonName({QString(), b.fName, QString(), b.lName, QString()});
-    b.streetNumber = QStringLiteral("5");
-    b.streetName = QStringLiteral("OAK LN");
-    b.addr2 = BuildStreetLine(b.streetNumber, b.streetName);
-    b.occuCode = QStringLiteral("TAX");
-    b.occuValue = QStringLiteral("300");
+    b.name = QStringLiteral("O'BRIEN, PAT");
     b.amounts.line[LineCPerCapita] = {Money::fromCents(490), Money::fromDollars(5),
                                       Money::fromCents(550)};
     b.amounts.line[LineTOccupation] = {Money::fromCents(1960), Money::fromDollars(20),
