@@ -82,8 +82,7 @@ void TestMortgageUpdate::parse_data() {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("expected");
     const QByteArray payor30(30, 'P');
-    AddRow("one record", record("004200", "   42", "000012345", "CHK001", "FIRST BANK"),
-           QStringLiteral("1:004200|   42|123.45|CHK001|FIRST BANK"));
+    // A plain record and its exact match posted: mortgage_companies.scn.
     AddRow("fields at their edges", record("ABCDEF", "7    ", " 00000001", "      ", ""),
            QStringLiteral("1:ABCDEF|    7|0.01|      |"));
     AddRow("added bill", record("000001", "A0001", "999999999", "C     ", ""),
