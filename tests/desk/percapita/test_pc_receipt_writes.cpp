@@ -8,8 +8,6 @@
 
 #include "core/tax_database.h"
 
-#include <QSqlQuery>
-#include <QSqlRecord>
 #include <QTest>
 
 namespace {

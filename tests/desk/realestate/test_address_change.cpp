@@ -9,8 +9,6 @@
 #include "desk/realestate/query_search.h"
 #include "desk/realestate/query_tc.h"
 
-#include <QSqlQuery>
-#include <QSqlRecord>
 #include <QTest>
 
 namespace {

@@ -3,8 +3,6 @@
 
 #include "reports/report_surface.h"
 
-#include <QSqlQuery>
-#include <QSqlRecord>
 #include <QTest>
 
 namespace {
