@@ -202,20 +202,13 @@ void TestREReceipt::printsFromTheCallingScreen() {
     QCOMPARE(script.texts(), QStringList{QStringLiteral("Enter the number of receipts to print:")});
 
     // The two blocks keep their heights whatever lines they leave out.
-    const auto texts = job->pages[0].texts();
-    auto yOf = [&](const QString& t) {
-        for (const PrintedText* p : texts)
-            if (p->text == t)
+    auto ownerY = [](const RecordedPage& page) {
+        for (const PrintedText* p : page.texts())
+            if (p->text == QLatin1String("Owner:"))
                 return p->y;
         return -1.0;
     };
-    const double owner = yOf(QStringLiteral("Owner:"));
-    const Recording full = draw(ReceiptFixture::FullRecnum, false);
-    double fullOwner = -1;
-    for (const PrintedText* p : full.pages[0].texts())
-        if (p->text == QLatin1String("Owner:"))
-            fullOwner = p->y;
-    QCOMPARE(owner, fullOwner);
+    QCOMPARE(ownerY(job->pages[0]), ownerY(draw(ReceiptFixture::FullRecnum, false).pages[0]));
 }
 
 void TestREReceipt::readsBackFromThePdf() {
@@ -257,10 +250,6 @@ void TestREReceipt::noReceiptPrinter() {
              QStringList{QStringLiteral("There is currently no receipt printer assigned.")});
     QCOMPARE(script.titles(), QStringList{QStringLiteral("Printer Error")});
     QCOMPARE(PrintCapture::jobCount(), 0);
-    // The payment stands: nothing about the receipt changed.
-    QSqlQuery q(m_db->db());
-    QVERIFY(q.exec(QStringLiteral("SELECT count(*) FROM TCReceipt")) && q.next());
-    QCOMPARE(q.value(0).toInt(), 3);
 
     // A receipt number that is not there prints nothing either.
     QVERIFY(m_db->exec(
