@@ -34,11 +34,6 @@ RealEstateBillImage image(const QString& billNo) {
     b.control = QStringLiteral("123456");
     b.billNo = billNo;
     b.name = QStringLiteral("O'BRIEN PAT");
-    b.addr1 = QStringLiteral("1 MAIN ST");
-    b.city = QStringLiteral("MAPLE");
-    b.state = QStringLiteral("PA");
-    b.zipCode = QStringLiteral("19000");
-    b.map3 = b.map4 = b.map5 = b.coOwner = b.addr2 = b.zipCode2 = QStringLiteral(" ");
     b.land = 10000;
     b.impr = 20000;
     b.amounts.county = {Money::fromDollars(98), Money::fromDollars(100), Money::fromDollars(110)};
@@ -82,11 +77,7 @@ void TestAdjustWrites::addBill() {
     logWrites(t);
     BillAddition a;
     a.image = image(QStringLiteral("A0042"));
-    a.district = QStringLiteral("12");
-    a.ward = QStringLiteral("3");
-    a.taxYear = QStringLiteral("2013");
     a.addDate = QDate(2013, 5, 6);
-    a.reason = QStringLiteral("NEW HOUSE");
     QString error;
     QVERIFY2(AddRealEstateBill(t.db(), a, &error), qPrintable(error));
     QCOMPARE(writeLog(t), QStringLiteral("UPDATE TCBillNum;INSERT TCMaster;INSERT TCAdds"));
