@@ -52,27 +52,11 @@ private Q_SLOTS:
         QVERIFY2(PrintReadback::matchesExpected(expectedPath("left_for_collection_re.txt"),
                                                 r->dump(), &diff),
                  qPrintable(diff));
-        // The headings, totals and certification: year_end_returns.scn.
-        const QStringList lines = r->textLines();
-        // Exonerated and paid bills are not selected; the zero bill is selected and skipped.
+        // The dump holds the fixture's rules: exonerated and paid bills left out, the zero bill
+        // selected and skipped, the added bill in, bill 2's two open installments in the school
+        // column with their penalties, bill 3's last adjustment and bill 5's last address, only
+        // the unpaid lines of bill 7. (Headings, totals, certification: year_end_returns.scn.)
         QCOMPARE(walked, 7);
-        QVERIFY(!anyLineHas(lines, QStringLiteral("EXONERATED")));
-        QVERIFY(!anyLineHas(lines, QStringLiteral("PAID ALREADY")));
-        QVERIFY(!anyLineHas(lines, QStringLiteral("NOTHING DUE")));
-        QVERIFY(anyLineHas(lines, QStringLiteral("012-A0001 ADDED LATER")));
-        // Two installments still open stand in the school column, with their penalties.
-        QVERIFY(anyLineHas(lines, QStringLiteral("012-000002 MARY INSTALL 01-02-003 Tax .00 .00 "
-                                                 ".00 .00 .00 .00 .00 400.00 .00 400.00")));
-        QVERIFY(anyLineHas(lines, QStringLiteral("Penalty .00 .00 .00 .00 .00 .00 .00 440.00 "
-                                                 ".00 440.00")));
-        // The last adjustment's amounts, the last address change's name.
-        QVERIFY(anyLineHas(lines, QStringLiteral("012-000003 ADJUSTED OWNER 01-02-003 Tax 70.00 "
-                                                 "8.00 .00 40.00 16.00 .00 .00 480.00 18.00")));
-        QVERIFY(anyLineHas(lines, QStringLiteral("012-000005 PAT NEWNAME")));
-        QVERIFY(!anyLineHas(lines, QStringLiteral("PAT MIDNAME")));
-        // The county part of bill 7 is paid: only its other lines are returned.
-        QVERIFY(anyLineHas(lines, QStringLiteral("012-000007 COUNTY PAID 01-02-003 Tax .00 .00 "
-                                                 ".00 50.00 20.00")));
     }
 
     // Enough bills for several pages: every page ends with its totals within the page, and the
@@ -144,11 +128,7 @@ private Q_SLOTS:
         QVERIFY2(PrintReadback::matchesExpected(expectedPath("left_for_collection_pc.txt"),
                                                 r->dump(), &diff),
                  qPrintable(diff));
-        // Bob paid his county part: his county columns are zero. Carr paid all.
-        QVERIFY(
-            anyLineHas(r->textLines(),
-                       QStringLiteral("BAKER BOB 100002 150 Face: .00 .00 5.00 2.00 5.00 1.00")));
-        QVERIFY(!anyLineHas(r->textLines(), QStringLiteral("CARR CAL")));
+        // In the dump: Bob's county columns zero (he paid that part), Carr (paid all) absent.
         // The school alone: Dee owes it nothing.
         PcLeftForCollectionReport school(t.db(), PcBodies::School, {});
         const QStringList lines = linesOf(school, t.db());
@@ -167,13 +147,7 @@ private Q_SLOTS:
         QVERIFY2(
             PrintReadback::matchesExpected(expectedPath("returns_proof_re.txt"), r->dump(), &diff),
             qPrintable(diff));
-        const QStringList lines = r->textLines();
-        // Zero amounts print blank; the adjustment number stands before the total.
-        QVERIFY(anyLineHas(lines, QStringLiteral("    2  000002  01 02 003")));
-        QVERIFY(anyLineHas(lines, QStringLiteral("400.00     400.00")));
-        QVERIFY(anyLineHas(lines, QStringLiteral("ADJUSTED OWNER        70.00        8.00        "
-                                                 "40.00       16.00      480.00       18.00  2")));
-        QVERIFY(anyLineHas(lines, QStringLiteral("Number Of Returns: 6")));
+        // In the dump: zero amounts print blank, the adjustment number stands before the total.
         // The per capita proof's lines and totals: year_end_per_capita.scn; a person paid in
         // full has no return.
         PcReturnsProof pc(t.db(), {});
