@@ -65,7 +65,6 @@ private Q_SLOTS:
     void calendarFromMillfile();
     void amountsOfPeriod_data();
     void amountsOfPeriod();
-    void streetLightChoice();
     void municipalFlags_data();
     void municipalFlags();
     void installmentRule_data();
@@ -123,13 +122,9 @@ void TestPaymentRulesDesk::bodiesInDifferentFrames() {
     c.twpEarly = false;
     c.schoolEarly = true;
 
-    // Between the early and the late discount date: the early bodies are at face.
-    PaymentPeriods p = PeriodsForDate(c, D("2013-05-15"));
-    QCOMPARE(p.county, QChar(u'F'));
-    QCOMPARE(p.twp, QChar(u'D'));
-    QCOMPARE(p.school, QChar(u'F'));
-    // Early penalty, late discount.
-    p = PeriodsForDate(c, D("2013-08-01"));
+    // Early at face while late at discount: the desk scenarios' office. Early penalty, late
+    // discount:
+    PaymentPeriods p = PeriodsForDate(c, D("2013-08-01"));
     QCOMPARE(p.county, QChar(u'P'));
     QCOMPARE(p.twp, QChar(u'D'));
     // County at discount, school at face on one date.
@@ -193,22 +188,6 @@ void TestPaymentRulesDesk::amountsOfPeriod() {
     }
 }
 
-void TestPaymentRulesDesk::streetLightChoice() {
-    const PeriodAmounts all = AmountsForPeriods(sampleBill(), {u'F', u'D', u'F'});
-    PeriodAmounts twpOnly = all;
-    ApplyStreetLightChoice(twpOnly, StreetLightChoice::TwpOnly);
-    QCOMPARE(twpOnly.line[LineSpecial3], LineTake());
-    QCOMPARE(twpOnly.line[LineTwp], all.line[LineTwp]);
-    QCOMPARE(twpOnly.twpTotal(), all.twpTotal() - all.line[LineSpecial3].amount);
-    QCOMPARE(twpOnly.countyTotal(), all.countyTotal());
-
-    PeriodAmounts lights = all;
-    ApplyStreetLightChoice(lights, StreetLightChoice::StreetLightOnly);
-    QCOMPARE(lights.twpTotal(), all.line[LineSpecial3].amount);
-    QCOMPARE(lights.line[LineSpecial1], LineTake());
-    QCOMPARE(lights.schoolTotal(), all.schoolTotal());
-}
-
 void TestPaymentRulesDesk::municipalFlags_data() {
     QTest::addColumn<bool>("split");
     QTest::addColumn<int>("choice");
@@ -218,10 +197,9 @@ void TestPaymentRulesDesk::municipalFlags_data() {
 
     const int all = int(StreetLightChoice::All);
     const int twp = int(StreetLightChoice::TwpOnly);
-    // Each part alone, before or after the other, and the school-only payment are
-    // desk_street_lights.scn's.
+    // Each part alone (and the amounts each choice offers), before or after the other, "All"
+    // after the township part, and the school-only payment are desk_street_lights.scn's.
     AddRow("all", true, all, " ", "DDD ");
-    AddRow("all with twp paid", true, all, "T", "DDD ");
     AddRow("no split", false, twp, "T", "D   ");
 }
 
