@@ -180,11 +180,9 @@ void TestMortgageUpdate::exceptionsWriteNothing_data() {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QString>("cFlag");
     QTest::addColumn<QString>("tFlag");
-    // A wrong control number: mortgage_companies.scn.
+    // A wrong control number and a bill paid since: mortgage_companies.scn.
     AddRow("bill not on file", record("004200", "   99", "000036500", "CK0001", "BANK"),
            QStringLiteral(" "), QStringLiteral(" "));
-    AddRow("county paid", record("004200", "   42", "000036500", "CK0001", "BANK"),
-           QStringLiteral("F"), QStringLiteral(" "));
     AddRow("township exonerated", record("004200", "   42", "000036500", "CK0001", "BANK"),
            QStringLiteral(" "), QStringLiteral("X"));
     AddRow("no period matches", record("004200", "   42", "000036501", "CK0001", "BANK"),
