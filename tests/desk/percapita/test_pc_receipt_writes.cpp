@@ -91,21 +91,16 @@ private Q_SLOTS:
     void receiptPage();
 };
 
+// The amounts offered in each period, a paid body closed and a bill of nothing to pay:
+// pc_desk_periods.scn and pc_desk_refusals.scn. Here a body paid offers nothing, yet its ticked
+// total still counts as due.
 void TestPCReceiptWrites::offeredAndDue() {
     TempTaxDatabase t;
     insertBill(t);
     const PerCapitaAmounts a = PerCapitaAmountsForPeriods(readBill(t).bill, periods("DFP"));
     const PaymentSelection all = ticks(true, true, true);
-    QCOMPARE(PerCapitaTotalDue(all, a), M("26.36"));
-    QCOMPARE(PerCapitaAmountOffered(all, u" ", u" ", u" ", a), M("26.36"));
-    // A body already paid offers nothing, but its ticked total still counts as due.
     QCOMPARE(PerCapitaAmountOffered(all, u"D", u" ", u" ", a), M("19.50"));
-    QCOMPARE(PerCapitaTotalDue(ticks(false, true, false), a), M("14.00"));
-    QCOMPARE(PerCapitaAmountOffered(ticks(false, false, false), u" ", u" ", u" ", a), Money());
-    // A body whose two faces add up to zero is closed.
-    QCOMPARE(PerCapitaBodyFace(readBill(t).bill, TaxBody::School), M("5.00"));
-    t.exec("UPDATE PCMaster SET SPerCapita = 0");
-    QVERIFY(PerCapitaBodyFace(readBill(t).bill, TaxBody::School).isZero());
+    QCOMPARE(PerCapitaTotalDue(all, a), M("26.36"));
 }
 
 void TestPCReceiptWrites::postWritesInOrder() {
