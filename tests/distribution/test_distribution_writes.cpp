@@ -226,8 +226,7 @@ void TestDistributionWrites::perCapitaThroughTheSameFunction() {
                      "PCDistribution ORDER BY rowid"),
              (QStringList{"C|51500|0|0|201301|      |      ", "T|0|100000|0|      |201303|      ",
                           "S|0|0|58250|      |      |201302"}));
-    QCOMPARE(rows(t, "SELECT CDisbNum, TDisbNum, SDisbNum FROM PCReceipt"),
-             QStringList{"201301|201303|201302"});
+    // The receipt's keys: distribution_pc_receipts.scn.
     QCOMPARE(rows(t, "SELECT DisbType, CTS, DisbNum FROM tbl_DisbDates ORDER BY CTS"),
              (QStringList{"PC|C|1", "PC|S|2", "PC|T|3"}));
     QCOMPARE(outcomes[2].lines,
@@ -251,8 +250,8 @@ void TestDistributionWrites::filesAsExpected() {
         const QString path = folder.filePath(QStringLiteral("Distributions/") + name);
         QCOMPARE(fileText(path), expectedFile(name));
     }
-    // The file rebuilt from the rows: distribution_reuse.scn.
-    // A file that cannot be written is reported, with its path.
+    // (The file rebuilt from the rows: distribution_reuse.scn.) A file that cannot be written is
+    // reported, with its path.
     QVERIFY(QFile(folder.filePath("blocked")).open(QIODevice::WriteOnly));
     const std::vector<FileFailure> failures =
         WriteDistributionFiles(folder.filePath("blocked"), RealEstateTables(), "12", outcomes);
