@@ -54,14 +54,7 @@ PerCapitaBillImage image(const QString& billNo) {
     PerCapitaBillImage b;
     b.control = QStringLiteral("100042");
     b.billNo = billNo;
-    b.lName = QStringLiteral("O'BRIEN");
-    b.fName = QStringLiteral("PAT");
-    b.name = BuildPersonName({QString(), b.fName, QString(), b.lName, QString()});
-    b.streetNumber = QStringLiteral("5");
-    b.streetName = QStringLiteral("OAK LN");
-    b.addr2 = BuildStreetLine(b.streetNumber, b.streetName);
-    b.occuCode = QStringLiteral("TAX");
-    b.occuValue = QStringLiteral("300");
+    b.name = QStringLiteral("O'BRIEN, PAT");
     b.amounts.line[LineCPerCapita] = {Money::fromCents(490), Money::fromDollars(5),
                                       Money::fromCents(550)};
     b.amounts.line[LineTOccupation] = {Money::fromCents(1960), Money::fromDollars(20),
@@ -198,25 +191,15 @@ void TestPerCapitaCorrections::addedBill() {
     PerCapitaAddition a;
     a.image = image(QStringLiteral("A0042"));
     a.image.control = QStringLiteral("A00042");
-    a.district = QStringLiteral("12");
-    a.ward = QStringLiteral("3");
-    a.taxYear = QStringLiteral("2013");
     a.addDate = QDate(2013, 5, 6);
-    a.reason = QStringLiteral("MOVED IN");
     QString error;
     QVERIFY2(AddPerCapitaBill(t.db(), a, &error), qPrintable(error));
     QCOMPARE(writeLog(t), QString("UPDATE PCBillNum;INSERT PCMaster;INSERT PCAdds"));
-
-    // A birth date given is written as typed; a number that is not "A" and digits is refused.
-    a.image.billNo = QStringLiteral("A0043");
-    a.image.birthdate = QStringLiteral("02/03/1961");
-    QVERIFY2(AddPerCapitaBill(t.db(), a, &error), qPrintable(error));
-    QCOMPARE(rows(t.db(), "SELECT Birthdate FROM PCMaster WHERE BillNo = 'A0043'"),
-             QString("02/03/1961"));
+    // A number that is not "A" and digits is refused, the counter left as it was.
     a.image.billNo = QStringLiteral("   44");
     QVERIFY(!AddPerCapitaBill(t.db(), a, &error));
     QCOMPARE(rows(t.db(), "SELECT BillNum, (SELECT count(*) FROM PCMaster) FROM PCBillNum"),
-             QString("44|2"));
+             QString("43|1"));
 }
 
 void TestPerCapitaCorrections::adjustmentChain() {
@@ -227,8 +210,6 @@ void TestPerCapitaCorrections::adjustmentChain() {
     PerCapitaAdjustment a;
     a.image = image(QStringLiteral("   42"));
     a.adjNo = 1;
-    a.adjDate = QDate(2013, 5, 6);
-    a.reason = QStringLiteral("NEW JOB");
     QString error;
     QVERIFY2(RecordPerCapitaAdjustment(t.db(), a, &error), qPrintable(error));
     a.adjNo = 2;
@@ -240,11 +221,7 @@ void TestPerCapitaCorrections::adjustmentChain() {
     QCOMPARE(rows(t.db(), "SELECT BillNo, AdjFlag, CPayFlag, TPayFlag, SPayFlag, CPerCapita FROM "
                           "PCMaster ORDER BY BillNo"),
              QString("   42|A| | | |50000;   43| | | | |50000"));
-    // The chain reads back as the bill in force.
-    const BillNow now = ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42"));
-    QVERIFY(now.found());
-    QCOMPARE(now.adjNo, 2);
-    QCOMPARE(now.money("CPerCapita"), Money::fromDollars(6));
+    // The last image read back as the bill in force: the adjustment scenarios.
 }
 
 void TestPerCapitaCorrections::exonerationAndBack() {
@@ -304,6 +281,7 @@ void TestPerCapitaCorrections::failedWriteLeavesNothing() {
 }
 
 void TestPerCapitaCorrections::addressChain() {
+    // The columns, the apostrophe and the address read back are pc_address_change.scn's.
     TempTaxDatabase t;
     insertPerson(t, "   42");
     insertPerson(t, "   43");
@@ -312,36 +290,16 @@ void TestPerCapitaCorrections::addressChain() {
     c.control = QStringLiteral("100042");
     c.billNo = QStringLiteral("   42");
     c.addrId = 1;
-    c.prefix = QStringLiteral("DR");
-    c.fName = QStringLiteral("ANN");
-    c.lName = QStringLiteral("O'HARA");
-    c.suffix = QStringLiteral("III");
-    c.name = BuildPersonName({c.prefix, c.fName, QString(), c.lName, c.suffix});
-    c.streetNumber = QStringLiteral("9");
-    c.streetName = QStringLiteral("ELM RD");
-    c.addr2 = BuildStreetLine(c.streetNumber, c.streetName);
-    c.city = QStringLiteral("OAKTON");
-    c.state = QStringLiteral("PA");
-    c.zipCode = QStringLiteral("19111");
-    c.reason = QStringLiteral("MARRIED");
+    c.name = QStringLiteral("O'HARA, ANN");
     c.aDate = QDate(2013, 5, 6);
-    c.usps = true;
-    c.reportable = true;
     QString error;
     QVERIFY2(RecordPerCapitaAddressChange(t.db(), c, &error), qPrintable(error));
     c.addrId = 2;
-    c.usps = false;
-    c.reportable = false;
     QVERIFY2(RecordPerCapitaAddressChange(t.db(), c, &error), qPrintable(error));
     QCOMPARE(writeLog(t),
              QString("UPDATE PCMaster;INSERT PCAddress;UPDATE PCMaster;INSERT PCAddress"));
     QCOMPARE(rows(t.db(), "SELECT BillNo, CAddrFlag FROM PCMaster ORDER BY BillNo"),
              QString("   42|A;   43| "));
-    // The address in force is the last change, apostrophe and all.
-    const BillNow now = ReadBillAsItStands(t.db(), Duplicate::PerCapita, QStringLiteral("   42"));
-    QCOMPARE(now.addrId, 2);
-    QCOMPARE(now.text("LName"), QString("O'HARA"));
-    QCOMPARE(now.text("Name"), QString("O'HARA III, DR ANN"));
 }
 
 QTEST_GUILESS_MAIN(TestPerCapitaCorrections)

@@ -12,24 +12,12 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSqlQuery>
-#include <QSqlRecord>
 #include <QTest>
 
 namespace {
 
 QString rows(const QString& sql) {
-    QSqlQuery q(session().DbConnection);
-    if (!q.exec(sql))
-        return QStringLiteral("ERROR ") + sql;
-    QStringList out;
-    while (q.next()) {
-        QStringList cells;
-        for (int i = 0; i < q.record().count(); ++i)
-            cells << q.value(i).toString();
-        out << cells.join(u'|');
-    }
-    return out.join(u';');
+    return QueryRows(session().DbConnection, sql);
 }
 
 } // namespace

@@ -65,7 +65,6 @@ private Q_SLOTS:
     void calendarFromMillfile();
     void amountsOfPeriod_data();
     void amountsOfPeriod();
-    void streetLightChoice();
     void municipalFlags_data();
     void municipalFlags();
     void installmentRule_data();
@@ -123,13 +122,9 @@ void TestPaymentRulesDesk::bodiesInDifferentFrames() {
     c.twpEarly = false;
     c.schoolEarly = true;
 
-    // Between the early and the late discount date: the early bodies are at face.
-    PaymentPeriods p = PeriodsForDate(c, D("2013-05-15"));
-    QCOMPARE(p.county, QChar(u'F'));
-    QCOMPARE(p.twp, QChar(u'D'));
-    QCOMPARE(p.school, QChar(u'F'));
-    // Early penalty, late discount.
-    p = PeriodsForDate(c, D("2013-08-01"));
+    // Early at face while late at discount: the desk scenarios' office. Early penalty, late
+    // discount:
+    PaymentPeriods p = PeriodsForDate(c, D("2013-08-01"));
     QCOMPARE(p.county, QChar(u'P'));
     QCOMPARE(p.twp, QChar(u'D'));
     // County at discount, school at face on one date.
@@ -153,45 +148,30 @@ void TestPaymentRulesDesk::calendarFromMillfile() {
     QVERIFY(c.countyEarly);
     QVERIFY(!c.twpEarly);
     QVERIFY(!c.schoolEarly); // anything but E is late
-    QCOMPARE(c.early.discDate, D("2013-04-30"));
-    QCOMPARE(c.late.penDate, D("2013-12-01"));
-    // The late installment dates, whatever the frame.
-    QCOMPARE(c.installmentDates[0], D("2013-06-30"));
-    QCOMPARE(c.installmentDates[2], D("2013-10-31"));
+    // The dates of each frame and the late installment dates: the desk scenarios' office.
     QCOMPARE(c.tolerance, M("2.50"));
-
-    // A Null tolerance counts as zero.
-    QVERIFY(t.exec("UPDATE Millfile SET Tolerance = NULL"));
-    QVERIFY(q.exec("SELECT * FROM Millfile") && q.next());
-    QCOMPARE(PaymentCalendarFromMillfile(q.record()).tolerance, Money());
 }
 
 // ---------------------------------------------------------------------------------------------
 
 void TestPaymentRulesDesk::amountsOfPeriod_data() {
     QTest::addColumn<QString>("periods"); // county, twp, school
-    QTest::addColumn<QString>("countyTotal");
-    QTest::addColumn<QString>("twpTotal");
-    QTest::addColumn<QString>("schoolTotal");
+    QTest::addColumn<QString>("totals");  // county|twp|school
 
     // Faces: county 100+110+120, twp 130+140+150+160, school 170+180.
-    AddRow("all face", "FFF", "330.00", "580.00", "350.00");
-    AddRow("all discount", "DDD", "324.00", "572.00", "346.00");
-    AddRow("all penalty", "PPP", "360.00", "620.00", "370.00");
-    AddRow("one each", "DFP", "324.00", "580.00", "370.00");
+    AddRow("all face", "FFF", "330.00|580.00|350.00");
+    AddRow("one each", "DFP", "324.00|580.00|370.00");
+    AddRow("one each, the other way", "PDF", "360.00|572.00|350.00");
 }
 
 void TestPaymentRulesDesk::amountsOfPeriod() {
     QFETCH(QString, periods);
-    QFETCH(QString, countyTotal);
-    QFETCH(QString, twpTotal);
-    QFETCH(QString, schoolTotal);
-
+    QFETCH(QString, totals);
     const PaymentPeriods p{periods[0], periods[1], periods[2]};
     const PeriodAmounts a = AmountsForPeriods(sampleBill(), p);
-    QCOMPARE(a.countyTotal().toPlain(), countyTotal);
-    QCOMPARE(a.twpTotal().toPlain(), twpTotal);
-    QCOMPARE(a.schoolTotal().toPlain(), schoolTotal);
+    QCOMPARE(a.countyTotal().toPlain() + u'|' + a.twpTotal().toPlain() + u'|' +
+                 a.schoolTotal().toPlain(),
+             totals);
     QCOMPARE(a.total(), a.countyTotal() + a.twpTotal() + a.schoolTotal());
 
     // Every line: the face as billed, the one difference of its period, and the amount equal
@@ -208,24 +188,7 @@ void TestPaymentRulesDesk::amountsOfPeriod() {
     }
 }
 
-void TestPaymentRulesDesk::streetLightChoice() {
-    const PeriodAmounts all = AmountsForPeriods(sampleBill(), {u'F', u'D', u'F'});
-    PeriodAmounts twpOnly = all;
-    ApplyStreetLightChoice(twpOnly, StreetLightChoice::TwpOnly);
-    QCOMPARE(twpOnly.line[LineSpecial3], LineTake());
-    QCOMPARE(twpOnly.line[LineTwp], all.line[LineTwp]);
-    QCOMPARE(twpOnly.twpTotal(), all.twpTotal() - all.line[LineSpecial3].amount);
-    QCOMPARE(twpOnly.countyTotal(), all.countyTotal());
-
-    PeriodAmounts lights = all;
-    ApplyStreetLightChoice(lights, StreetLightChoice::StreetLightOnly);
-    QCOMPARE(lights.twpTotal(), all.line[LineSpecial3].amount);
-    QCOMPARE(lights.line[LineSpecial1], LineTake());
-    QCOMPARE(lights.schoolTotal(), all.schoolTotal());
-}
-
 void TestPaymentRulesDesk::municipalFlags_data() {
-    QTest::addColumn<bool>("ticked");
     QTest::addColumn<bool>("split");
     QTest::addColumn<int>("choice");
     QTest::addColumn<QString>("before");
@@ -234,25 +197,19 @@ void TestPaymentRulesDesk::municipalFlags_data() {
 
     const int all = int(StreetLightChoice::All);
     const int twp = int(StreetLightChoice::TwpOnly);
-    const int lights = int(StreetLightChoice::StreetLightOnly);
-    AddRow("twp only, nothing paid", true, true, twp, " ", " D T");
-    AddRow("twp only after lights", true, true, twp, "S", "DD  ");
-    AddRow("lights only, nothing paid", true, true, lights, " ", "  DS");
-    AddRow("lights only after twp", true, true, lights, "T", "D D ");
-    AddRow("all", true, true, all, " ", "DDD ");
-    AddRow("all with twp paid", true, true, all, "T", "DDD ");
-    AddRow("no split", true, false, twp, "T", "D   ");
-    AddRow("not ticked", false, true, all, "T", "--- ");
+    // Each part alone (and the amounts each choice offers), before or after the other, "All"
+    // after the township part, and the school-only payment are desk_street_lights.scn's.
+    AddRow("all", true, all, " ", "DDD ");
+    AddRow("no split", false, twp, "T", "D   ");
 }
 
 void TestPaymentRulesDesk::municipalFlags() {
-    QFETCH(bool, ticked);
     QFETCH(bool, split);
     QFETCH(int, choice);
     QFETCH(QString, before);
     QFETCH(QString, flags);
     const MunicipalPayFlags f =
-        MunicipalFlagsForPayment(ticked, split, StreetLightChoice(choice), before, u'D');
+        MunicipalFlagsForPayment(true, split, StreetLightChoice(choice), before, u'D');
     auto shown = [](const std::optional<QString>& v) { return v ? *v : QStringLiteral("-"); };
     QCOMPARE(shown(f.tPayFlag) + shown(f.twpPaidFlag) + shown(f.stLtPaidFlag) + f.stLtFlag, flags);
 }
@@ -309,39 +266,30 @@ void TestPaymentRulesDesk::installmentRule() {
 void TestPaymentRulesDesk::installmentBoxes_data() {
     QTest::addColumn<QString>("payFlags");
     QTest::addColumn<QDate>("credited");
-    QTest::addColumn<bool>("school");
-    QTest::addColumn<QString>("before"); // ticks as "101"
-    QTest::addColumn<QString>("after");
-    QTest::addColumn<QString>("ruled");
+    QTest::addColumn<QString>("ticks"); // before > after = as ruled, each as "101"
 
     const QDate early = D("2013-06-01");
-    AddRow("first alone", "   ", early, true, "000", "100", "100");
-    AddRow("second needs the first", "   ", early, true, "000", "010", "000");
-    AddRow("first and second", "   ", early, true, "100", "110", "110");
-    AddRow("third needs the second", "   ", early, true, "100", "101", "100");
-    AddRow("first off takes the rest", "   ", early, true, "111", "011", "000");
-    AddRow("second off takes the third", "   ", early, true, "111", "101", "100");
-    AddRow("first paid: second alone", "F  ", early, true, "000", "010", "010");
-    AddRow("first paid: third needs second", "F  ", early, true, "000", "001", "000");
-    AddRow("paid box goes off", "F  ", early, true, "000", "110", "010");
-    AddRow("school off", "   ", early, false, "000", "100", "000");
-    AddRow("first past its date", "   ", D("2013-07-15"), true, "000", "110", "000");
+    // The first alone, the third with the second, the first and the school going off:
+    // desk_installments.scn.
+    AddRow("second needs the first", "   ", early, "000>010=000");
+    AddRow("second off takes the third", "   ", early, "111>101=100");
+    AddRow("first paid: second alone", "F  ", early, "000>010=010");
+    AddRow("first paid: third needs second", "F  ", early, "000>001=000");
+    AddRow("paid box goes off", "F  ", early, "000>110=010");
+    AddRow("first past its date", "   ", D("2013-07-15"), "000>110=000");
 }
 
 void TestPaymentRulesDesk::installmentBoxes() {
     QFETCH(QString, payFlags);
     QFETCH(QDate, credited);
-    QFETCH(bool, school);
-    QFETCH(QString, before);
-    QFETCH(QString, after);
-    QFETCH(QString, ruled);
-    auto ticks = [](const QString& s) {
-        return std::array<bool, 3>{s[0] == u'1', s[1] == u'1', s[2] == u'1'};
+    QFETCH(QString, ticks);
+    auto read = [&ticks](int at) {
+        return std::array<bool, 3>{ticks[at] == u'1', ticks[at + 1] == u'1', ticks[at + 2] == u'1'};
     };
     const InstallmentView v = InstallmentsForDate(
         sampleInstallments(), flags(payFlags.toLatin1().constData()), InstallmentDates, credited);
-    const std::array<bool, 3> r = ApplyInstallmentBoxRules(ticks(before), ticks(after), school, v);
-    QCOMPARE(QString("%1%2%3").arg(int(r[0])).arg(int(r[1])).arg(int(r[2])), ruled);
+    const std::array<bool, 3> r = ApplyInstallmentBoxRules(read(0), read(4), true, v);
+    QCOMPARE(QString("%1%2%3").arg(int(r[0])).arg(int(r[1])).arg(int(r[2])), ticks.mid(8));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -350,46 +298,37 @@ void TestPaymentRulesDesk::amountOffered_data() {
     QTest::addColumn<QString>("boxes");     // county, twp, school ticked
     QTest::addColumn<QString>("billFlags"); // C, T, S
     QTest::addColumn<QString>("payFlags");
-    QTest::addColumn<QString>("ticked"); // installment ticks
-    QTest::addColumn<QString>("amount");
-    QTest::addColumn<QString>("tickedAfter");
+    QTest::addColumn<QString>("offered"); // the amount, then the installments ticked after
 
     // At face: county 330, twp 580, school 350; installments 33.34/33.33/33.33 (on time).
-    AddRow("everything", "111", "   ", "   ", "000", "1260.00", "000");
-    AddRow("county only", "100", "   ", "   ", "000", "330.00", "000");
-    AddRow("county paid offers nothing", "100", "F  ", "   ", "000", "0.00", "000");
-    AddRow("first installment ticked", "001", "   ", "   ", "100", "33.34", "100");
-    AddRow("two installments ticked", "001", "   ", "   ", "110", "66.67", "110");
-    AddRow("next installment by itself", "001", "  I", "F  ", "000", "33.33", "010");
-    AddRow("third by itself", "011", "  I", "FF ", "000", "613.33", "001");
-    AddRow("paying by installments, none paid", "001", "  I", "   ", "000", "350.00", "000");
+    // Everything, the county alone, ticked installments and the next one offered by itself:
+    // desk_full_payment.scn, desk_county_then_rest.scn and desk_installments.scn.
+    AddRow("county paid offers nothing", "100", "F  ", "   ", "0.00 000");
+    AddRow("third by itself", "011", "  I", "FF ", "613.33 001");
+    AddRow("paying by installments, none paid", "001", "  I", "   ", "350.00 000");
 }
 
 void TestPaymentRulesDesk::amountOffered() {
     QFETCH(QString, boxes);
     QFETCH(QString, billFlags);
     QFETCH(QString, payFlags);
-    QFETCH(QString, ticked);
-    QFETCH(QString, amount);
-    QFETCH(QString, tickedAfter);
-
+    QFETCH(QString, offered);
     PaymentSelection sel;
     sel.county = boxes[0] == u'1';
     sel.twp = boxes[1] == u'1';
     sel.school = boxes[2] == u'1';
-    sel.installment = {ticked[0] == u'1', ticked[1] == u'1', ticked[2] == u'1'};
     const PeriodAmounts a = AmountsForPeriods(sampleBill(), {u'F', u'F', u'F'});
     const InstallmentView v =
         InstallmentsForDate(sampleInstallments(), flags(payFlags.toLatin1().constData()),
                             InstallmentDates, D("2013-06-01"));
     const AmountOffer o =
         AmountOffered(sel, billFlags.mid(0, 1), billFlags.mid(1, 1), billFlags.mid(2, 1), a, v);
-    QCOMPARE(o.amount.toPlain(), amount);
-    QCOMPARE(QString("%1%2%3")
+    QCOMPARE(QStringLiteral("%1 %2%3%4")
+                 .arg(o.amount.toPlain())
                  .arg(int(o.installment[0]))
                  .arg(int(o.installment[1]))
                  .arg(int(o.installment[2])),
-             tickedAfter);
+             offered);
 }
 
 void TestPaymentRulesDesk::totalDue() {
@@ -411,52 +350,36 @@ void TestPaymentRulesDesk::paymentAgainstTotal_data() {
     QTest::addColumn<QString>("amount");
     QTest::addColumn<QString>("tolerance");
     QTest::addColumn<int>("kind");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("overage");
-    QTest::addColumn<QString>("refund");
+    QTest::addColumn<QString>("expected"); // title|text|overage|refund
 
     using K = PaymentCheck::Kind;
-    // The total due is 1,250.00 throughout.
-    AddRow("refund above tolerance", "1300.00", "2.00", int(K::Refund), "Apply Refund",
-           "Do you want to apply a refund of $50.00 ?", "0.00", "50.00");
-    AddRow("refund with thousands", "2500.01", "0", int(K::Refund), "Apply Refund",
-           "Do you want to apply a refund of $1,250.01 ?", "0.00", "1250.01");
-    AddRow("overage within tolerance", "1251.50", "2.00", int(K::Overage), "Apply Overage",
-           "Do you want to apply an overage of  $1.50 ?", "1.50", "0.00");
-    AddRow("overage at the tolerance", "1252.00", "2.00", int(K::Overage), "Apply Overage",
-           "Do you want to apply an overage of  $2.00 ?", "2.00", "0.00");
-    AddRow("exact", "1250.00", "0", int(K::Exact), "", "", "0.00", "0.00");
-    AddRow("underage within tolerance", "1249.50", "2.00", int(K::Underage), "Apply Overage",
-           "Do you want to apply an underage of  -$0.50 ?", "-0.50", "0.00");
-    AddRow("underage at the tolerance", "1248.00", "2.00", int(K::Underage), "Apply Overage",
-           "Do you want to apply an underage of  -$2.00 ?", "-2.00", "0.00");
-    AddRow("short beyond tolerance", "1247.99", "2.00", int(K::Refused), "Receive Payment",
-           "Payment must be within $2.00 of total due.", "0.00", "0.00");
-    AddRow("one cent short, no tolerance", "1249.99", "0", int(K::Refused), "Receive Payment",
-           "Payment must be within $.00 of total due.", "0.00", "0.00");
-    AddRow("one cent over, no tolerance", "1250.01", "0", int(K::Refund), "Apply Refund",
-           "Do you want to apply a refund of $0.01 ?", "0.00", "0.01");
+    // The total due is 1,250.00 throughout. Overage, underage and refund well inside or outside
+    // the tolerance, and one cent short with none, are the desk scenarios'.
+    AddRow("refund with thousands", "2500.01", "0", int(K::Refund),
+           "Apply Refund|Do you want to apply a refund of $1,250.01 ?|0.00|1250.01");
+    AddRow("overage at the tolerance", "1252.00", "2.00", int(K::Overage),
+           "Apply Overage|Do you want to apply an overage of  $2.00 ?|2.00|0.00");
+    AddRow("exact", "1250.00", "0", int(K::Exact), "||0.00|0.00");
+    AddRow("underage at the tolerance", "1248.00", "2.00", int(K::Underage),
+           "Apply Overage|Do you want to apply an underage of  -$2.00 ?|-2.00|0.00");
+    AddRow("short beyond tolerance", "1247.99", "2.00", int(K::Refused),
+           "Receive Payment|Payment must be within $2.00 of total due.|0.00|0.00");
+    AddRow("one cent over, no tolerance", "1250.01", "0", int(K::Refund),
+           "Apply Refund|Do you want to apply a refund of $0.01 ?|0.00|0.01");
     AddRow("large tolerance shown in two digits", "1100.00", "25.00", int(K::Refused),
-           "Receive Payment", "Payment must be within $25.00 of total due.", "0.00", "0.00");
+           "Receive Payment|Payment must be within $25.00 of total due.|0.00|0.00");
 }
 
 void TestPaymentRulesDesk::paymentAgainstTotal() {
     QFETCH(QString, amount);
     QFETCH(QString, tolerance);
     QFETCH(int, kind);
-    QFETCH(QString, title);
-    QFETCH(QString, text);
-    QFETCH(QString, overage);
-    QFETCH(QString, refund);
-
+    QFETCH(QString, expected);
     const PaymentCheck c =
         CheckPaymentAgainstTotal(*Money::parse(amount), M("1250.00"), *Money::parse(tolerance));
     QCOMPARE(int(c.kind), kind);
-    QCOMPARE(c.title, title);
-    QCOMPARE(c.text, text);
-    QCOMPARE(c.overage.toPlain(), overage);
-    QCOMPARE(c.refund.toPlain(), refund);
+    QCOMPARE(QStringList({c.title, c.text, c.overage.toPlain(), c.refund.toPlain()}).join(u'|'),
+             expected);
     QCOMPARE(c.asks(), kind == int(PaymentCheck::Kind::Refund) ||
                            kind == int(PaymentCheck::Kind::Overage) ||
                            kind == int(PaymentCheck::Kind::Underage));
@@ -482,32 +405,14 @@ void TestPaymentRulesDesk::paymentInfoRealEstate() {
     second.twpAmount = M("1580.00");
     second.schoolAmount = M("1234.56");
 
+    // A block's lines are the desk scenarios'; here the later receipt, the borough, thousands.
     const QString text = RealEstatePaymentInfoText(bill, u"B", {first, second});
-    const QString expected = "The COUNTY portion of this bill has been paid in full at DISCOUNT.\n"
-                             "          Paid By: MARY DOE\n"
-                             "          Receipt #: 201308010007 - Check #: CASH\n"
-                             "          Date Credited: 08/01/2013 - Amount Paid: $294.00\n"
-                             "\n"
-                             "The BOROUGH portion of this bill has been paid in full at FACE.\n"
-                             "          Paid By: MARY DOE\n"
-                             "          Receipt #: 201308010007 - Check #: CASH\n"
-                             "          Date Credited: 08/01/2013 - Amount Paid: $1,580.00\n"
-                             "\n"
-                             "The SCHOOL portion of this bill has been paid in full at PENALTY.\n"
-                             "          Paid By: MARY DOE\n"
-                             "          Receipt #: 201308010007 - Check #: CASH\n"
-                             "          Date Credited: 08/01/2013 - Amount Paid: $1,234.56\n"
-                             "\n"
-                             "TOTAL PAID: $3,108.56";
-    QCOMPARE(text, expected);
-
-    // A body not paid has no block, and the kind follows BTFlag.
-    bill.cPayFlag = " ";
-    bill.sPayFlag = " ";
-    const QString city = RealEstatePaymentInfoText(bill, u"C", {first, second});
-    QVERIFY(city.startsWith("The CITY portion of this bill has been paid in full at FACE."));
-    QVERIFY(city.endsWith("TOTAL PAID: $1,580.00"));
-    QCOMPARE(MunicipalKind(u"T"), QStringLiteral("TOWNSHIP"));
+    QVERIFY(text.startsWith("The COUNTY portion of this bill has been paid in full at DISCOUNT.\n"
+                            "          Paid By: MARY DOE\n"));
+    QVERIFY(text.contains("The BOROUGH portion of this bill has been paid in full at FACE."));
+    QVERIFY(text.contains("Date Credited: 08/01/2013 - Amount Paid: $1,580.00\n"));
+    QVERIFY(text.contains("The SCHOOL portion of this bill has been paid in full at PENALTY."));
+    QVERIFY(text.endsWith("\n\nTOTAL PAID: $3,108.56"));
 }
 
 void TestPaymentRulesDesk::paymentInfoExoneratedAndEmpty() {

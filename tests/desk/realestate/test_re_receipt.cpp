@@ -114,34 +114,10 @@ Recording TestREReceipt::draw(const QString& recnum, bool duplicate, int copies)
 void TestREReceipt::receiptAsExpected() {
     const Recording r = draw(ReceiptFixture::FullRecnum, false);
     QCOMPARE(r.pages.size(), std::size_t(1));
+    // The dump holds every text, line, box and bar code at its position.
     QString diff;
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("re_receipt.txt"), r.dump(), &diff),
              qPrintable(diff));
-
-    // Read as a person reads it: what stands side by side on the grid of the two columns is
-    // one line; the dump above holds every position.
-    const QStringList lines = r.textLines();
-    const QStringList expected{
-        QStringLiteral("ALDER TOWNSHIP Tax Collector"),
-        QStringLiteral("Payor: FIRST ALDER BANK ESCROW Receipt #: 2013-09-15-0007"),
-        QStringLiteral("LOAN 88-1023 DATE: 09/16/2013"),
-        QStringLiteral("Owner: HOLLOWAY MARGARET A Control #: 07-2-004512"),
-        QStringLiteral("ALDERBROOK, PA.  17001-2231 ALDER TOWNSHIP"),
-        QStringLiteral("Check #/Cash: 55120"),
-        QStringLiteral("Total: 60,800"),
-        QStringLiteral("2013 COUNTY 3.750 $228.00 -$4.56 $223.44"),
-        QStringLiteral("2013 LIBRARY"),
-        QStringLiteral("2013 FIRE TAX .500 $30.40 -$.61 $29.79"),
-        QStringLiteral("2013 SCH LIB .500 $30.40 $30.40"),
-        QStringLiteral("TOTAL PAYMENT: $1,933.44 -$7.30 $. $1,926.14"),
-        QStringLiteral("Your payment was credited on 09/15/13. (County paid at Discount. Township "
-                       "paid at Discount. School paid at Face. )")};
-    for (const QString& line : expected)
-        QVERIFY2(lines.contains(line), qPrintable(line + QStringLiteral("\n--- printed:\n") +
-                                                  lines.join(QLatin1Char('\n'))));
-    QVERIFY(!lines.contains(QStringLiteral("DUPLICATE RECEIPT")));
-    QVERIFY(!lines.join(QLatin1Char('\n')).contains(QLatin1String("VOIDED")));
-    QCOMPARE(r.barcodePayloads(), QStringList{QStringLiteral("40201309150007")});
 }
 
 void TestREReceipt::rowsFollowTheFlags() {
@@ -176,8 +152,6 @@ void TestREReceipt::installmentWording_data() {
     QTest::addColumn<QString>("sentence");
     AddRow("first at face", "F", " ", " ",
            "Installment payments received. (Payment #1 paid at Face. )");
-    AddRow("first at penalty", "P", " ", " ",
-           "Installment payments received. (Payment #1 paid at Penalty. )");
     // The second's penalty wording follows the third flag.
     AddRow("second at penalty, third unpaid", " ", "P", " ", "Installment payments received. ()");
     AddRow("second unpaid, third at penalty", " ", " ", "P",
@@ -205,10 +179,6 @@ void TestREReceipt::installmentWording() {
 
 void TestREReceipt::printsFromTheCallingScreen() {
     std::unique_ptr<QWidget> screen(paymentScreen());
-    const ReceiptScreenText fields = ReceiptScreenText::fromScreen(screen.get());
-    QCOMPARE(fields.payor, QStringLiteral("JOHN Q PAYOR"));
-    QCOMPARE(fields.pState, QStringLiteral("PA"));
-
     MessageScript script;
     script.answer(MsgAnswer::Ok, QStringLiteral("2"));
     QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
@@ -232,20 +202,13 @@ void TestREReceipt::printsFromTheCallingScreen() {
     QCOMPARE(script.texts(), QStringList{QStringLiteral("Enter the number of receipts to print:")});
 
     // The two blocks keep their heights whatever lines they leave out.
-    const auto texts = job->pages[0].texts();
-    auto yOf = [&](const QString& t) {
-        for (const PrintedText* p : texts)
-            if (p->text == t)
+    auto ownerY = [](const RecordedPage& page) {
+        for (const PrintedText* p : page.texts())
+            if (p->text == QLatin1String("Owner:"))
                 return p->y;
         return -1.0;
     };
-    const double owner = yOf(QStringLiteral("Owner:"));
-    const Recording full = draw(ReceiptFixture::FullRecnum, false);
-    double fullOwner = -1;
-    for (const PrintedText* p : full.pages[0].texts())
-        if (p->text == QLatin1String("Owner:"))
-            fullOwner = p->y;
-    QCOMPARE(owner, fullOwner);
+    QCOMPARE(ownerY(job->pages[0]), ownerY(draw(ReceiptFixture::FullRecnum, false).pages[0]));
 }
 
 void TestREReceipt::readsBackFromThePdf() {
@@ -287,10 +250,6 @@ void TestREReceipt::noReceiptPrinter() {
              QStringList{QStringLiteral("There is currently no receipt printer assigned.")});
     QCOMPARE(script.titles(), QStringList{QStringLiteral("Printer Error")});
     QCOMPARE(PrintCapture::jobCount(), 0);
-    // The payment stands: nothing about the receipt changed.
-    QSqlQuery q(m_db->db());
-    QVERIFY(q.exec(QStringLiteral("SELECT count(*) FROM TCReceipt")) && q.next());
-    QCOMPARE(q.value(0).toInt(), 3);
 
     // A receipt number that is not there prints nothing either.
     QVERIFY(m_db->exec(
@@ -303,24 +262,13 @@ void TestREReceipt::noReceiptPrinter() {
 }
 
 void TestREReceipt::copiesQuestionBeforePrinting() {
+    // No copies asked for prints nothing. (A cancelled question: desk_county_then_rest.scn.)
     std::unique_ptr<QWidget> screen(paymentScreen());
-    {
-        // Cancelled: nothing printed, and no printer looked at.
-        QVERIFY(m_db->exec(QStringLiteral("DELETE FROM tbl_Printers")));
-        MessageScript script;
-        script.answer(MsgAnswer::Cancel);
-        script.answer(MsgAnswer::Yes);
-        QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
-                 ReceiptPrintOutcome::Cancelled);
-        QCOMPARE(script.texts().last(), QStringLiteral("Receipt NOT printed."));
-    }
-    {
-        MessageScript script;
-        script.answer(MsgAnswer::Ok, QStringLiteral("0"));
-        QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
-                 ReceiptPrintOutcome::NoCopies);
-        QCOMPARE(script.texts().size(), 1);
-    }
+    MessageScript script;
+    script.answer(MsgAnswer::Ok, QStringLiteral("0"));
+    QCOMPARE(AskAndPrintREReceipt(screen.get(), ReceiptFixture::FullRecnum, m_db->db()),
+             ReceiptPrintOutcome::NoCopies);
+    QCOMPARE(script.texts().size(), 1);
     QCOMPARE(PrintCapture::jobCount(), 0);
 }
 
