@@ -16,36 +16,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QString joined(const QStringList& lines) {
-    return lines.join(QLatin1Char('\n'));
-}
-
-// The bill numbers drawn, in order.
-QStringList billsDrawn(const Recording& r) {
-    QStringList out;
-    for (const RecordedPage& page : r.pages)
-        for (const PrintedText* t : page.texts())
-            if (t->text.startsWith(QLatin1String("BILL # ")) && t->font.size == 12)
-                out << t->text.mid(7).trimmed();
-    out.removeDuplicates();
-    return out;
-}
-
-void expectLines(const QStringList& lines, std::initializer_list<const char*> wanted) {
-    for (const char* want : wanted)
-        QVERIFY2(
-            lines.filter(QLatin1String(want)).size() >= 1,
-            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(lines)));
-}
-
-} // namespace
+using namespace BillFixture;
 
 class TestPCTaxBill : public QObject {
     Q_OBJECT

@@ -17,29 +17,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QString joined(const QStringList& lines) {
-    return lines.join(QLatin1Char('\n'));
-}
-
-// The bill numbers drawn, in order: one "BILL # " line a copy, two copies a bill.
-QStringList billsDrawn(const Recording& r) {
-    QStringList out;
-    for (const RecordedPage& page : r.pages)
-        for (const PrintedText* t : page.texts())
-            if (t->text.startsWith(QLatin1String("BILL # ")) && t->font.size == 12)
-                out << t->text.mid(7).trimmed();
-    out.removeDuplicates();
-    return out;
-}
-
-} // namespace
+using namespace BillFixture;
 
 class TestRETaxBill : public QObject {
     Q_OBJECT

@@ -14,12 +14,7 @@
 
 namespace {
 
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QStringList billsDrawn(const Recording& r) {
+QStringList statementsDrawn(const Recording& r) {
     QStringList out;
     for (const RecordedPage& page : r.pages)
         for (const PrintedText* t : page.texts())
@@ -29,6 +24,8 @@ QStringList billsDrawn(const Recording& r) {
 }
 
 } // namespace
+
+using namespace BillFixture;
 
 class TestSchoolStatement : public QObject {
     Q_OBJECT
@@ -103,7 +100,7 @@ void TestSchoolStatement::runs() {
     const SchoolStatementResult result = RunSchoolStatements(m_db->db(), run, surface);
     surface.EndDoc();
     QCOMPARE(int(result.stop), stop);
-    QCOMPARE(billsDrawn(surface.recording()), bills);
+    QCOMPARE(statementsDrawn(surface.recording()), bills);
 }
 
 QTEST_MAIN(TestSchoolStatement)

@@ -16,22 +16,6 @@
 
 namespace {
 
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QString joined(const QStringList& lines) {
-    return lines.join(QLatin1Char('\n'));
-}
-
-void expectLines(const QStringList& lines, std::initializer_list<const char*> wanted) {
-    for (const char* want : wanted)
-        QVERIFY2(
-            lines.filter(QLatin1String(want)).size() >= 1,
-            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(lines)));
-}
-
 // The controls of the notices drawn, in order.
 QStringList noticesDrawn(const Recording& r) {
     QStringList out;
@@ -50,6 +34,8 @@ QString labelsOf(const std::vector<NoticeLine>& lines) {
 }
 
 } // namespace
+
+using namespace BillFixture;
 
 class TestSecondNotice : public QObject {
     Q_OBJECT
