@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets with clang and libFuzzer into build-fuzz/ (or $LEVYDESK_FUZZ_BUILD_DIR)
 # and runs each over its checked-in seeds (fuzz/corpus/NAME) for a fixed number of executions.
-#   scripts/fuzz.sh [--runs N] [--jobs-dir DIR] [NAME...]     NAME: money, typed_date, ...
+#   scripts/fuzz.sh [--runs N] [NAME...]     NAME: money, typed_date, ... (the folders of fuzz/corpus)
 # New inputs the fuzzer finds go to a scratch folder; the seeds stay as checked in. A crash or
 # hang stops the script with the input saved under build-fuzz/artifacts/.
 set -euo pipefail

@@ -2,24 +2,33 @@
 
 #include "bills/bill_sheet.h"
 
+#include "core/clock.h"
 #include "core/common_values.h"
 #include "core/messages.h"
+#include "core/named_widgets.h"
 #include "core/screen_host.h"
 #include "core/session.h"
 #include "core/tax_database.h"
 #include "reports/print_output.h"
 #include "reports/report_surface.h"
 
+#include <QButtonGroup>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpressionValidator>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QVBoxLayout>
 #include <algorithm>
 
 namespace {
@@ -29,6 +38,109 @@ void exclaim(const QString& text, const char* title) {
 }
 
 } // namespace
+
+QCheckBox* BillRunForm::buildForm(const FormParts& parts) {
+    auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);
+    frame->setObjectName(QStringLiteral("fraBillingTimeFrame"));
+    optBillEarly = NamedOption(frame, QStringLiteral("optBillEarly"), parts.earlyCaption);
+    optBillLate = NamedOption(frame, QStringLiteral("optBillLate"), parts.lateCaption);
+    auto* frames = new QButtonGroup(this);
+    auto* frameRow = new QHBoxLayout(frame);
+    for (QRadioButton* option : {optBillEarly, optBillLate}) {
+        frames->addButton(option);
+        frameRow->addWidget(option);
+    }
+    chkSamples = NamedCheck(this, QStringLiteral("chkSamples"), QStringLiteral("Samples"));
+    chkPrintAddr = NamedCheck(this, QStringLiteral("chkPrintAddr"),
+                              QStringLiteral("Print Mailing Address On A Separate Page"));
+    QCheckBox* ownCheck = NamedCheck(this, parts.ownCheckName, parts.ownCheckCaption);
+    chkPlainPaperCopy =
+        NamedCheck(this, QStringLiteral("chkPlainPaperCopy"), QStringLiteral("Ascending Order"));
+
+    auto* order = new QGroupBox(QStringLiteral("Order"), this);
+    order->setObjectName(QStringLiteral("fraOrder"));
+    optBillNo = NamedOption(order, QStringLiteral("optBillNo"), QStringLiteral("Bill #"));
+    if (parts.nameOrder)
+        optName = NamedOption(order, QStringLiteral("optName"), QStringLiteral("Name"));
+    optZipCode = NamedOption(order, QStringLiteral("optZipCode"), QStringLiteral("ZipCode"));
+    QList<QRadioButton*> orders{optBillNo};
+    if (optName)
+        orders << optName;
+    orders << optZipCode;
+    auto* orderGroup = new QButtonGroup(this);
+    auto* orderRow = new QHBoxLayout(order);
+    for (QRadioButton* option : orders) {
+        orderGroup->addButton(option);
+        orderRow->addWidget(option);
+    }
+
+    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
+    txtBillNo->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), txtBillNo));
+    txtNumberOfMailers = NamedField(this, QStringLiteral("txtNumberOfMailers"), 6);
+
+    lblControl = NamedLabel(this, QStringLiteral("lblControl"), QStringLiteral("Control #:"));
+    lblName = NamedLabel(this, QStringLiteral("lblName"), QStringLiteral("Name:"));
+    txtControl = ShownField(this, QStringLiteral("txtControl"));
+    txtName = ShownField(this, QStringLiteral("txtName"));
+    prgBills = new QProgressBar(this);
+    prgBills->setObjectName(QStringLiteral("prgBills"));
+    prgBills->setFormat(QStringLiteral("%v of %m"));
+    cmdCancel = NamedButton(this, QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), false);
+    cmdOK = NamedButton(this, QStringLiteral("cmdOK"), QStringLiteral("&OK"));
+    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
+
+    auto* fields = new QGridLayout;
+    int row = 0;
+    auto addRow = [&](QWidget* label, QWidget* field) {
+        fields->addWidget(label, row, 0);
+        fields->addWidget(field, row++, 1);
+    };
+    addRow(new QLabel(QStringLiteral("Start Bill #:"), this), txtBillNo);
+    addRow(new QLabel(QStringLiteral("# Of Mailers:"), this), txtNumberOfMailers);
+    addRow(lblControl, txtControl);
+    if (parts.progressLabel) {
+        auto* own = new QHBoxLayout;
+        for (QWidget* w : parts.progressFields)
+            own->addWidget(w);
+        fields->addWidget(parts.progressLabel, row, 0);
+        fields->addLayout(own, row++, 1);
+    }
+    addRow(lblName, txtName);
+    fields->addWidget(prgBills, row, 0, 1, 2);
+
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* button : {cmdOK, cmdCancel, cmdExit})
+        buttons->addWidget(button);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(frame);
+    QList<QWidget*> tabs{optBillEarly, optBillLate, chkSamples,
+                         chkPrintAddr, ownCheck,    chkPlainPaperCopy};
+    for (QWidget* tick : tabs.mid(2))
+        layout->addWidget(tick);
+    layout->addWidget(order);
+    layout->addLayout(fields);
+    layout->addLayout(buttons);
+    for (QRadioButton* option : orders)
+        tabs << option;
+    tabs << txtBillNo << txtNumberOfMailers << cmdOK;
+    for (qsizetype i = 1; i < tabs.size(); ++i)
+        setTabOrder(tabs[i - 1], tabs[i]);
+
+    // From May on the late bills (the school's, on real estate) are the ones to mail.
+    if (Clock::today().month() >= 5)
+        optBillLate->setChecked(true);
+    showProgress(false);
+
+    connect(cmdOK, &QPushButton::clicked, this, [this] { ok(); });
+    connect(cmdExit, &QPushButton::clicked, this, [this] {
+        if (!printing())
+            CloseScreen(this);
+    });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { cancelRun(); });
+    return ownCheck;
+}
 
 bool BillRunForm::checkFrameAndStartBill() {
     if (!optBillEarly->isChecked() && !optBillLate->isChecked()) {

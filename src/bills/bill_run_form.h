@@ -29,6 +29,7 @@ public:
     QCheckBox* chkPrintAddr = nullptr;
     QCheckBox* chkPlainPaperCopy = nullptr;
     QRadioButton* optBillNo = nullptr;
+    QRadioButton* optName = nullptr; // per capita only
     QRadioButton* optZipCode = nullptr;
     QLineEdit* txtBillNo = nullptr;
     QLineEdit* txtNumberOfMailers = nullptr;
@@ -48,6 +49,22 @@ public:
 
 protected:
     explicit BillRunForm(QWidget* parent) : QWidget(parent) {}
+
+    // What sets one bill form apart in its layout.
+    struct FormParts {
+        QString earlyCaption; // the billing time frame options' captions
+        QString lateCaption;
+        QString ownCheckName; // the form's own tick, below "Print Mailing Address..."
+        QString ownCheckCaption;
+        bool nameOrder = false;          // a Name order between Bill # and ZipCode
+        QLabel* progressLabel = nullptr; // a progress row of the form's own, after the control
+        QList<QWidget*> progressFields;
+    };
+    // Builds the form: the time frame, the ticks, the order, the start bill and the number of
+    // mailers, the progress fields, OK, Cancel and Exit, in that tab order. From May on the late
+    // frame is chosen. OK calls ok(). Returns the form's own tick.
+    QCheckBox* buildForm(const FormParts& parts);
+    virtual void ok() = 0;
 
     // Closing while a run prints stops the run after the bill in hand instead.
     void closeEvent(QCloseEvent* event) override;

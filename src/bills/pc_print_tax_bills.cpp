@@ -1,7 +1,6 @@
 #include "bills/pc_print_tax_bills.h"
 
 #include "bills/pc_tax_bill.h"
-#include "core/clock.h"
 #include "core/common_values.h"
 #include "core/messages.h"
 #include "core/named_widgets.h"
@@ -11,23 +10,11 @@
 #include "reports/print_output.h"
 #include "reports/report_surface.h"
 
-#include <QButtonGroup>
 #include <QCheckBox>
-#include <QCloseEvent>
-#include <QCoreApplication>
-#include <QDateTime>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QRegularExpressionValidator>
-#include <QSqlQuery>
 #include <QSqlRecord>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -45,109 +32,13 @@ frmPCPrintTaxBills::frmPCPrintTaxBills(QWidget* parent) : BillRunForm(parent) {
     session().LastScreenName = objectName();
     setWindowTitle(QLatin1String(FormTitle));
 
-    auto* frame = new QGroupBox(QStringLiteral("Billing Time Frame"), this);
-    frame->setObjectName(QStringLiteral("fraBillingTimeFrame"));
-    optBillEarly =
-        NamedOption(frame, QStringLiteral("optBillEarly"), QStringLiteral("Early Billing"));
-    optBillLate = NamedOption(frame, QStringLiteral("optBillLate"), QStringLiteral("Late Billing"));
-    m_frames = new QButtonGroup(this);
-    m_frames->addButton(optBillEarly);
-    m_frames->addButton(optBillLate);
-    {
-        auto* l = new QHBoxLayout(frame);
-        l->addWidget(optBillEarly);
-        l->addWidget(optBillLate);
-    }
-    chkSamples = NamedCheck(this, QStringLiteral("chkSamples"), QStringLiteral("Samples"));
-    chkPrintAddr = NamedCheck(this, QStringLiteral("chkPrintAddr"),
-                              QStringLiteral("Print Mailing Address On A Separate Page"));
-    chkSecondNotice = NamedCheck(this, QStringLiteral("chkSecondNotice"),
-                                 QStringLiteral("Print 2nd Notice Disregard If Paid"));
-    chkPlainPaperCopy =
-        NamedCheck(this, QStringLiteral("chkPlainPaperCopy"), QStringLiteral("Ascending Order"));
-
-    auto* order = new QGroupBox(QStringLiteral("Order"), this);
-    order->setObjectName(QStringLiteral("fraOrder"));
-    optBillNo = NamedOption(order, QStringLiteral("optBillNo"), QStringLiteral("Bill #"));
-    optName = NamedOption(order, QStringLiteral("optName"), QStringLiteral("Name"));
-    optZipCode = NamedOption(order, QStringLiteral("optZipCode"), QStringLiteral("ZipCode"));
-    m_orders = new QButtonGroup(this);
-    m_orders->addButton(optBillNo);
-    m_orders->addButton(optName);
-    m_orders->addButton(optZipCode);
-    {
-        auto* l = new QHBoxLayout(order);
-        l->addWidget(optBillNo);
-        l->addWidget(optName);
-        l->addWidget(optZipCode);
-    }
-
-    txtBillNo = NamedField(this, QStringLiteral("txtBillNo"), 5);
-    txtBillNo->setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), txtBillNo));
-    txtNumberOfMailers = NamedField(this, QStringLiteral("txtNumberOfMailers"), 6);
-
-    lblControl = NamedLabel(this, QStringLiteral("lblControl"), QStringLiteral("Control #:"));
-    lblName = NamedLabel(this, QStringLiteral("lblName"), QStringLiteral("Name:"));
-    txtControl = ShownField(this, QStringLiteral("txtControl"));
-    txtName = ShownField(this, QStringLiteral("txtName"));
-    prgBills = new QProgressBar(this);
-    prgBills->setObjectName(QStringLiteral("prgBills"));
-    prgBills->setFormat(QStringLiteral("%v of %m"));
-    cmdCancel = NamedButton(this, QStringLiteral("cmdCancel"), QStringLiteral("&Cancel"), false);
-
-    cmdOK = NamedButton(this, QStringLiteral("cmdOK"), QStringLiteral("&OK"));
-    cmdExit = NamedButton(this, QStringLiteral("cmdExit"), QStringLiteral("E&xit"), false);
-
-    auto* fields = new QGridLayout;
-    fields->addWidget(new QLabel(QStringLiteral("Start Bill #:"), this), 0, 0);
-    fields->addWidget(txtBillNo, 0, 1);
-    fields->addWidget(new QLabel(QStringLiteral("# Of Mailers:"), this), 1, 0);
-    fields->addWidget(txtNumberOfMailers, 1, 1);
-    fields->addWidget(lblControl, 2, 0);
-    fields->addWidget(txtControl, 2, 1);
-    fields->addWidget(lblName, 3, 0);
-    fields->addWidget(txtName, 3, 1);
-    fields->addWidget(prgBills, 4, 0, 1, 2);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
-    buttons->addWidget(cmdExit);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(frame);
-    layout->addWidget(chkSamples);
-    layout->addWidget(chkPrintAddr);
-    layout->addWidget(chkSecondNotice);
-    layout->addWidget(chkPlainPaperCopy);
-    layout->addWidget(order);
-    layout->addLayout(fields);
-    layout->addLayout(buttons);
-
-    setTabOrder(optBillEarly, optBillLate);
-    setTabOrder(optBillLate, chkSamples);
-    setTabOrder(chkSamples, chkPrintAddr);
-    setTabOrder(chkPrintAddr, chkSecondNotice);
-    setTabOrder(chkSecondNotice, chkPlainPaperCopy);
-    setTabOrder(chkPlainPaperCopy, optBillNo);
-    setTabOrder(optBillNo, optName);
-    setTabOrder(optName, optZipCode);
-    setTabOrder(optZipCode, txtBillNo);
-    setTabOrder(txtBillNo, txtNumberOfMailers);
-    setTabOrder(txtNumberOfMailers, cmdOK);
-
-    // From May on the late bills are the ones to mail.
-    if (Clock::today().month() >= 5)
-        optBillLate->setChecked(true);
-    showProgress(false);
-
-    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
-    connect(cmdExit, &QPushButton::clicked, this, [this] {
-        if (!printing())
-            CloseScreen(this);
-    });
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { cancelRun(); });
+    FormParts parts;
+    parts.earlyCaption = QStringLiteral("Early Billing");
+    parts.lateCaption = QStringLiteral("Late Billing");
+    parts.ownCheckName = QStringLiteral("chkSecondNotice");
+    parts.ownCheckCaption = QStringLiteral("Print 2nd Notice Disregard If Paid");
+    parts.nameOrder = true;
+    chkSecondNotice = buildForm(parts);
 }
 
 void frmPCPrintTaxBills::cmdOK_Click() {

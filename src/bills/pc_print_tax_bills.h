@@ -7,12 +7,9 @@
 
 #include <QString>
 
-class QButtonGroup;
-class QCloseEvent;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
-class QProgressBar;
 class QPushButton;
 class QRadioButton;
 class QSqlRecord;
@@ -23,14 +20,12 @@ public:
     explicit frmPCPrintTaxBills(QWidget* parent = nullptr);
 
     QCheckBox* chkSecondNotice = nullptr;
-    QRadioButton* optName = nullptr;
 
     // The print action (the late billing routine fires it under LateBillingRun).
     void cmdOK_Click();
 
 private:
-    QButtonGroup* m_frames = nullptr;
-    QButtonGroup* m_orders = nullptr;
+    void ok() override { cmdOK_Click(); }
 };
 
 // Opens the per capita bill form (or brings the open one forward) for one bill: its number in

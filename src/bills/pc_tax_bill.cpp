@@ -75,24 +75,8 @@ BillFace pcFace(const PCBillOffice& pc, const PCBillLook& look, const BilledBodi
     f.title = QStringLiteral("PER CAPITA TAX NOTICE FOR TAX YEAR ") + trimmed(rates, "TaxYear") +
               QStringLiteral(" - ") + office.twpBoro.trimmed();
     f.secondNotice = look.secondNotice;
-    const QString collector = CollectorLine(office.twpBoro);
-    f.payableLines = {frameText(rates, look.frame, "Line1"), collector,
-                      frameText(rates, look.frame, "Line2"), frameText(rates, look.frame, "Line3")};
-    f.measuredLines = {trimmed(rates, "Line1"), collector, trimmed(rates, "Line2"),
-                       trimmed(rates, "Line3")};
-    for (const char* column : {"Line4", "Line5", "Line6", "Line7"})
-        f.hoursLines << frameText(rates, look.frame, column);
-    f.county = office.county;
-    f.billNo = text(bill, "BillNo");
+    FillFaceFromOffice(f, office, look.frame, bill);
     f.payload = PCBillPayload(look.frame, Clock::today(), office.district, text(bill, "Control"));
-    f.gridDates[0] = {QStringLiteral("Until ") +
-                      shortDate(frameDate(rates, look.frame, "DiscDate"))};
-    f.gridDates[1] = {
-        QStringLiteral("Between ") + shortDate(frameDate(rates, look.frame, "FaceDate1")),
-        QStringLiteral("And ") + shortDate(frameDate(rates, look.frame, "FaceDate2"))};
-    f.gridDates[2] = {QStringLiteral("Starting ") +
-                      shortDate(frameDate(rates, look.frame, "PenDate"))};
-    f.mailingDate = longDate(frameDate(rates, look.frame, "MailDate"));
     f.discountRates =
         rateLine(office.countyRates, rates, office.btFlag, bodies, false, "PCSD", "PCTD", "PCSD");
     f.penaltyRates =

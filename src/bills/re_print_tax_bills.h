@@ -7,12 +7,9 @@
 
 #include <QString>
 
-class QButtonGroup;
-class QCloseEvent;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
-class QProgressBar;
 class QPushButton;
 class QRadioButton;
 
@@ -37,8 +34,7 @@ protected:
     void showBill(const QSqlRecord& bill) override;
 
 private:
-    QButtonGroup* m_frames = nullptr;
-    QButtonGroup* m_orders = nullptr;
+    void ok() override { cmdOK_Click(); }
 };
 
 // Opens the bill form (or brings the open one forward) for one bill: its number in txtBillNo,

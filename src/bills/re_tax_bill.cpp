@@ -116,24 +116,8 @@ BillFace reFace(const REBillOffice& office, const REBillLook& look, const Billed
     f.title = (late ? QStringLiteral("SCHOOL REAL ESTATE TAX NOTICE FOR TAX YEAR ")
                     : QStringLiteral("REAL ESTATE TAX NOTICE FOR TAX YEAR ")) +
               trimmed(rates, "TaxYear") + QStringLiteral(" - ") + office.twpBoro.trimmed();
-    const QString collector = CollectorLine(office.twpBoro);
-    f.payableLines = {frameText(rates, look.frame, "Line1"), collector,
-                      frameText(rates, look.frame, "Line2"), frameText(rates, look.frame, "Line3")};
-    f.measuredLines = {trimmed(rates, "Line1"), collector, trimmed(rates, "Line2"),
-                       trimmed(rates, "Line3")};
-    for (const char* column : {"Line4", "Line5", "Line6", "Line7"})
-        f.hoursLines << frameText(rates, look.frame, column);
-    f.county = office.county;
-    f.billNo = text(bill, "BillNo");
+    FillFaceFromOffice(f, office, look.frame, bill);
     f.payload = REBillPayload(look.frame, Clock::today(), office.district, text(bill, "Control"));
-    f.gridDates[0] = {QStringLiteral("Until ") +
-                      shortDate(frameDate(rates, look.frame, "DiscDate"))};
-    f.gridDates[1] = {
-        QStringLiteral("Between ") + shortDate(frameDate(rates, look.frame, "FaceDate1")),
-        QStringLiteral("And ") + shortDate(frameDate(rates, look.frame, "FaceDate2"))};
-    f.gridDates[2] = {QStringLiteral("Starting ") +
-                      shortDate(frameDate(rates, look.frame, "PenDate"))};
-    f.mailingDate = longDate(frameDate(rates, look.frame, "MailDate"));
     f.discountRates = BillRateLine(office, bodies, false);
     f.penaltyRates = BillRateLine(office, bodies, true);
     f.rows = gridRows(office, bodies, bill);
@@ -393,6 +377,27 @@ QString CollectorLine(const QString& twpBoro) {
     else
         out = ProperName(name) + QStringLiteral(" Tax Coll.");
     return out.left(40);
+}
+
+void FillFaceFromOffice(BillFace& face, const REBillOffice& office, BillingFrame frame,
+                        const QSqlRecord& bill) {
+    const QSqlRecord& rates = office.rates;
+    const QString collector = CollectorLine(office.twpBoro);
+    face.payableLines = {frameText(rates, frame, "Line1"), collector,
+                         frameText(rates, frame, "Line2"), frameText(rates, frame, "Line3")};
+    face.measuredLines = {trimmed(rates, "Line1"), collector, trimmed(rates, "Line2"),
+                          trimmed(rates, "Line3")};
+    for (const char* column : {"Line4", "Line5", "Line6", "Line7"})
+        face.hoursLines << frameText(rates, frame, column);
+    face.county = office.county;
+    face.billNo = text(bill, "BillNo");
+    face.gridDates[0] = {QStringLiteral("Until ") + shortDate(frameDate(rates, frame, "DiscDate"))};
+    face.gridDates[1] = {QStringLiteral("Between ") +
+                             shortDate(frameDate(rates, frame, "FaceDate1")),
+                         QStringLiteral("And ") + shortDate(frameDate(rates, frame, "FaceDate2"))};
+    face.gridDates[2] = {QStringLiteral("Starting ") +
+                         shortDate(frameDate(rates, frame, "PenDate"))};
+    face.mailingDate = longDate(frameDate(rates, frame, "MailDate"));
 }
 
 QString REBillPayload(BillingFrame frame, const QDate& today, const QString& district,

@@ -54,6 +54,11 @@ struct REBillLook {
 QString BillRateLine(const REBillOffice& office, const BilledBodies& bodies, bool penalty);
 // The collector line of the return block: "Maple Twp Tax Coll." or "Alder Borough Tax Coll.".
 QString CollectorLine(const QString& twpBoro);
+// What a bill of either duplicate takes from the office in its frame: the "Payable To:" and
+// office hours lines, the county, the bill number, the dates under the amount captions and the
+// mailing date.
+void FillFaceFromOffice(BillFace& face, const REBillOffice& office, BillingFrame frame,
+                        const QSqlRecord& bill);
 // The Code 39 payload: "20" (early) or "30" (late), the two-digit year of `today`, District and
 // the trimmed Control.
 QString REBillPayload(BillingFrame frame, const QDate& today, const QString& district,

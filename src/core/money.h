@@ -61,3 +61,19 @@ private:
     constexpr explicit Money(std::int64_t units) : m_units(units) {}
     std::int64_t m_units = 0;
 };
+
+// The three amounts of one tax line on a bill: payable at discount, at face, at penalty.
+struct AmountTriple {
+    Money discount;
+    Money face;
+    Money penalty;
+
+    Money total() const { return face + discount + penalty; }
+    AmountTriple& operator+=(const AmountTriple& o) {
+        discount += o.discount;
+        face += o.face;
+        penalty += o.penalty;
+        return *this;
+    }
+    bool operator==(const AmountTriple&) const = default;
+};

@@ -21,31 +21,18 @@ constexpr double MapX = 1750;
 constexpr double AmountsLeft = 6900;
 constexpr double MarkerWidth = 550;
 
-struct Triple {
-    Money face;
-    Money discount;
-    Money penalty;
-    Money total() const { return face + discount + penalty; }
-    Triple& operator+=(const Triple& o) {
-        face += o.face;
-        discount += o.discount;
-        penalty += o.penalty;
-        return *this;
-    }
-};
-
 struct Block {
     qint64 count = 0;
-    std::vector<Triple> lines;
+    std::vector<AmountTriple> lines;
     explicit Block(std::size_t n = 0) : lines(n) {}
-    void add(const std::vector<Triple>& row) {
+    void add(const std::vector<AmountTriple>& row) {
         ++count;
         for (std::size_t i = 0; i < lines.size(); ++i)
             lines[i] += row[i];
     }
-    Triple sum() const {
-        Triple t;
-        for (const Triple& l : lines)
+    AmountTriple sum() const {
+        AmountTriple t;
+        for (const AmountTriple& l : lines)
             t += l;
         return t;
     }
@@ -305,7 +292,7 @@ bool DistributionReport::draw(ReportPage& page) {
         const bool print = !m_options.summaryOnly;
         startSection(print);
         Block sectionTotals(n);
-        std::vector<Triple> row(n);
+        std::vector<AmountTriple> row(n);
         while (q.next()) {
             const QSqlRecord r = q.record();
             const QString recnum = TextField(r.value(QStringLiteral("Recnum")));
@@ -315,8 +302,9 @@ bool DistributionReport::draw(ReportPage& page) {
                 m_options.progress(r, voided);
             for (std::size_t i = 0; i < n; ++i) {
                 const QString& face = body.lines.at(qsizetype(i));
-                row[i] = {MoneyField(r.value(face)), MoneyField(r.value(DiscountColumn(face))),
-                          MoneyField(r.value(PenaltyColumn(face)))};
+                row[i] = {.discount = MoneyField(r.value(DiscountColumn(face))),
+                          .face = MoneyField(r.value(face)),
+                          .penalty = MoneyField(r.value(PenaltyColumn(face)))};
             }
             const QString flag = FlagField(r.value(body.payFlag)).trimmed();
             const QString hfFlag =
@@ -398,7 +386,7 @@ bool DistributionReport::draw(ReportPage& page) {
                       QStringLiteral("Number Of Transactions:  ") + countText(sectionTotals.count));
             Money due;
             for (std::size_t i = 0; i < n; ++i) {
-                const Triple& t = sectionTotals.lines[i];
+                const AmountTriple& t = sectionTotals.lines[i];
                 page.money(edge(2 * i), t.face, u"#,###,###.00");
                 page.money(edge(2 * i + 1), t.discount + t.penalty, u"#,###,###.00");
                 due += t.total();
@@ -432,7 +420,7 @@ bool DistributionReport::draw(ReportPage& page) {
             page.text(0, text);
             page.nextLine();
         };
-        auto fourColumns = [&](const QString& label, const Triple& x) {
+        auto fourColumns = [&](const QString& label, const AmountTriple& x) {
             line(label + amount12(x.discount) + QLatin1Char(' ') + amount12(x.face) +
                  QLatin1Char(' ') + amount12(x.penalty) + QLatin1Char(' ') + amount12(x.total()));
         };
@@ -483,7 +471,7 @@ bool DistributionReport::draw(ReportPage& page) {
             line(heading + countText(b.count) + QStringLiteral(" Transactions"));
             line(captions);
             line(underline);
-            auto row3 = [&](const QString& label, const Triple& x) {
+            auto row3 = [&](const QString& label, const AmountTriple& x) {
                 const Money other = discount ? x.discount : x.penalty;
                 line(label + amount12(x.face) + QLatin1Char(' ') + amount12(other) +
                      QLatin1Char(' ') + amount12(x.face + other));
@@ -526,15 +514,15 @@ bool DistributionReport::draw(ReportPage& page) {
         };
         Lines calc = totals;
         for (std::size_t i = 0; i < n; ++i) {
-            Triple& d = calc.period[1].lines[i];
+            AmountTriple& d = calc.period[1].lines[i];
             d.discount = -fromRate(d.face, m_spec.discountRate);
             d.penalty = Money();
-            Triple& p = calc.period[2].lines[i];
+            AmountTriple& p = calc.period[2].lines[i];
             p.penalty = fromRate(p.face, m_spec.penaltyRate);
             p.discount = Money();
-            Triple& f = calc.period[0].lines[i];
+            AmountTriple& f = calc.period[0].lines[i];
             f.discount = f.penalty = Money();
-            Triple& a = calc.all.lines[i];
+            AmountTriple& a = calc.all.lines[i];
             a.discount = d.discount;
             a.penalty = p.penalty;
         }

@@ -6,7 +6,11 @@
 //   "    3" nothing to pay anywhere
 //   "A0001" added after billing
 
+#include "reports/report_surface.h"
 #include "support/test_support.h"
+
+#include <QDir>
+#include <QTest>
 
 namespace BillFixture {
 
@@ -160,5 +164,36 @@ inline bool fillPerCapita(const TempTaxDatabase& db) {
         if (!db.exec(QString::fromLatin1(sql)))
             return false;
     return true;
+}
+} // namespace BillFixture
+
+namespace BillFixture {
+// A checked-in page dump beside the test.
+inline QString expectedPath(const char* name) {
+    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
+        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
+}
+
+inline QString joined(const QStringList& lines) {
+    return lines.join(QLatin1Char('\n'));
+}
+
+// Each wanted text is part of some printed line.
+inline void expectLines(const QStringList& lines, std::initializer_list<const char*> wanted) {
+    for (const char* want : wanted)
+        QVERIFY2(
+            lines.filter(QLatin1String(want)).size() >= 1,
+            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(lines)));
+}
+
+// The bill numbers drawn, in order: one "BILL # " line a copy, two copies a bill.
+inline QStringList billsDrawn(const Recording& r) {
+    QStringList out;
+    for (const RecordedPage& page : r.pages)
+        for (const PrintedText* t : page.texts())
+            if (t->text.startsWith(QLatin1String("BILL # ")) && t->font.size == 12)
+                out << t->text.mid(7).trimmed();
+    out.removeDuplicates();
+    return out;
 }
 } // namespace BillFixture

@@ -16,36 +16,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QString joined(const QStringList& lines) {
-    return lines.join(QLatin1Char('\n'));
-}
-
-// The bill numbers drawn, in order.
-QStringList billsDrawn(const Recording& r) {
-    QStringList out;
-    for (const RecordedPage& page : r.pages)
-        for (const PrintedText* t : page.texts())
-            if (t->text.startsWith(QLatin1String("BILL # ")) && t->font.size == 12)
-                out << t->text.mid(7).trimmed();
-    out.removeDuplicates();
-    return out;
-}
-
-void expectLines(const QStringList& lines, std::initializer_list<const char*> wanted) {
-    for (const char* want : wanted)
-        QVERIFY2(
-            lines.filter(QLatin1String(want)).size() >= 1,
-            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(lines)));
-}
-
-} // namespace
+using namespace BillFixture;
 
 class TestPCTaxBill : public QObject {
     Q_OBJECT
@@ -102,25 +73,14 @@ void TestPCTaxBill::earlyBillWithMailingPage() {
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("pc_bill_early.txt"), r.dump(), &diff),
              qPrintable(diff));
 
+    // The dump pins every line; what follows are the rules of this bill.
     const QStringList mailing = r.pages[0].textLines();
-    expectLines(mailing, {"012-000102 E PC     2  3", "Maple Township Tax Coll.",
-                          "Forwarding Service", "*** OFFICIAL PER CAPITA TAX BILL  ***",
-                          "MR ROBERT J SMITH JR", "77 HILL RD", "UNIT B", "OAKTON PA  19111 2231"});
     // No back panel on a per capita mailer.
     QVERIFY(!joined(mailing).contains(QLatin1String("disabled")));
     QCOMPARE(r.pages[0].barcodes().size(), std::size_t(1));
 
     const QStringList bill = r.pages[1].textLines();
-    expectLines(bill,
-                {"PER CAPITA TAX NOTICE FOR TAX YEAR 2013 - MAPLE TOWNSHIP",
-                 "Discount: County @ 1%, Twp @ 2%", "Penalty: County @ 10%, Twp @ 10%",
-                 "TWP OCC 1.500 ML 5.88 6.00 6.60", "TOWNSHIP 5.00 4.90 5.00 5.50",
-                 "TOTAL TAX DUE 10.78 11.00 12.10", "Control #: 012-000102",
-                 "of Kestrelvale County at (717) 555-0150 during the",
-                 "hours of 8:30 A.M. to 4:30 P.M.", "Taxes are due and payable and payment is",
-                 "SMITH ROBERT", "Pay Tax Collector before 12/31/2013",
-                 "to a collection agency no later than 1/1/2014", "MAPLE AREA SCHOOL DISTRICT",
-                 "Mon 9-12", "Wed 1-5"});
+    expectLines(bill, {"TOTAL TAX DUE 10.78 11.00 12.10"});
     const QString all = joined(bill);
     // The county takes nothing and has no rate: no county rows; no school in the early frame.
     QVERIFY(!all.contains(QLatin1String("COUNTY OCC")));

@@ -17,29 +17,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QString joined(const QStringList& lines) {
-    return lines.join(QLatin1Char('\n'));
-}
-
-// The bill numbers drawn, in order: one "BILL # " line a copy, two copies a bill.
-QStringList billsDrawn(const Recording& r) {
-    QStringList out;
-    for (const RecordedPage& page : r.pages)
-        for (const PrintedText* t : page.texts())
-            if (t->text.startsWith(QLatin1String("BILL # ")) && t->font.size == 12)
-                out << t->text.mid(7).trimmed();
-    out.removeDuplicates();
-    return out;
-}
-
-} // namespace
+using namespace BillFixture;
 
 class TestRETaxBill : public QObject {
     Q_OBJECT
@@ -96,21 +74,9 @@ void TestRETaxBill::earlyBillAsExpected() {
     QString diff;
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("re_bill_early.txt"), r.dump(), &diff),
              qPrintable(diff));
+    // The dump pins every line; the totals are spelled out here as the figures to check by hand.
     const QStringList lines = r.textLines();
-    for (const char* want :
-         {"REAL ESTATE TAX NOTICE FOR TAX YEAR 2013 - MAPLE TOWNSHIP",
-          "Discount: County @ 2%, Twp @ 1.25%", "Penalty: County @ 10%, Twp @ 10%",
-          "COUNTY 5.500 ML 172.48 176.00 193.60", "CNTY LIBRARY .250 ML 7.84 8.00 8.80",
-          "TOWNSHIP 1.500 ML 47.04 48.00 52.80", "FIRE .500 ML 15.68 16.00 17.60",
-          "TOTAL TAX DUE 243.04 248.00 272.80", "PO BOX 9", "APT 4", "OAKTON PA  19111 2231",
-          "Pay Tax Collector before 12/31/2013",
-          "On or after 01/01/2014, taxes are payable to Tax Claim Bureau,",
-          "Courthouse, 2 Market Sq, Kestrel, PA 17300.", "Control #: 012-000002",
-          "Maple Twp Tax Coll.",
-          "If taxes are escrowed, forward bill to mortgage holder for payment"})
-        QVERIFY2(
-            lines.filter(QLatin1String(want)).size() >= 1,
-            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(lines)));
+    QVERIFY(!lines.filter(QLatin1String("TOTAL TAX DUE 243.04 248.00 272.80")).isEmpty());
     // No school line in the early frame, and no Act 1 lines without the school.
     QVERIFY(lines.filter(QStringLiteral("SCHOOL ")).isEmpty());
     QVERIFY(lines.filter(QStringLiteral("ACT 1")).isEmpty());
@@ -137,16 +103,6 @@ void TestRETaxBill::lateBillWithMailingPageAndCoupons() {
     QString diff;
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("re_bill_late.txt"), r.dump(), &diff),
              qPrintable(diff));
-    const QStringList mailing = r.pages[0].textLines();
-    for (const char* want :
-         {"012-000002 L RE     2  H/F", "Maple Township Tax Coll.", "Forwarding Service",
-          "*** OFFICIAL REAL ESTATE TAX BILL  ***", "HOLLOWAY MARGARET A", "HOLLOWAY DAVID R",
-          "OAKTON PA  19111 2231", "NOTICE OF PROPERTY TAX RELIEF",
-          "If the tax office is not accessible to the disabled, arrangements will be made to "
-          "accomodate the disabled."})
-        QVERIFY2(
-            mailing.contains(QLatin1String(want)),
-            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(mailing)));
     // Postal bars: ZIP+4 and the weighted 3-1 check digit from the right
     // (1*3+3+2*3+2+1*3+1+1*3+9+1*3 = 33, so 7).
     const auto bars = r.pages[0].barcodes();
@@ -159,28 +115,10 @@ void TestRETaxBill::lateBillWithMailingPageAndCoupons() {
             QCOMPARE(t->angle, 180.0);
 
     const QStringList bill = r.pages[1].textLines();
-    for (const char* want :
-         {"SCHOOL REAL ESTATE TAX NOTICE FOR TAX YEAR 2013 - MAPLE TOWNSHIP",
-          "Discount: School @ 2%", "SCHOOL 20.000 ML 624.20 640.00 704.00",
-          "SCH LIB .200 ML 6.27 6.40 7.04", "PROPERTY TAX REDUCTION -147.00 -150.00 -165.00",
-          "TOTAL TAX DUE 483.47 496.40 546.04", "ACT 1 EXCLUSION - 5000",
-          "ACT 1 ADJUSTED TOTAL - 27000", "Homestead Exclusion", "Total Act 1 Exclusion",
-          "MAPLE AREA SCHOOL DISTRICT", "Pay Tax Collector before 12/31/2013"})
-        QVERIFY2(
-            bill.filter(QLatin1String(want)).size() >= 1,
-            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(bill)));
+    QVERIFY(!bill.filter(QLatin1String("TOTAL TAX DUE 483.47 496.40 546.04")).isEmpty());
     QVERIFY(!joined(bill).contains(QLatin1String("escrowed"))); // LatePrintEscrow is off
     QCOMPARE(r.barcodePayloads().mid(1),
              (QStringList{QStringLiteral("301312000002"), QStringLiteral("301312000002")}));
-
-    const QString coupons = joined(r.pages[2].textLines());
-    for (const char* want :
-         {"PAYMENT #1", "PAYMENT #3", "Due August 31, 2013", "Due December 31, 2013",
-          "Face Amount $163.33", "1st installment by 08/31/2013", "or none accepted by resolution!",
-          "After October 31, 2013", "Penalty @ $179.67",
-          "Please use the upper portion of the bill if you are making a full payment of taxes."})
-        QVERIFY2(coupons.contains(QLatin1String(want)),
-                 qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + coupons));
 
     // Without "Print Coupons" the coupons stay, the guidance and the H/F mark go.
     look.printHomestead = false;

@@ -14,12 +14,7 @@
 
 namespace {
 
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QStringList billsDrawn(const Recording& r) {
+QStringList statementsDrawn(const Recording& r) {
     QStringList out;
     for (const RecordedPage& page : r.pages)
         for (const PrintedText* t : page.texts())
@@ -29,6 +24,8 @@ QStringList billsDrawn(const Recording& r) {
 }
 
 } // namespace
+
+using namespace BillFixture;
 
 class TestSchoolStatement : public QObject {
     Q_OBJECT
@@ -68,32 +65,11 @@ void TestSchoolStatement::statementWithCoupons() {
     QString diff;
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("school_statement.txt"), r.dump(), &diff),
              qPrintable(diff));
+    // The dump pins every line; the amounts are spelled out here as the figures to check by hand.
     const QString lines = r.textLines().join(QLatin1Char('\n'));
-    // The adjusted bill at its new address, the school part only, at the early dates.
-    for (const char* want : {"2013 STATEMENT OF REAL ESTATE TAXES",
-                             "Bill Number:     2",
-                             "Control Number  000002",
-                             "Mailing Date: 03/01/2013",
-                             "HOLLOWAY MARGARET A",
-                             "PO BOX 9",
-                             "MAPLE AREA SCHOOL DISTRICT School District",
-                             "MAPLE AREA SCHOOL DISTRICT SCH DIST",
-                             "=> Rate: 20",
-                             "2% Discount Face Value 10% Penalty",
-                             "$477.20 $490.00 $539.00",
-                             "Before 04/30/2013",
-                             "After 07/01/2013",
-                             "HS/FS CREDIT $150.00",
-                             "HS Exclusion: $5,000.00",
-                             "Total Assessment: $32,000.00",
-                             "INSTALLMENT PAYMENT 1 INSTALLMENT PAYMENT 2",
-                             "Amount Due: 163.33 Amount Due: 163.33 Amount Due: 163.33",
-                             "DUE BY: 04/30/2013 DUE BY: 06/30/2013 DUE BY: 08/31/2013",
-                             "Ctrl - 000002  Bill -     2",
-                             "Return Bill with Payment",
-                             ">> This Receipt is NOT VALID Until Check Clears <<"})
-        QVERIFY2(lines.contains(QLatin1String(want)),
-                 qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + lines));
+    QVERIFY(lines.contains(QLatin1String("$477.20 $490.00 $539.00")));
+    QVERIFY(
+        lines.contains(QLatin1String("Amount Due: 163.33 Amount Due: 163.33 Amount Due: 163.33")));
     for (const PrintedText* t : r.pages[0].texts())
         QVERIFY2(t->x >= 0 && t->x + t->width() <= r.format.scaleWidth() &&
                      t->baseline() < r.format.scaleHeight(),
@@ -124,7 +100,7 @@ void TestSchoolStatement::runs() {
     const SchoolStatementResult result = RunSchoolStatements(m_db->db(), run, surface);
     surface.EndDoc();
     QCOMPARE(int(result.stop), stop);
-    QCOMPARE(billsDrawn(surface.recording()), bills);
+    QCOMPARE(statementsDrawn(surface.recording()), bills);
 }
 
 QTEST_MAIN(TestSchoolStatement)

@@ -16,22 +16,6 @@
 
 namespace {
 
-QString expectedPath(const char* name) {
-    return QDir(QStringLiteral(LEVYDESK_TEST_DIR))
-        .filePath(QStringLiteral("expected/") + QString::fromLatin1(name));
-}
-
-QString joined(const QStringList& lines) {
-    return lines.join(QLatin1Char('\n'));
-}
-
-void expectLines(const QStringList& lines, std::initializer_list<const char*> wanted) {
-    for (const char* want : wanted)
-        QVERIFY2(
-            lines.filter(QLatin1String(want)).size() >= 1,
-            qPrintable(QLatin1String(want) + QStringLiteral("\n--- printed:\n") + joined(lines)));
-}
-
 // The controls of the notices drawn, in order.
 QStringList noticesDrawn(const Recording& r) {
     QStringList out;
@@ -50,6 +34,8 @@ QString labelsOf(const std::vector<NoticeLine>& lines) {
 }
 
 } // namespace
+
+using namespace BillFixture;
 
 class TestSecondNotice : public QObject {
     Q_OBJECT
@@ -125,16 +111,7 @@ void TestSecondNotice::countyNoticeAsExpected() {
     QString diff;
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("re_county_notice.txt"), r.dump(), &diff),
              qPrintable(diff));
-    expectLines(r.textLines(),
-                {"NOTICE OF DELINQUENTS", "HOLLOWAY MARGARET A", "HOLLOWAY DAVID R", "PO BOX 9",
-                 "APT 4", "OAKTON PA  19111 2231", "Date: November 16, 2013", "COUNTY $193.60",
-                 "LIBRARY $8.80", "TOWNSHIP $52.80", "FIRE $17.60", "SCHOOL $539.00",
-                 "SCH LIB $7.04", "Total Amount Due: $818.84",
-                 "at least 60 years of age, contact the Area Agency on Aging at (717) 555-0190 "
-                 "or (800) 555-0191",
-                 "wages.  Contact Keystone Collections at (717) 555-0199",
-                 "Bureau at (717) 555-0186 ext 2 prior to making payment.",
-                 "Any questions, please call at (717) 555-0100"});
+    expectLines(r.textLines(), {"Total Amount Due: $818.84"});
     QCOMPARE(r.barcodePayloads(), QStringList{QStringLiteral("201312000002")});
     // The notice keeps within the sheet.
     for (const PrintedText* t : r.pages[0].texts()) {
@@ -161,8 +138,6 @@ void TestSecondNotice::plainNoticeWithInstallments() {
     QString diff;
     QVERIFY2(PrintReadback::matchesExpected(expectedPath("re_plain_notice.txt"), r.dump(), &diff),
              qPrintable(diff));
-    expectLines(r.pages[0].textLines(),
-                {"*** OFFICIAL REAL ESTATE SECOND TAX NOTICE  ***", "012-000002 L RE     2"});
     const QStringList notice = r.pages[1].textLines();
     expectLines(notice, {"REAL ESTATE SECOND TAX NOTICE", "SCHOOL $359.33",
                          "INSTALLMENT #2  FACE $163.33  PENALTY $179.67",

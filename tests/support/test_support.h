@@ -61,11 +61,11 @@ private:
     std::unique_ptr<MessageService> m_previous;
 };
 
-// A new tax database with the whole schema in a temporary folder, open on its own connection.
 // The rows of a query joined as "a|b;c|d", a Null as <null>; "ERROR" and the statement when it
 // fails.
 QString QueryRows(const QSqlDatabase& db, const QString& sql);
 
+// A new tax database with the whole schema in a temporary folder, open on its own connection.
 class TempTaxDatabase {
 public:
     explicit TempTaxDatabase(const QString& fileName = QStringLiteral("KestLevyDsk2013.sqlite"));

@@ -62,7 +62,6 @@ class TestZipArchive : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init();
-    void properties();
     void entries_data();
     void entries();
     void nothingToDoWithoutSpecs();
@@ -83,21 +82,6 @@ void TestZipArchive::init() {
     writeFile(path("data/b.log"), "bravo");
     writeFile(path("data/.hidden.txt"), "hidden");
     writeFile(path("data/sub/c.txt"), "charlie");
-}
-
-void TestZipArchive::properties() {
-    cZip zip;
-    // Set on creation, as the old class did.
-    QVERIFY(zip.StoreDirectories && zip.StoreFolderNames && zip.RecurseSubDirs);
-    QVERIFY(!zip.Encrpyt() && !zip.AllowAppend && !zip.FreshenFiles);
-    zip.AddFileSpec("one");
-    zip.AddFileSpec("two");
-    QCOMPARE(zip.FileSpecCount(), 2);
-    QCOMPARE(zip.FileSpec(1), QString("one"));
-    QCOMPARE(zip.FileSpec(2), QString("two"));
-    QCOMPARE(zip.FileSpec(3), QString());
-    zip.ClearFileSpecs();
-    QCOMPARE(zip.FileSpecCount(), 0);
 }
 
 void TestZipArchive::entries_data() {

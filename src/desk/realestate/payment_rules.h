@@ -19,15 +19,6 @@
 // Amounts from rates (adding or adjusting a bill)
 // ---------------------------------------------------------------------------------------------
 
-// The three amounts of one tax line on a bill: payable at discount, at face, at penalty.
-struct AmountTriple {
-    Money discount;
-    Money face;
-    Money penalty;
-
-    bool operator==(const AmountTriple&) const = default;
-};
-
 // A line levied in mills on an assessment: land and improvements are taxed and rounded each by
 // itself, RoundTo(land / 1000 * mill) + RoundTo(impr / 1000 * mill). A mill of zero gives zero.
 Money MillageFace(qint64 land, qint64 impr, double mill);

@@ -33,23 +33,10 @@ constexpr double MapX = 1700;
 constexpr double AmountsLeft = 3800;
 constexpr double NameWidth = 2400;
 
-struct Triple {
-    Money face;
-    Money discount;
-    Money penalty;
-    Money total() const { return face + discount + penalty; }
-    Triple& operator+=(const Triple& o) {
-        face += o.face;
-        discount += o.discount;
-        penalty += o.penalty;
-        return *this;
-    }
-};
-
 // The running totals of a section, or of the whole report.
 struct Totals {
     qint64 count = 0;
-    std::vector<Triple> lines;
+    std::vector<AmountTriple> lines;
     Money overage;
     Money refund;
     explicit Totals(std::size_t n) : lines(n) {}
@@ -235,13 +222,14 @@ bool ReceiptReport::draw(ReportPage& page) {
                        int(layout.indexOf(PenaltyColumn(face)))};
     }
     auto rowTriples = [&](const QSqlRecord& r) {
-        std::vector<Triple> out(n);
+        std::vector<AmountTriple> out(n);
         for (std::size_t i = 0; i < n; ++i)
-            out[i] = {MoneyField(r.value(tripleAt[i][0])), MoneyField(r.value(tripleAt[i][1])),
-                      MoneyField(r.value(tripleAt[i][2]))};
+            out[i] = {.discount = MoneyField(r.value(tripleAt[i][1])),
+                      .face = MoneyField(r.value(tripleAt[i][0])),
+                      .penalty = MoneyField(r.value(tripleAt[i][2]))};
         return out;
     };
-    auto add = [n, overageAt, refundAt](Totals& t, const std::vector<Triple>& row,
+    auto add = [n, overageAt, refundAt](Totals& t, const std::vector<AmountTriple>& row,
                                         const QSqlRecord& r) {
         ++t.count;
         for (std::size_t i = 0; i < n; ++i)
@@ -249,8 +237,8 @@ bool ReceiptReport::draw(ReportPage& page) {
         t.overage += MoneyField(r.value(overageAt));
         t.refund += MoneyField(r.value(refundAt));
     };
-    auto amounts = [&](const std::vector<Triple>& row, Money overage, Money refund) {
-        Triple all;
+    auto amounts = [&](const std::vector<AmountTriple>& row, Money overage, Money refund) {
+        AmountTriple all;
         for (std::size_t i = 0; i < n; ++i) {
             page.money(edge(i), row[i].face, u"#,###,###.00");
             all += row[i];
@@ -262,7 +250,7 @@ bool ReceiptReport::draw(ReportPage& page) {
         page.money(edge(n + 4), refund, u"#,###,###.00");
         page.money(edge(n + 5), all.total() + overage + refund, u"#,###,###.00");
     };
-    auto printRow = [&](const QSqlRecord& r, const std::vector<Triple>& row, bool voidLine) {
+    auto printRow = [&](const QSqlRecord& r, const std::vector<AmountTriple>& row, bool voidLine) {
         page.startRow();
         QString bill = TextField(r.value(billNoAt));
         const int adjNo = r.value(adjNoAt).toInt();
@@ -311,7 +299,7 @@ bool ReceiptReport::draw(ReportPage& page) {
             const QSqlRecord r = q.record();
             if (m_options.progress)
                 m_options.progress(r);
-            const std::vector<Triple> row = rowTriples(r);
+            const std::vector<AmountTriple> row = rowTriples(r);
             if (print)
                 printRow(r, row, false);
             const QString recnum = TextField(r.value(recnumAt));
@@ -350,7 +338,7 @@ bool ReceiptReport::draw(ReportPage& page) {
                 continue;
             if (m_options.progress)
                 m_options.progress(v);
-            const std::vector<Triple> row = rowTriples(v);
+            const std::vector<AmountTriple> row = rowTriples(v);
             if (print)
                 printRow(v, row, false);
             add(section, row, v);
@@ -373,7 +361,7 @@ bool ReceiptReport::draw(ReportPage& page) {
         page.text(0, text);
         page.nextLine();
     };
-    auto fourColumns = [&](const QString& label, const Triple& x) {
+    auto fourColumns = [&](const QString& label, const AmountTriple& x) {
         line(label + amount12(x.discount) + QLatin1Char(' ') + amount12(x.face) + QLatin1Char(' ') +
              amount12(x.penalty) + QLatin1Char(' ') + amount12(x.total()));
     };
@@ -381,10 +369,10 @@ bool ReceiptReport::draw(ReportPage& page) {
         QStringLiteral("                  ------------ ------------ ------------ ------------");
     line(QStringLiteral("                      Discount         Face      Penalty        Total"));
     line(QStringLiteral("                      ========         ====      =======        ====="));
-    Triple all;
+    AmountTriple all;
     auto block = [&](const std::vector<std::pair<QString, std::size_t>>& lines,
                      const QString& totalLabel) {
-        Triple sum;
+        AmountTriple sum;
         for (const auto& [label, column] : lines) {
             fourColumns(label, grand.lines[column]);
             sum += grand.lines[column];
