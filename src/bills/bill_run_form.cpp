@@ -105,6 +105,7 @@ QCheckBox* BillRunForm::buildForm(const FormParts& parts) {
             own->addWidget(w);
         fields->addWidget(parts.progressLabel, row, 0);
         fields->addLayout(own, row++, 1);
+        m_ownProgress = QList<QWidget*>{parts.progressLabel} + parts.progressFields;
     }
     addRow(lblName, txtName);
     fields->addWidget(prgBills, row, 0, 1, 2);
@@ -193,7 +194,7 @@ void BillRunForm::closeEvent(QCloseEvent* event) {
 
 void BillRunForm::showProgress(bool on) {
     QList<QWidget*> fields{lblControl, lblName, txtControl, txtName, prgBills, cmdCancel};
-    fields += moreProgressFields();
+    fields += m_ownProgress;
     for (QWidget* w : fields)
         w->setVisible(on);
 }

@@ -69,8 +69,6 @@ protected:
     // Closing while a run prints stops the run after the bill in hand instead.
     void closeEvent(QCloseEvent* event) override;
 
-    // The progress fields of the form beyond the control number and the name.
-    virtual QList<QWidget*> moreProgressFields() const { return {}; }
     // Puts the bill in hand into the progress fields (control and name; a form adds its own).
     virtual void showBill(const QSqlRecord& bill);
     void showProgress(bool on);
@@ -103,6 +101,8 @@ protected:
 private:
     bool keepGoing(const QSqlRecord& bill, int printed);
 
+    // The form's own progress row (FormParts), shown and hidden with the others.
+    QList<QWidget*> m_ownProgress;
     bool m_printing = false;
     bool m_cancel = false;
     qint64 m_lastPump = 0;

@@ -126,10 +126,6 @@ frmREPrintTaxBills* OpenREPrintTaxBillsFor(const QString& billNo, bool printCoup
     return form;
 }
 
-QList<QWidget*> frmREPrintTaxBills::moreProgressFields() const {
-    return {lblMap, txtMap3, txtMap4, txtMap5};
-}
-
 void frmREPrintTaxBills::showBill(const QSqlRecord& bill) {
     BillRunForm::showBill(bill);
     auto field = [&](const char* column) {

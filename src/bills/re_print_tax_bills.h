@@ -30,7 +30,6 @@ public:
     void cmdOK_Click();
 
 protected:
-    QList<QWidget*> moreProgressFields() const override;
     void showBill(const QSqlRecord& bill) override;
 
 private:
